@@ -1,0 +1,24 @@
+# Every outside library, found once. A target names the ones it wraps; nothing else may include them.
+
+find_package(PkgConfig REQUIRED)
+find_package(Threads REQUIRED)
+find_package(Boost 1.81 REQUIRED COMPONENTS json url)
+find_package(ICU REQUIRED COMPONENTS uc i18n)
+find_package(OpenSSL REQUIRED COMPONENTS Crypto)
+find_package(fmt REQUIRED)
+find_package(CLI11 REQUIRED)
+find_package(GTest REQUIRED)
+
+pkg_check_modules(GLIB REQUIRED IMPORTED_TARGET glib-2.0)
+pkg_check_modules(GIO REQUIRED IMPORTED_TARGET gio-2.0 gio-unix-2.0)
+pkg_check_modules(CAIRO REQUIRED IMPORTED_TARGET cairo cairo-svg cairo-pdf cairo-png)
+pkg_check_modules(PANGO REQUIRED IMPORTED_TARGET pangocairo)
+pkg_check_modules(GTK REQUIRED IMPORTED_TARGET gtk+-3.0)
+pkg_check_modules(LAYERSHELL REQUIRED IMPORTED_TARGET gtk-layer-shell-0)
+pkg_check_modules(SYSTEMD REQUIRED IMPORTED_TARGET libsystemd)
+
+if(QUILLORA_BENCHMARKS)
+    find_package(benchmark REQUIRED)
+endif()
+
+include(GoogleTest)
