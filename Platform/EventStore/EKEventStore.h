@@ -5,6 +5,7 @@
 #include "Platform/EventStore/EKEvent.h"
 #include "Platform/EventStore/EKSource.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -32,6 +33,18 @@ struct EKEventPredicate {
     Foundation::Date end;
     /// Identifiers of the calendars to look in; absent means all, empty means none.
     std::optional<std::vector<std::string>> calendars;
+
+    /// Whether an event of these bounds lies in the interval: it starts before the interval's end and ends
+    /// after the interval's start; one without length starts in the interval, whose end is exclusive.
+    [[nodiscard]] bool overlaps(Foundation::Date eventStart, Foundation::Date eventEnd) const {
+        if (!(eventStart < end)) return false;
+        return eventEnd > start || (eventEnd == eventStart && eventStart >= start);
+    }
+
+    /// Whether that calendar is looked in.
+    [[nodiscard]] bool covers(std::string_view calendarIdentifier) const {
+        return !calendars || std::ranges::find(*calendars, calendarIdentifier) != calendars->end();
+    }
 };
 
 /// A store's refusal, with a text that a person understands.
@@ -55,7 +68,8 @@ public:
     virtual std::optional<EKCalendar> defaultCalendarForNewEvents() = 0;
 
     /// Events with start < predicate.end and end > predicate.start, and zero-length ones with
-    /// predicate.start ≤ start < predicate.end; occurrences expanded.
+    /// predicate.start ≤ start < predicate.end; occurrences expanded. Each has a start, an end, a calendar
+    /// and an event identifier. Their order is the store's own.
     virtual std::vector<EKEvent> eventsMatching(EKEventPredicate const& predicate) = 0;
 
     /// The event, or the first occurrence of the series; absent when the store has none of that identifier.
@@ -76,4 +90,4 @@ public:
     virtual Foundation::Task<bool> requestFullAccessToEvents() = 0;
 };
 
-}  // namespace Platform
+} // namespace Platform
