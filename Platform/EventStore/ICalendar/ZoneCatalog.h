@@ -1,0 +1,36 @@
+#pragma once
+
+#include "Foundation/TimeZone.h"
+#include "Platform/EventStore/ICalendar/CalendarFile.h"
+
+#include <map>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace Platform::ICalendar {
+
+class CustomTimeZone;
+class EventZone;
+
+/// Finds the clock that a TZID means, and keeps what it found: the system's tzdata for an IANA name, for the
+/// Windows name of a zone and for a name with a vendor's prefix ("/example.org/Europe/Berlin"); else the
+/// file's own VTIMEZONE. May be shared by any number of calendars and threads.
+class ZoneCatalog {
+public:
+    /// The clock of `identifier` in `file`; absent when nothing explains it, and then its times are read on
+    /// the viewer's clock.
+    std::optional<EventZone> zone(std::string_view identifier, CalendarFile const& file);
+
+private:
+    std::optional<Foundation::TimeZone> systemZone(std::string_view identifier);
+    std::shared_ptr<CustomTimeZone const> customZone(std::string_view identifier, CalendarFile const& file);
+
+    std::mutex mutex;
+    std::map<std::string, std::optional<Foundation::TimeZone>, std::less<>> systemZones;
+    std::map<std::string, std::shared_ptr<CustomTimeZone const>, std::less<>> customZones;
+};
+
+} // namespace Platform::ICalendar
