@@ -1,0 +1,85 @@
+#pragma once
+
+#include "Foundation/Date.h"
+#include "Foundation/Environment.h"
+#include "Foundation/Task.h"
+
+#include <memory>
+#include <optional>
+
+namespace Platform {
+class Appearance;
+class CalendarStoreConfiguration;
+class Clock;
+class ConsentPrompt;
+class ConsentRecord;
+class EKEventStore;
+class FileManager;
+class LogSink;
+class NotificationCenter;
+class RegionSettings;
+class TextProvider;
+class WidgetCenter;
+struct CalendarStorePlaces;
+} // namespace Platform
+
+namespace WidgetExtension {
+struct ScheduleWidgetServices;
+}
+
+/// The composition roots' common part: the one place that names the live implementations.
+namespace Composition {
+
+/// What a program decides for itself.
+struct LiveServicesOptions {
+    /// The moment at which the program's clock stands still; absent for the system's clock.
+    std::optional<Foundation::Date> fixedMoment = std::nullopt;
+    /// Asks for access to the calendars; without one it is not asked for and stays undetermined.
+    std::shared_ptr<Platform::ConsentPrompt> consentPrompt = nullptr;
+};
+
+/// Every live part of a Quillora program. Each is made once, on first use, so that a program pays only for
+/// what it touches: no bus is contacted, no file opened and no bundle looked up before that. To be asked
+/// from one thread; the parts themselves say which threads they allow.
+class LiveServices final {
+public:
+    explicit LiveServices(Foundation::Environment environment, LiveServicesOptions options = {});
+    ~LiveServices();
+
+    LiveServices(LiveServices const&) = delete;
+    LiveServices& operator=(LiveServices const&) = delete;
+
+    [[nodiscard]] Foundation::Environment const& environment() const;
+
+    std::shared_ptr<Platform::Clock const> clock();
+    std::shared_ptr<Platform::RegionSettings const> region();
+    std::shared_ptr<Platform::FileManager const> files();
+    std::shared_ptr<Platform::LogSink> logSink();
+    std::shared_ptr<Platform::NotificationCenter> notifications();
+    std::shared_ptr<Platform::Appearance const> appearance();
+    std::shared_ptr<Platform::WidgetCenter> widgetCenter();
+
+    /// Texts of the widget extension's own bundle, and of the Meetings package.
+    std::shared_ptr<Platform::TextProvider const> widgetTexts();
+    std::shared_ptr<Platform::TextProvider const> meetingsTexts();
+
+    /// Where the calendar store keeps its own files. Absent when the environment names no home.
+    std::optional<Platform::CalendarStorePlaces> calendarPlaces();
+
+    /// The person's calendar sources and consent. Null when the environment names no home.
+    std::shared_ptr<Platform::CalendarStoreConfiguration const> calendarConfiguration();
+    std::shared_ptr<Platform::ConsentRecord const> consent();
+
+    /// The one calendar store of the process.
+    std::shared_ptr<Platform::EKEventStore> eventStore();
+
+    /// What the widget's timeline provider, view and intents are built from. The provider's tasks run on
+    /// `executor`.
+    WidgetExtension::ScheduleWidgetServices scheduleWidgetServices(Foundation::TaskExecutor executor);
+
+private:
+    struct Parts;
+    std::unique_ptr<Parts> parts;
+};
+
+} // namespace Composition
