@@ -12,12 +12,12 @@ namespace Foundation {
 /// A moment as a clock and a calendar on the wall show it.
 struct DateComponents {
     std::int64_t year;
-    std::int32_t month;    ///< 1…12
-    std::int32_t day;      ///< 1…31
-    std::int32_t hour;     ///< 0…23
-    std::int32_t minute;   ///< 0…59
-    std::int32_t second;   ///< 0…59
-    std::int32_t weekday;  ///< 1 = Sunday … 7 = Saturday; not read when a date is made from components
+    std::int32_t month;   ///< 1…12
+    std::int32_t day;     ///< 1…31
+    std::int32_t hour;    ///< 0…23
+    std::int32_t minute;  ///< 0…59
+    std::int32_t second;  ///< 0…59
+    std::int32_t weekday; ///< 1 = Sunday … 7 = Saturday; not read when a date is made from components
 
     friend bool operator==(DateComponents const&, DateComponents const&) = default;
 };
@@ -62,4 +62,4 @@ private:
     TimeZone zone;
 };
 
-}  // namespace Foundation
+} // namespace Foundation

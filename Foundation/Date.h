@@ -23,4 +23,4 @@ struct Date {
     friend constexpr bool operator==(Date, Date) = default;
 };
 
-}  // namespace Foundation
+} // namespace Foundation

@@ -36,4 +36,4 @@ std::optional<Date> dateFromISO8601(std::string_view text);
 /// calendar's clocks. Absent for anything else.
 std::optional<Date> momentFromISO8601(std::string_view text, Calendar const& calendar);
 
-}  // namespace Foundation
+} // namespace Foundation

@@ -27,4 +27,4 @@ private:
     std::map<std::string, std::string, std::less<>> variables;
 };
 
-}  // namespace Foundation
+} // namespace Foundation

@@ -8,4 +8,4 @@ namespace Foundation {
 /// line feed, then abort(3). Never used for anything that outside data can cause.
 [[noreturn]] void fatalError(std::string_view message);
 
-}  // namespace Foundation
+} // namespace Foundation

@@ -48,8 +48,8 @@ struct Value {
 
 /// Why a document or value could not be read.
 enum class DecodeFailure : std::uint8_t {
-    dataCorrupted,  ///< Not JSON, empty, not UTF-8, nested deeper than 512, or of the wrong type.
-    keyMissing,     ///< A required key is missing or null.
+    dataCorrupted, ///< Not JSON, empty, not UTF-8, nested deeper than 512, or of the wrong type.
+    keyMissing,    ///< A required key is missing or null.
 };
 
 /// The text that an error carries for the failure.
@@ -79,4 +79,4 @@ std::expected<std::vector<std::string>, DecodeFailure> textList(Value const& val
 /// The member of an object that must be there and not null.
 std::expected<Value const*, DecodeFailure> required(Value const& object, std::string_view name);
 
-}  // namespace Foundation::JSON
+} // namespace Foundation::JSON

@@ -26,4 +26,4 @@ struct Locale {
     friend bool operator==(Locale const&, Locale const&) = default;
 };
 
-}  // namespace Foundation
+} // namespace Foundation

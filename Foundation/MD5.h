@@ -10,4 +10,4 @@ namespace Foundation {
 /// comes from a library that no crypto policy switches off.
 std::array<std::uint8_t, 16> md5(std::string_view bytes);
 
-}  // namespace Foundation
+} // namespace Foundation

@@ -28,4 +28,4 @@ constexpr std::optional<E> fromRawValue(std::string_view text) {
     return entry->first;
 }
 
-}  // namespace Foundation
+} // namespace Foundation

@@ -41,4 +41,4 @@ T runTask(Task<T> task) {
     return result.get();
 }
 
-}  // namespace Foundation
+} // namespace Foundation

@@ -50,4 +50,4 @@ std::string neutralized(std::string_view text);
 /// Whether the first strong character of `text` runs from right to left (UAX #9, rule P2).
 bool startsRightToLeft(std::string_view text);
 
-}  // namespace Foundation::Text
+} // namespace Foundation::Text

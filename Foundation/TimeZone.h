@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -21,12 +22,13 @@ public:
     /// Coordinated Universal Time; always there.
     static TimeZone utc();
 
-    /// A zone of one constant offset east of UTC.
+    /// A zone of one constant offset east of UTC, less than 24 hours either way, called "UTC+05:30".
     static TimeZone fixedOffset(std::int32_t secondsEast);
 
     /// The user's zone: `TZ` when it is usable (a leading colon and an absolute path are understood), else
-    /// the target of /etc/localtime, else UTC. Works it out anew at each call.
-    static TimeZone current(Environment const& environment);
+    /// the target of /etc/localtime, else UTC. An empty `TZ` is UTC. Works it out anew at each call.
+    static TimeZone current(Environment const& environment,
+                            std::filesystem::path const& systemZoneFile = "/etc/localtime");
 
     /// The name it was found by.
     [[nodiscard]] std::string const& identifier() const;
@@ -38,9 +40,10 @@ public:
     struct LocalTimeResolution {
         enum class Kind : std::uint8_t { unique, repeated, skipped };
         Kind kind;
-        std::int64_t first;   ///< UTC seconds; of a repeated time the first pass; of a skipped time the
-                              ///< instant moved forward by the gap (read with the offset before it).
-        std::int64_t second;  ///< UTC seconds of the second pass of a repeated time; otherwise as `first`.
+        std::int64_t first;  ///< UTC seconds; of a repeated time the first pass; of a skipped time the
+                             ///< instant moved forward by the gap (read with the offset before it).
+        std::int64_t second; ///< UTC seconds of the second pass of a repeated time; of a skipped time the
+                             ///< first instant after the gap; otherwise as `first`.
     };
 
     /// Resolves a wall-clock time given as seconds from 1970-01-01 00:00 on this zone's clocks.
@@ -55,4 +58,4 @@ private:
     std::shared_ptr<Rules const> rules;
 };
 
-}  // namespace Foundation
+} // namespace Foundation

@@ -16,4 +16,4 @@ struct URL {
     friend bool operator==(URL const&, URL const&) = default;
 };
 
-}  // namespace Foundation
+} // namespace Foundation

@@ -25,4 +25,4 @@ struct UUID {
     friend auto operator<=>(UUID const&, UUID const&) = default;
 };
 
-}  // namespace Foundation
+} // namespace Foundation
