@@ -1,0 +1,41 @@
+#pragma once
+
+#include "Platform/WidgetHost/GLibSource.h"
+
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace Platform {
+
+/// Tells when files directly in one folder are replaced, written, made or removed, by whichever process. It
+/// watches the folder and not the files, since a file that is replaced by a rename is another file.
+class FolderWatch final {
+public:
+    /// `names` are the file names that matter; none means all but hidden ones. `onChange` is called on GLib's
+    /// default main context, once for changes that arrive together. A folder that is missing or cannot be
+    /// watched is tried again by renew().
+    FolderWatch(std::filesystem::path folder, std::vector<std::string> names, std::function<void()> onChange);
+    FolderWatch(FolderWatch const&) = delete;
+    FolderWatch& operator=(FolderWatch const&) = delete;
+    ~FolderWatch();
+
+    /// Watches again if the folder was missing or has gone since. Cheap when it is being watched.
+    void renew();
+
+    [[nodiscard]] bool isWatching() const { return watch >= 0; }
+
+private:
+    void readEvents();
+    [[nodiscard]] bool matters(std::string_view name) const;
+
+    std::filesystem::path folder;
+    std::vector<std::string> names;
+    std::function<void()> onChange;
+    int descriptor;
+    int watch = -1;
+    GLibSource readable;
+};
+
+} // namespace Platform

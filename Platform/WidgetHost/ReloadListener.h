@@ -1,0 +1,23 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+
+namespace Platform {
+
+/// Hears the reload requests that other processes send on the session bus. It connects in the background;
+/// requests that were sent before are not heard.
+class ReloadListener final {
+public:
+    /// `onRequest` is called on GLib's default main context.
+    explicit ReloadListener(std::function<void()> onRequest);
+    ReloadListener(ReloadListener const&) = delete;
+    ReloadListener& operator=(ReloadListener const&) = delete;
+    ~ReloadListener();
+
+private:
+    struct State;
+    std::unique_ptr<State> state;
+};
+
+} // namespace Platform

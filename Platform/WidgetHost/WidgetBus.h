@@ -1,0 +1,14 @@
+#pragma once
+
+/// How processes of the product find a running widget on the session bus.
+namespace Platform::WidgetBus {
+
+/// The name that the one widget of a session owns.
+inline constexpr char const* applicationIdentifier = "com.zentorik.quillora.Widget";
+
+/// The signal by which any process asks every running host to load its timelines anew. It has no arguments.
+inline constexpr char const* reloadObjectPath = "/com/zentorik/quillora/WidgetCenter";
+inline constexpr char const* reloadInterface = "com.zentorik.quillora.WidgetCenter";
+inline constexpr char const* reloadSignal = "ReloadAllTimelines";
+
+} // namespace Platform::WidgetBus

@@ -1,0 +1,139 @@
+#include "LoopDriver.h"
+
+#include "Platform/WidgetHost/ReloadListener.h"
+#include "Platform/WidgetHost/SessionBusWidgetCenter.h"
+
+#include <gio/gio.h>
+#include <gtest/gtest.h>
+
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <thread>
+
+namespace {
+
+using Foundation::Environment;
+
+/// A session bus of the test's own.
+class PrivateBus {
+public:
+    PrivateBus() : bus(g_test_dbus_new(G_TEST_DBUS_NONE)) { g_test_dbus_up(bus); }
+    PrivateBus(PrivateBus const&) = delete;
+    PrivateBus& operator=(PrivateBus const&) = delete;
+    ~PrivateBus() {
+        g_test_dbus_down(bus);
+        g_object_unref(bus);
+    }
+
+    [[nodiscard]] Environment environment() const {
+        return Environment().setting("DBUS_SESSION_BUS_ADDRESS", g_test_dbus_get_bus_address(bus));
+    }
+
+private:
+    GTestDBus* bus;
+};
+
+/// Waits until the listener has connected: it hears only what is sent afterwards.
+void sendUntilHeard(Platform::WidgetCenter& center, int const& heard) {
+    ASSERT_TRUE(LoopDriver::runUntil([&] {
+        center.reloadAllTimelines();
+        return heard > 0;
+    }));
+    LoopDriver::runPending();
+}
+
+TEST(SessionBusWidgetCenterTests, requestReachesEveryListener) {
+    PrivateBus const bus;
+    Platform::SessionBusWidgetCenter center(bus.environment());
+    int first = 0;
+    int second = 0;
+    Platform::ReloadListener const firstListener([&] { ++first; });
+    Platform::ReloadListener const secondListener([&] { ++second; });
+    sendUntilHeard(center, first);
+    ASSERT_TRUE(LoopDriver::runUntil([&] { return second > 0; }));
+
+    int const before = first;
+    std::thread([&] { center.reloadAllTimelines(); }).join();
+    EXPECT_TRUE(LoopDriver::runUntil([&] { return first > before; }));
+}
+
+TEST(SessionBusWidgetCenterTests, listenerThatHasGoneHearsNothing) {
+    PrivateBus const bus;
+    Platform::SessionBusWidgetCenter center(bus.environment());
+    int gone = 0;
+    int stays = 0;
+    auto listener = std::make_unique<Platform::ReloadListener>([&] { ++gone; });
+    sendUntilHeard(center, gone);
+    listener.reset();
+    int const before = gone;
+    Platform::ReloadListener const other([&] { ++stays; });
+    sendUntilHeard(center, stays);
+    EXPECT_EQ(gone, before);
+}
+
+TEST(SessionBusWidgetCenterTests, listenerMayGoBeforeItHasConnected) {
+    PrivateBus const bus;
+    int heard = 0;
+    {
+        Platform::ReloadListener const listener([&] { ++heard; });
+    }
+    Platform::SessionBusWidgetCenter center(bus.environment());
+    center.reloadAllTimelines();
+    LoopDriver::runPending();
+    EXPECT_EQ(heard, 0);
+}
+
+TEST(SessionBusWidgetCenterTests, withoutABusNothingHappens) {
+    Platform::SessionBusWidgetCenter nowhere{Environment()};
+    nowhere.reloadAllTimelines();
+    Platform::SessionBusWidgetCenter wrong{
+        Environment().setting("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent/bus")};
+    wrong.reloadAllTimelines();
+    Platform::SessionBusWidgetCenter unreadable{
+        Environment().setting("DBUS_SESSION_BUS_ADDRESS", "no address at all")};
+    unreadable.reloadAllTimelines();
+}
+
+TEST(SessionBusWidgetCenterTests, busThatNeverAnswersIsGivenUp) {
+    std::string pattern = testing::TempDir() + "silent-bus-XXXXXX";
+    std::filesystem::path const folder = mkdtemp(pattern.data());
+    auto const path = folder / "bus";
+    int const listening = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    ASSERT_LT(path.native().size(), sizeof address.sun_path);
+    path.native().copy(static_cast<char*>(address.sun_path), path.native().size());
+    ASSERT_EQ(bind(listening, reinterpret_cast<sockaddr*>(&address), sizeof address), 0); // NOLINT
+    ASSERT_EQ(listen(listening, 1), 0);
+
+    Platform::SessionBusWidgetCenter center(Environment().setting("XDG_RUNTIME_DIR", folder.native()));
+    auto const start = std::chrono::steady_clock::now();
+    center.reloadAllTimelines();
+    auto const taken = std::chrono::steady_clock::now() - start;
+    EXPECT_GE(taken, std::chrono::milliseconds(200));
+    EXPECT_LT(taken, std::chrono::seconds(3));
+    close(listening);
+    std::filesystem::remove_all(folder);
+}
+
+TEST(SessionBusAddressTests, variableWinsAndTheUsersSocketIsNext) {
+    std::string pattern = testing::TempDir() + "bus-address-XXXXXX";
+    std::filesystem::path const folder = mkdtemp(pattern.data());
+    auto const environment = Environment().setting("XDG_RUNTIME_DIR", folder.native());
+    EXPECT_EQ(Platform::sessionBusAddress(environment), std::nullopt);
+    EXPECT_EQ(Platform::sessionBusAddress(environment.setting("DBUS_SESSION_BUS_ADDRESS", "")), std::nullopt);
+    EXPECT_EQ(Platform::sessionBusAddress(environment.setting("DBUS_SESSION_BUS_ADDRESS", "unix:path=/a")),
+              "unix:path=/a");
+    EXPECT_EQ(Platform::sessionBusAddress(Environment().setting("XDG_RUNTIME_DIR", "relative")),
+              std::nullopt);
+    std::filesystem::remove_all(folder);
+}
+
+} // namespace
