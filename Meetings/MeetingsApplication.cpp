@@ -1,0 +1,69 @@
+#include "Meetings/MeetingsApplication.h"
+
+#include "Meetings/MeetDomain.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace Meetings {
+namespace {
+
+using Repository = std::shared_ptr<MeetRepository>;
+
+bool startsOnDay(MeetEntity const& meet, Foundation::Date day, Foundation::Calendar const& calendar) {
+    // A start that is no instant lies on no day; it would also break the order of the sort.
+    return std::isfinite(meet.metDate.secondsSince1970) && calendar.isDateInSameDay(meet.metDate, day);
+}
+
+// Each task owns copies of what it uses: the application that started it may be a temporary.
+
+Foundation::Task<std::vector<MeetEntity>> dailyMeets(Repository repository, Foundation::Calendar calendar,
+                                                     Foundation::Date date) {
+    std::vector<MeetEntity> meets = co_await repository->fetchAllMeets();
+    std::erase_if(meets, [&](MeetEntity const& meet) { return !startsOnDay(meet, date, calendar); });
+    std::ranges::stable_sort(
+        meets, [](MeetEntity const& left, MeetEntity const& right) { return left.metDate < right.metDate; });
+    co_return meets;
+}
+
+Foundation::Task<MeetEntity> validatedCreate(Repository repository, MeetEntity meet) {
+    MeetDomain::validate(meet);
+    MeetEntity stored = co_await repository->create(std::move(meet));
+    co_return stored;
+}
+
+Foundation::Task<MeetEntity> validatedUpdate(Repository repository, MeetEntity meet) {
+    MeetDomain::validate(meet);
+    MeetEntity stored = co_await repository->update(std::move(meet));
+    co_return stored;
+}
+
+Foundation::Task<void> plainDelete(Repository repository, MeetEntity meet) {
+    co_await repository->deleteMeet(std::move(meet));
+}
+
+} // namespace
+
+MeetingsApplication::MeetingsApplication(std::shared_ptr<MeetRepository> repository,
+                                         Foundation::Calendar calendar)
+    : repository(std::move(repository)),
+      calendar(std::move(calendar)) {}
+
+Foundation::Task<std::vector<MeetEntity>> MeetingsApplication::fetchDailyMeets(Foundation::Date date) const {
+    return dailyMeets(repository, calendar, date);
+}
+
+Foundation::Task<MeetEntity> MeetingsApplication::createMeet(MeetEntity meet) const {
+    return validatedCreate(repository, std::move(meet));
+}
+
+Foundation::Task<MeetEntity> MeetingsApplication::editMeet(MeetEntity meet) const {
+    return validatedUpdate(repository, std::move(meet));
+}
+
+Foundation::Task<void> MeetingsApplication::deleteMeet(MeetEntity meet) const {
+    return plainDelete(repository, std::move(meet));
+}
+
+} // namespace Meetings
