@@ -1,5 +1,6 @@
 #include "WidgetExtension/ScheduleTimelineProvider.h"
 
+#include "Foundation/Task.h"
 #include "WidgetExtension/ScheduleWidgetDayOffsetStore.h"
 
 #include <utility>
@@ -61,11 +62,9 @@ answerTimeline(ScheduleWidgetServices services, ScheduleWidgetController control
 
 } // namespace
 
-ScheduleTimelineProvider::ScheduleTimelineProvider(ScheduleWidgetServices services,
-                                                   Foundation::TaskExecutor executor)
+ScheduleTimelineProvider::ScheduleTimelineProvider(ScheduleWidgetServices services)
     : services(std::move(services)),
-      controller(this->services),
-      executor(std::move(executor)) {}
+      controller(this->services) {}
 
 ScheduleWidgetEntry ScheduleTimelineProvider::placeholder(Platform::TimelineProviderContext const&) {
     return {.date = services.clock->now(), .meetings = {}, .hasAccessError = false, .dayOffset = 0};
@@ -73,13 +72,13 @@ ScheduleWidgetEntry ScheduleTimelineProvider::placeholder(Platform::TimelineProv
 
 void ScheduleTimelineProvider::getSnapshot(Platform::TimelineProviderContext const&,
                                            std::function<void(ScheduleWidgetEntry)> completion) {
-    executor.start(answerSnapshot(services, controller, std::move(completion)));
+    services.executor.start(answerSnapshot(services, controller, std::move(completion)));
 }
 
 void ScheduleTimelineProvider::getTimeline(
     Platform::TimelineProviderContext const&,
     std::function<void(Platform::Timeline<ScheduleWidgetEntry>)> completion) {
-    executor.start(answerTimeline(services, controller, std::move(completion)));
+    services.executor.start(answerTimeline(services, controller, std::move(completion)));
 }
 
 std::int64_t ScheduleTimelineProvider::dayOffset() const {

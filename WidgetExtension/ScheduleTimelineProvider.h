@@ -1,7 +1,6 @@
 #pragma once
 
 #include "Foundation/Date.h"
-#include "Foundation/Task.h"
 #include "Platform/WidgetHost/TimelineProvider.h"
 #include "WidgetExtension/ScheduleWidgetController.h"
 #include "WidgetExtension/ScheduleWidgetEntry.h"
@@ -17,8 +16,7 @@ namespace WidgetExtension {
 /// what it touches in the same way.
 class ScheduleTimelineProvider final : public Platform::TimelineProvider<ScheduleWidgetEntry> {
 public:
-    /// Snapshots and timelines are worked out on `executor`, and completions are called there.
-    ScheduleTimelineProvider(ScheduleWidgetServices services, Foundation::TaskExecutor executor);
+    explicit ScheduleTimelineProvider(ScheduleWidgetServices services);
 
     /// Dated now and empty. Reads no file and no calendar.
     ScheduleWidgetEntry placeholder(Platform::TimelineProviderContext const& context) override;
@@ -39,7 +37,6 @@ public:
 private:
     ScheduleWidgetServices services;
     ScheduleWidgetController controller;
-    Foundation::TaskExecutor executor;
 };
 
 } // namespace WidgetExtension

@@ -16,9 +16,8 @@ Platform::StaticConfiguration ScheduleWidget::configuration() const {
     };
 }
 
-std::unique_ptr<ScheduleTimelineProvider>
-ScheduleWidget::timelineProvider(Foundation::TaskExecutor executor) const {
-    return std::make_unique<ScheduleTimelineProvider>(services, std::move(executor));
+std::unique_ptr<ScheduleTimelineProvider> ScheduleWidget::timelineProvider() const {
+    return std::make_unique<ScheduleTimelineProvider>(services);
 }
 
 ScheduleWidgetView ScheduleWidget::content(ScheduleWidgetEntry entry, Platform::WidgetFamily family,

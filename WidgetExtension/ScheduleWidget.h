@@ -1,6 +1,5 @@
 #pragma once
 
-#include "Foundation/Task.h"
 #include "Platform/WidgetHost/WidgetConfiguration.h"
 #include "WidgetExtension/ScheduleTimelineProvider.h"
 #include "WidgetExtension/ScheduleWidgetServices.h"
@@ -20,9 +19,8 @@ public:
 
     [[nodiscard]] Platform::StaticConfiguration configuration() const;
 
-    /// A new provider, whose tasks run on `executor`.
-    [[nodiscard]] std::unique_ptr<ScheduleTimelineProvider>
-    timelineProvider(Foundation::TaskExecutor executor) const;
+    /// A new provider.
+    [[nodiscard]] std::unique_ptr<ScheduleTimelineProvider> timelineProvider() const;
 
     /// The face of an entry as it stands now, in the user's region.
     [[nodiscard]] ScheduleWidgetView content(ScheduleWidgetEntry entry, Platform::WidgetFamily family,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Foundation/Task.h"
 #include "Meetings/EventKit/EventKitStoring.h"
 #include "Platform/Appearance/Appearance.h"
 #include "Platform/Clock/Clock.h"
@@ -25,6 +26,8 @@ struct ScheduleWidgetServices {
     /// The process's one connection to the calendar store, made when it is first asked for. What it throws
     /// counts as a failed fetch.
     std::function<std::shared_ptr<Meetings::EventKitStoring>()> eventStore;
+    /// Where snapshots and timelines are worked out, and completions are called.
+    Foundation::TaskExecutor executor;
 };
 
 } // namespace WidgetExtension
