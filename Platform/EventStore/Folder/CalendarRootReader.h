@@ -1,0 +1,90 @@
+#pragma once
+
+#include "Foundation/TimeZone.h"
+#include "Platform/EventStore/EKEventStore.h"
+#include "Platform/EventStore/Folder/CalendarFileSet.h"
+#include "Platform/EventStore/Folder/CalendarRoot.h"
+#include "Platform/EventStore/Folder/StoreProblem.h"
+#include "Platform/EventStore/ICalendar/SeriesSet.h"
+#include "Platform/EventStore/ICalendar/ZoneCatalog.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <vector>
+
+namespace Platform {
+
+/// How a root's files make calendars.
+enum class RootLayout : std::uint8_t {
+    /// Each direct sub-folder that holds .ics files is a calendar, identified by its name. So is each loose
+    /// file that holds several events or names itself. The other loose files together are one calendar,
+    /// identified as "." and titled as the root. Nothing deeper is read.
+    folderOfCalendars,
+    /// The folder is one calendar, whose identifier is the root's id alone, also without any file.
+    singleCalendar,
+};
+
+/// Reads the calendars of one root and keeps what it parsed. Every call looks at the folders anew and reads
+/// again only what changed. Not safe for use from two threads at once.
+class CalendarRootReader {
+public:
+    CalendarRootReader(CalendarRoot root, RootLayout layout, std::shared_ptr<ICalendar::ZoneCatalog> zones);
+    ~CalendarRootReader();
+
+    [[nodiscard]] CalendarRoot const& root() const;
+
+    /// The calendars by name. `now` is the time in nanoseconds since 1970.
+    std::vector<EKCalendar> calendars(std::int64_t now);
+
+    /// The occurrences that `predicate` asks for, by calendar and start, appended to `events`. All-day and
+    /// floating events lie on `viewer`'s days and clocks.
+    void appendEvents(EKEventPredicate const& predicate, Foundation::TimeZone const& viewer, std::int64_t now,
+                      std::vector<EKEvent>& events);
+
+    /// The event, or the first occurrence of the series, of that event identifier.
+    std::optional<EKEvent> event(std::string_view identifier, Foundation::TimeZone const& viewer,
+                                 std::int64_t now);
+
+    /// Reads whatever changed and yields all that could not be taken as it stands.
+    std::vector<StoreProblem> problems(std::int64_t now);
+
+    /// What the calls since the last `takeProblems` met; a thing met twice is there twice.
+    std::vector<StoreProblem> takeProblems();
+
+    /// Why the root's folder could not be listed when it was last looked at.
+    [[nodiscard]] std::optional<std::error_code> failure() const;
+
+    /// How many calendar files were read so far.
+    [[nodiscard]] std::int64_t reads() const;
+
+private:
+    struct Found;
+    struct State;
+
+    std::vector<Found> find(std::int64_t now);
+    void findLooseCalendars(std::vector<std::string> const& names, std::int64_t now,
+                            std::vector<Found>& found);
+    void findFolderCalendar(std::string const& name, std::filesystem::path const& canonicalRoot,
+                            std::vector<Found>& found);
+    Found folderCalendar(std::string identifier, std::string title, std::filesystem::path const& folder,
+                         bool hasDisplayName, bool hasColor) const;
+    State& upToDate(Found const& calendar, std::int64_t now);
+    void report(StoreProblem problem);
+
+    CalendarRoot givenRoot;
+    RootLayout layout;
+    std::shared_ptr<ICalendar::ZoneCatalog> zones;
+    std::map<std::string, std::unique_ptr<State>, std::less<>> states; ///< By calendar identifier.
+    CalendarFileSet looseFiles;
+    std::optional<std::error_code> listingFailure;
+    std::vector<StoreProblem> metProblems;
+    std::int64_t readsOfForgottenCalendars = 0;
+};
+
+} // namespace Platform

@@ -1,0 +1,253 @@
+#include "Platform/EventStore/Folder/FolderEventStore.h"
+
+#include "Platform/EventStore/Folder/CalendarRootReader.h"
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+#include <fmt/format.h>
+#include <iterator>
+#include <utility>
+
+namespace Platform {
+
+namespace {
+
+constexpr auto readsOnly = "Quillora cannot change calendars yet; nothing was saved.";
+
+bool isDirectory(std::filesystem::path const& path) {
+    std::error_code failure;
+    return std::filesystem::is_directory(path, failure);
+}
+
+RootLayout layoutOf(CalendarRoot const& root) {
+    return root.id == nativeCalendarIdentifier ? RootLayout::singleCalendar : RootLayout::folderOfCalendars;
+}
+
+// By start, equal starts as they stood. Events are large, so their places are sorted and each moves once.
+std::vector<EKEvent> sortedByStart(std::vector<EKEvent> events) {
+    std::vector<std::pair<double, std::size_t>> order;
+    order.reserve(events.size());
+    for (auto const& event : events)
+        order.emplace_back(event.startDate->secondsSince1970, order.size());
+    std::ranges::sort(order);
+    std::vector<EKEvent> sorted;
+    sorted.reserve(events.size());
+    for (auto const& [start, place] : order)
+        sorted.push_back(std::move(events[place]));
+    return sorted;
+}
+
+} // namespace
+
+FolderEventStore::FolderEventStore(FolderEventStoreParts parts)
+    : parts(std::move(parts)),
+      configuration(this->parts.places.configurationDirectory, this->parts.files),
+      consent(this->parts.places.configurationDirectory, this->parts.files),
+      zones(std::make_shared<ICalendar::ZoneCatalog>()) {}
+
+FolderEventStore::~FolderEventStore() = default;
+
+std::vector<EKSource> FolderEventStore::sources() {
+    std::scoped_lock const lock(mutex);
+    bringRootsUpToDate();
+    std::vector<EKSource> sources;
+    for (auto const& reader : readers) {
+        sources.push_back({.sourceIdentifier = reader->root().id,
+                           .title = reader->root().title,
+                           .sourceType = EKSourceType::local,
+                           .calendars = reader->calendars(now())});
+    }
+    logMetProblems();
+    return sources;
+}
+
+std::vector<EKCalendar> FolderEventStore::calendarsForEntityType(EKEntityType type) {
+    std::vector<EKCalendar> calendars;
+    if (type != EKEntityType::event) return calendars;
+    for (auto& source : sources()) {
+        std::ranges::move(source.calendars, std::back_inserter(calendars));
+    }
+    return calendars;
+}
+
+std::optional<EKCalendar> FolderEventStore::calendarWithIdentifier(std::string_view identifier) {
+    auto calendars = calendarsForEntityType(EKEntityType::event);
+    auto const found = std::ranges::find(calendars, identifier, &EKCalendar::calendarIdentifier);
+    if (found == calendars.end()) return std::nullopt;
+    return std::move(*found);
+}
+
+std::optional<EKCalendar> FolderEventStore::defaultCalendarForNewEvents() {
+    return calendarWithIdentifier(nativeCalendarIdentifier);
+}
+
+std::vector<EKEvent> FolderEventStore::eventsMatching(EKEventPredicate const& predicate) {
+    std::scoped_lock const lock(mutex);
+    std::vector<EKEvent> events;
+    if (predicate.calendars && predicate.calendars->empty()) return events;
+    bringRootsUpToDate();
+    auto const viewer = parts.region->currentCalendar().timeZone();
+    for (auto const& reader : readers)
+        reader->appendEvents(predicate, viewer, now(), events);
+    logMetProblems();
+    return sortedByStart(std::move(events));
+}
+
+std::optional<EKEvent> FolderEventStore::eventWithIdentifier(std::string_view identifier) {
+    std::scoped_lock const lock(mutex);
+    bringRootsUpToDate();
+    auto const viewer = parts.region->currentCalendar().timeZone();
+    std::optional<EKEvent> found;
+    for (auto const& reader : readers) {
+        found = reader->event(identifier, viewer, now());
+        if (found) break;
+    }
+    logMetProblems();
+    return found;
+}
+
+void FolderEventStore::save(EKEvent&, EKSpan) {
+    throw EKError(readsOnly);
+}
+
+void FolderEventStore::remove(EKEvent const&, EKSpan) {
+    throw EKError(readsOnly);
+}
+
+EKEvent FolderEventStore::makeEvent() {
+    return {};
+}
+
+EKAuthorizationStatus FolderEventStore::authorizationStatus() {
+    std::scoped_lock const lock(mutex);
+    std::vector<StoreProblem> unused;
+    auto const roots = rootsOnRecord(unused);
+    auto const isRefused = [](CalendarRoot const& root) {
+        std::error_code failure;
+        std::filesystem::directory_iterator const probe(root.path, failure);
+        return failure == std::errc::permission_denied;
+    };
+    if (!roots.empty() && std::ranges::all_of(roots, isRefused)) return EKAuthorizationStatus::denied;
+    return consent.status();
+}
+
+Foundation::Task<bool> FolderEventStore::requestFullAccessToEvents() {
+    auto const answer = co_await parts.prompt->ask();
+    co_return record(answer);
+}
+
+bool FolderEventStore::record(ConsentAnswer answer) {
+    if (answer == ConsentAnswer::unavailable) return false;
+    bool const isGranted = answer == ConsentAnswer::yes;
+    auto const failure =
+        consent.record(isGranted ? EKAuthorizationStatus::fullAccess : EKAuthorizationStatus::denied);
+    if (failure) {
+        throw EKError(fmt::format("The answer could not be kept in {} ({}); you will be asked again.",
+                                  consent.file().string(), failure.message()));
+    }
+    return isGranted;
+}
+
+std::vector<StoreProblem> FolderEventStore::problems() {
+    std::scoped_lock const lock(mutex);
+    bringRootsUpToDate();
+    auto all = recordProblems;
+    for (auto const& reader : readers)
+        std::ranges::move(reader->problems(now()), std::back_inserter(all));
+    logNew(all);
+    return all;
+}
+
+std::int64_t FolderEventStore::fileReads() {
+    std::scoped_lock const lock(mutex);
+    std::int64_t count = 0;
+    for (auto const& reader : readers)
+        count += reader->reads();
+    return count;
+}
+
+std::vector<CalendarRoot> FolderEventStore::rootsOnRecord(std::vector<StoreProblem>& problems) const {
+    std::vector<CalendarRoot> roots;
+    if (isDirectory(parts.places.nativeCalendar)) {
+        roots.push_back({.kind = folderRootKind,
+                         .id = std::string(nativeCalendarIdentifier),
+                         .path = parts.places.nativeCalendar,
+                         .title = std::string(nativeCalendarTitle)});
+    }
+    auto content = configuration.load();
+    if (content.problem) {
+        problems.push_back({.path = configuration.file(),
+                            .line = 0,
+                            .effect = StoreProblem::Effect::skipped,
+                            .reason = *content.problem});
+    }
+    for (auto& root : content.roots) {
+        if (root.kind == folderRootKind) {
+            roots.push_back(std::move(root));
+            continue;
+        }
+        problems.push_back(
+            {.path = configuration.file(),
+             .line = 0,
+             .effect = StoreProblem::Effect::skipped,
+             .reason = fmt::format("the source \"{}\" is of the kind \"{}\", which this version "
+                                   "cannot read",
+                                   root.title, root.kind)});
+    }
+    return roots;
+}
+
+void FolderEventStore::bringRootsUpToDate() {
+    recordProblems.clear();
+    auto roots = rootsOnRecord(recordProblems);
+    std::vector<std::unique_ptr<CalendarRootReader>> next;
+    for (auto& root : roots) {
+        auto const known = std::ranges::find_if(
+            readers, [&](auto const& reader) { return reader && reader->root() == root; });
+        if (known != readers.end()) {
+            next.push_back(std::move(*known));
+        } else {
+            auto const layout = layoutOf(root);
+            next.push_back(std::make_unique<CalendarRootReader>(std::move(root), layout, zones));
+        }
+    }
+    readers = std::move(next);
+    logNew(recordProblems);
+}
+
+void FolderEventStore::logMetProblems() {
+    for (auto const& reader : readers)
+        logNew(reader->takeProblems());
+}
+
+void FolderEventStore::logNew(std::vector<StoreProblem> const& problems) {
+    // A resident store would otherwise repeat itself at every query, or remember without end.
+    constexpr std::size_t rememberedProblems = 10'000;
+    for (auto const& problem : problems) {
+        if (loggedProblems.contains(problem)) continue;
+        if (loggedProblems.size() >= rememberedProblems) loggedProblems.clear();
+        loggedProblems.insert(problem);
+        if (problem.effect == StoreProblem::Effect::skipped) {
+            parts.logger.error(describe(problem));
+        } else {
+            parts.logger.info(describe(problem));
+        }
+    }
+}
+
+std::int64_t FolderEventStore::now() const {
+    return static_cast<std::int64_t>(std::floor(parts.fileSystemClock->now().secondsSince1970 * 1e9));
+}
+
+std::error_code createNativeCalendar(CalendarStorePlaces const& places, FileManager const& files) {
+    if (isDirectory(places.nativeCalendar)) return {};
+    if (auto const failure = files.createDirectory(places.nativeCalendar)) return failure;
+    if (auto const failure =
+            files.writeAtomically(places.nativeCalendar / "displayname", nativeCalendarTitle)) {
+        return failure;
+    }
+    return files.writeAtomically(places.nativeCalendar / "color", "#5CC2C6");
+}
+
+} // namespace Platform

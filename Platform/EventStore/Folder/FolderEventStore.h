@@ -1,0 +1,103 @@
+#pragma once
+
+#include "Platform/Clock/Clock.h"
+#include "Platform/Clock/RegionSettings.h"
+#include "Platform/EventStore/ConsentPrompt.h"
+#include "Platform/EventStore/EKEventStore.h"
+#include "Platform/EventStore/Folder/CalendarRoot.h"
+#include "Platform/EventStore/Folder/CalendarStoreConfiguration.h"
+#include "Platform/EventStore/Folder/CalendarStorePlaces.h"
+#include "Platform/EventStore/Folder/ConsentRecord.h"
+#include "Platform/EventStore/Folder/StoreProblem.h"
+#include "Platform/Files/FileManager.h"
+#include "Platform/Logging/Logger.h"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Platform {
+
+class CalendarRootReader;
+
+namespace ICalendar {
+class ZoneCatalog;
+}
+
+/// What a FolderEventStore stands on.
+struct FolderEventStoreParts {
+    CalendarStorePlaces places;
+    std::shared_ptr<FileManager const> files;
+    std::shared_ptr<RegionSettings const> region; ///< The viewer's zone, asked at each query.
+    std::shared_ptr<Clock const> fileSystemClock; ///< The clock that the files' times come from.
+    std::shared_ptr<ConsentPrompt> prompt;
+    Logger logger;
+};
+
+/// The user's calendars in folders of iCalendar files: the product's own calendar, once it has been made,
+/// and the folders of calendar-store.json, each a source of its own, in that order. Calendars stand by name,
+/// events come by start, equal starts in the order of the calendars.
+///
+/// Every call looks at the folders as they stand, and parses again only files that changed. A broken event,
+/// an unreadable file or a vanished folder costs only itself: it is logged once and the rest is shown.
+class FolderEventStore final : public EKEventStore {
+public:
+    explicit FolderEventStore(FolderEventStoreParts parts);
+    ~FolderEventStore() override;
+
+    std::vector<EKSource> sources() override;
+    std::vector<EKCalendar> calendarsForEntityType(EKEntityType type) override;
+    std::optional<EKCalendar> calendarWithIdentifier(std::string_view identifier) override;
+    /// The product's own calendar, once it has been made.
+    std::optional<EKCalendar> defaultCalendarForNewEvents() override;
+    std::vector<EKEvent> eventsMatching(EKEventPredicate const& predicate) override;
+    std::optional<EKEvent> eventWithIdentifier(std::string_view identifier) override;
+    /// Always throws: this store reads only.
+    void save(EKEvent& event, EKSpan span) override;
+    /// Always throws: this store reads only.
+    void remove(EKEvent const& event, EKSpan span) override;
+    EKEvent makeEvent() override;
+    /// The recorded consent; denied when not one of the folders may be opened.
+    EKAuthorizationStatus authorizationStatus() override;
+    /// Asks by the prompt and records the answer. Without an answer it yields false and records nothing.
+    Foundation::Task<bool> requestFullAccessToEvents() override;
+
+    /// Reads whatever changed and yields all that could not be taken as it stands, in the order of the roots.
+    std::vector<StoreProblem> problems();
+
+    /// How many calendar files were read since the store was made.
+    std::int64_t fileReads();
+
+private:
+    void bringRootsUpToDate();
+    void logNew(std::vector<StoreProblem> const& problems);
+    void logMetProblems();
+    [[nodiscard]] std::int64_t now() const;
+    [[nodiscard]] std::vector<CalendarRoot> rootsOnRecord(std::vector<StoreProblem>& problems) const;
+    bool record(ConsentAnswer answer);
+
+    FolderEventStoreParts parts;
+    CalendarStoreConfiguration configuration;
+    ConsentRecord consent;
+    std::shared_ptr<ICalendar::ZoneCatalog> zones;
+
+    std::mutex mutex; ///< Guards all that follows.
+    std::vector<std::unique_ptr<CalendarRootReader>> readers;
+    std::vector<StoreProblem> recordProblems; ///< Of calendar-store.json, when it was last read.
+    std::set<StoreProblem> loggedProblems;
+};
+
+/// The identifier of the product's own calendar and the title that it is made with.
+inline constexpr std::string_view nativeCalendarIdentifier = "quillora-native-calendar";
+inline constexpr std::string_view nativeCalendarTitle = "Quillora";
+
+/// Makes the product's own calendar: its folder, with the files that name and colour it. One that exists
+/// stays as it is.
+std::error_code createNativeCalendar(CalendarStorePlaces const& places, FileManager const& files);
+
+} // namespace Platform

@@ -1,0 +1,133 @@
+#include "Platform/EventStore/Folder/FolderListing.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <dirent.h>
+#include <fcntl.h>
+#include <memory>
+#include <string_view>
+#include <sys/stat.h>
+
+namespace Platform {
+
+namespace {
+
+enum class EntryKind : std::uint8_t { folder, file, link, unknown };
+
+EntryKind kindOf(dirent const& entry, int folder) {
+    auto type = entry.d_type;
+    if (type == DT_UNKNOWN) {
+        struct stat status{};
+        if (::fstatat(folder, entry.d_name, &status, AT_SYMLINK_NOFOLLOW) != 0) return EntryKind::unknown;
+        if (S_ISDIR(status.st_mode)) type = DT_DIR;
+        if (S_ISLNK(status.st_mode)) type = DT_LNK;
+    }
+    if (type == DT_DIR) return EntryKind::folder;
+    if (type == DT_LNK) return EntryKind::link;
+    return EntryKind::file;
+}
+
+bool isCalendarFileName(std::string_view name) {
+    constexpr std::string_view suffix = ".ics";
+    if (name.size() <= suffix.size()) return false;
+    auto const same = [](char left, char right) {
+        return (left >= 'A' && left <= 'Z' ? static_cast<char>(left - 'A' + 'a') : left) == right;
+    };
+    return std::ranges::equal(name.substr(name.size() - suffix.size()), suffix, same);
+}
+
+// Strictly below: a link to the root itself would show every file twice.
+bool liesBelow(std::filesystem::path const& path, std::filesystem::path const& root) {
+    auto const [rootEnd, pathEnd] = std::ranges::mismatch(root, path);
+    return rootEnd == root.end() && pathEnd != path.end();
+}
+
+class Lister {
+public:
+    Lister(std::filesystem::path const& folder, std::filesystem::path const& root)
+        : folder(folder),
+          root(root) {}
+
+    FolderListing list() {
+        std::unique_ptr<DIR, decltype([](DIR* open) { ::closedir(open); })> const directory(
+            ::opendir(folder.c_str()));
+        if (!directory) return failed();
+        for (;;) {
+            errno = 0;
+            auto const* const entry = ::readdir(directory.get());
+            if (!entry && errno != 0) return failed();
+            if (!entry) break;
+            take(*entry, ::dirfd(directory.get()));
+        }
+        std::ranges::sort(listing.calendarFiles);
+        std::ranges::sort(listing.folders);
+        std::ranges::sort(listing.problems);
+        return std::move(listing);
+    }
+
+private:
+    static FolderListing failed() {
+        FolderListing failure;
+        failure.failure = std::error_code(errno, std::generic_category());
+        return failure;
+    }
+
+    void take(dirent const& entry, int descriptor) {
+        std::string const name(entry.d_name);
+        if (name == "." || name == "..") return;
+        if (name.starts_with('.')) return ignore(name, "hidden files and folders are not read");
+        auto const kind = kindOf(entry, descriptor);
+        if (kind == EntryKind::link) return takeLink(name);
+        if (kind == EntryKind::folder) {
+            listing.folders.push_back(name);
+        } else {
+            takeFile(name);
+        }
+    }
+
+    void takeLink(std::string const& name) {
+        std::error_code failure;
+        auto const target = std::filesystem::canonical(folder / name, failure);
+        if (failure) {
+            if (!isCalendarFileName(name)) return ignore(name, "it is a link that leads nowhere");
+            listing.problems.push_back(
+                {.path = folder / name,
+                 .line = 0,
+                 .effect = StoreProblem::Effect::skipped,
+                 .reason = "it is a link that leads nowhere (" + failure.message() + ")"});
+            return;
+        }
+        if (!liesBelow(target, root))
+            return ignore(name, "it is a link that leads out of the calendar folder");
+        if (std::filesystem::is_directory(target, failure)) {
+            listing.folders.push_back(name);
+        } else {
+            takeFile(name);
+        }
+    }
+
+    void takeFile(std::string const& name) {
+        if (name == "displayname") listing.hasDisplayName = true;
+        if (name == "color") listing.hasColor = true;
+        if (isCalendarFileName(name)) listing.calendarFiles.push_back(name);
+    }
+
+    void ignore(std::string const& name, std::string reason) {
+        listing.problems.push_back({.path = folder / name,
+                                    .line = 0,
+                                    .effect = StoreProblem::Effect::ignored,
+                                    .reason = std::move(reason)});
+    }
+
+    std::filesystem::path const& folder;
+    std::filesystem::path const& root;
+    FolderListing listing;
+};
+
+} // namespace
+
+FolderListing listFolder(std::filesystem::path const& folder, std::filesystem::path const& root) {
+    return Lister(folder, root).list();
+}
+
+} // namespace Platform

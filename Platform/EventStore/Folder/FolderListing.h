@@ -1,0 +1,28 @@
+#pragma once
+
+#include "Platform/EventStore/Folder/StoreProblem.h"
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <system_error>
+#include <vector>
+
+namespace Platform {
+
+/// What of a folder matters to calendars. Names are bytes, in ascending order.
+struct FolderListing {
+    std::vector<std::string> calendarFiles; ///< Named *.ics, in any letter case; not looked into yet.
+    std::vector<std::string> folders;
+    bool hasDisplayName = false;
+    bool hasColor = false;
+    std::vector<StoreProblem> problems;
+    /// Why the folder could not be listed; then all else is empty.
+    std::optional<std::error_code> failure;
+};
+
+/// Lists `folder`, which is `root` or lies in it. Hidden entries, and links that lead out of `root`, are left
+/// out with a problem each. `root` is canonical.
+FolderListing listFolder(std::filesystem::path const& folder, std::filesystem::path const& root);
+
+} // namespace Platform

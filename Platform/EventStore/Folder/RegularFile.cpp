@@ -1,0 +1,85 @@
+#include "Platform/EventStore/Folder/RegularFile.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <sys/stat.h>
+#include <system_error>
+#include <unistd.h>
+
+namespace Platform {
+
+namespace {
+
+class Descriptor {
+public:
+    explicit Descriptor(int number) : number(number) {}
+    Descriptor(Descriptor const&) = delete;
+    Descriptor& operator=(Descriptor const&) = delete;
+    ~Descriptor() {
+        if (number >= 0) ::close(number);
+    }
+
+    int const number;
+};
+
+std::unexpected<std::string> lastError() {
+    return std::unexpected(std::generic_category().message(errno));
+}
+
+std::expected<FileStamp, std::string> stampFrom(struct stat const& status) {
+    if (!S_ISREG(status.st_mode)) return std::unexpected("it is not a regular file");
+    constexpr std::int64_t nanoseconds = 1'000'000'000;
+    return FileStamp{
+        .device = static_cast<std::uint64_t>(status.st_dev),
+        .inode = static_cast<std::uint64_t>(status.st_ino),
+        .size = static_cast<std::int64_t>(status.st_size),
+        .modified = static_cast<std::int64_t>(status.st_mtim.tv_sec) * nanoseconds + status.st_mtim.tv_nsec,
+        .changed = static_cast<std::int64_t>(status.st_ctim.tv_sec) * nanoseconds + status.st_ctim.tv_nsec,
+    };
+}
+
+} // namespace
+
+bool FileStamp::isYoung(std::int64_t now) const {
+    constexpr std::int64_t twoSeconds = 2'000'000'000;
+    return std::max(modified, changed) > now - twoSeconds;
+}
+
+std::expected<FileStamp, std::string> stampOfRegularFile(std::filesystem::path const& path) {
+    struct stat status{};
+    if (::stat(path.c_str(), &status) != 0) return lastError();
+    return stampFrom(status);
+}
+
+std::expected<StampedContent, std::string> readRegularFile(std::filesystem::path const& path,
+                                                           std::int64_t limit) {
+    Descriptor const file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+    if (file.number < 0) return lastError();
+    struct stat status{};
+    if (::fstat(file.number, &status) != 0) return lastError();
+    auto const stamp = stampFrom(status);
+    if (!stamp) return std::unexpected(stamp.error());
+    auto const tooLarge = [&] {
+        return std::unexpected(fmt::format("it is larger than {} MiB", limit / (1024 * 1024)));
+    };
+    if (stamp->size > limit) return tooLarge();
+
+    // One byte more than the file has, so that a file at rest is read to its end in one go.
+    std::string content(static_cast<std::size_t>(stamp->size) + 1, '\0');
+    std::size_t length = 0;
+    for (;;) {
+        if (length == content.size()) content.resize(content.size() * 2);
+        auto const count = ::read(file.number, content.data() + length, content.size() - length);
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0) return lastError();
+        if (count == 0) break;
+        length += static_cast<std::size_t>(count);
+        if (static_cast<std::int64_t>(length) > limit) return tooLarge();
+    }
+    content.resize(length);
+    return StampedContent{.stamp = *stamp, .content = std::move(content)};
+}
+
+} // namespace Platform

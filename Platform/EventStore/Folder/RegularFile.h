@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstdint>
+#include <expected>
+#include <filesystem>
+#include <string>
+
+namespace Platform {
+
+/// What tells whether a file is still the one that was read.
+struct FileStamp {
+    std::uint64_t device;
+    std::uint64_t inode;
+    std::int64_t size;
+    std::int64_t modified; ///< Nanoseconds since 1970.
+    std::int64_t changed;  ///< Nanoseconds since 1970, of the inode.
+
+    bool operator==(FileStamp const&) const = default;
+
+    /// Whether it is so young at `now` (nanoseconds since 1970) that a further change might not show in it:
+    /// file systems and network mounts keep times as coarse as two seconds.
+    [[nodiscard]] bool isYoung(std::int64_t now) const;
+};
+
+/// A file's content with the stamp that it had when reading began.
+struct StampedContent {
+    FileStamp stamp;
+    std::string content;
+};
+
+/// The largest file that is read.
+inline constexpr std::int64_t largestCalendarFile = 64 * 1024 * 1024;
+
+/// The stamp of a regular file, links followed. The error is a reason for people ("Permission denied", "it
+/// is not a regular file", …).
+std::expected<FileStamp, std::string> stampOfRegularFile(std::filesystem::path const& path);
+
+/// Reads a regular file of at most `limit` bytes. Nothing else is ever waited on: a pipe or a device is
+/// refused. Errors as above.
+std::expected<StampedContent, std::string> readRegularFile(std::filesystem::path const& path,
+                                                           std::int64_t limit = largestCalendarFile);
+
+} // namespace Platform
