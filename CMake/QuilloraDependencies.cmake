@@ -17,8 +17,4 @@ pkg_check_modules(GTK REQUIRED IMPORTED_TARGET gtk+-3.0)
 pkg_check_modules(LAYERSHELL REQUIRED IMPORTED_TARGET gtk-layer-shell-0)
 pkg_check_modules(SYSTEMD REQUIRED IMPORTED_TARGET libsystemd)
 
-if(QUILLORA_BENCHMARKS)
-    find_package(benchmark REQUIRED)
-endif()
-
 include(GoogleTest)

@@ -49,8 +49,8 @@ class Target:
         top = self.folder.split("/")[0]
         if top != "Platform":
             return top
-        # quillora_platform_files is the interface; quillora_platform_files_posix implements it.
-        return INTERFACE if self.name.count("_") == 2 else PART
+        # In Platform/Files, quillora_platform_files is the interface; every other target implements it.
+        return INTERFACE if self.name == "quillora_platform_" + self.folder.split("/")[1].lower() else PART
 
 
 def read_targets(text):

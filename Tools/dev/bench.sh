@@ -8,8 +8,14 @@ END
 }
 
 dev_bench() {
-    need build bench
-    build_preset release
-    publish release
-    fail "nothing is measured yet"
+    local peers=()
+    case ${1:-} in
+        --peers) peers=(--peers) ;;
+        "") ;;
+        *) wrong_use "\"$1\" is not an option of bench" ;;
+    esac
+    need build bench ${peers:+peers}
+    build_preset release quillora quillora-widget quillora-samples quillora_benchmarks
+    say "Measuring; this takes about three minutes, and wants an idle machine"
+    python3 -B Benchmarks/bench.py build/release "${peers[@]}"
 }

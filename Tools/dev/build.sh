@@ -11,10 +11,7 @@ dev_build() {
     local preset=${1:-dev}
     [ $# -eq 0 ] || shift
     preset_exists "$preset" || wrong_use "there is no preset \"$preset\"; ./dev build --help lists them"
-    case $preset in
-        release) need build bench ;;
-        *) need build ;;
-    esac
+    need build
     build_preset "$preset" "$@"
     case $preset in
         dev | gcc | release)

@@ -14,8 +14,8 @@ dev_install() {
         "") ;;
         *) wrong_use "\"$1\" is not an option of install" ;;
     esac
-    need build bench
-    build_preset release
+    need build
+    build_preset release quillora quillora-widget
     cmake --install build/release --prefix "$prefix"
     note "Installed under $prefix."
 }
