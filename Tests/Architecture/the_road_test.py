@@ -133,6 +133,13 @@ class Includes(unittest.TestCase):
     def test_a_file_without_a_target_is_found(self):
         self.assertEqual(["Meetings/Lost.cpp: no target lists this file"], includes("Meetings/Lost.cpp", ""))
 
+    def test_a_test_may_have_a_little_header_of_its_own(self):
+        sources = {
+            "Tests/Meetings/MeetDomainTests.cpp": '#include "Meets.h"\n#include "Tests/Meetings/Meets.h"\n',
+            "Tests/Meetings/Meets.h": "#pragma once\n",
+        }
+        self.assertEqual([], list(the_road.include_violations(the_road.read_targets(TARGETS), sources)))
+
     def test_an_include_in_a_comment_is_not_one(self):
         self.assertEqual([], includes("Meetings/MeetDomain.cpp", '// #include "MeetEntity.h"\n'))
 
