@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <expected>
 #include <filesystem>
 #include <optional>
@@ -44,4 +45,4 @@ public:
     virtual std::error_code clearQuarantineProperties(std::filesystem::path const& path) const = 0;
 };
 
-}  // namespace Platform
+} // namespace Platform

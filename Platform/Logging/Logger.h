@@ -30,7 +30,9 @@ public:
 class Logger {
 public:
     Logger(std::shared_ptr<LogSink> sink, std::string subsystem, std::string category)
-        : sink(std::move(sink)), subsystem(std::move(subsystem)), category(std::move(category)) {}
+        : sink(std::move(sink)),
+          subsystem(std::move(subsystem)),
+          category(std::move(category)) {}
 
     void debug(std::string message) const { write(LogLevel::debug, std::move(message)); }
     void info(std::string message) const { write(LogLevel::info, std::move(message)); }
@@ -38,7 +40,8 @@ public:
 
 private:
     void write(LogLevel level, std::string message) const {
-        sink->write({.level = level, .subsystem = subsystem, .category = category, .message = std::move(message)});
+        sink->write(
+            {.level = level, .subsystem = subsystem, .category = category, .message = std::move(message)});
     }
 
     std::shared_ptr<LogSink> sink;
@@ -46,4 +49,4 @@ private:
     std::string category;
 };
 
-}  // namespace Platform
+} // namespace Platform

@@ -25,4 +25,4 @@ public:
                                                                std::function<void()> observer) = 0;
 };
 
-}  // namespace Platform
+} // namespace Platform

@@ -15,4 +15,4 @@ public:
     [[nodiscard]] virtual std::string text(std::string_view key) const = 0;
 };
 
-}  // namespace Platform
+} // namespace Platform

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "Platform/Resources/StringsFile.h"
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Platform {
+
+/// A folder of resources. Its texts stand in `<language>.lproj/Localizable.strings`, one table a language.
+/// The tables are read once, when it opens.
+class Bundle {
+public:
+    /// Opens the folder. `languages` are those of the user, best first ("es_MX", "es"); English comes after
+    /// them. Absent when no folder is there; an empty one is a bundle without texts.
+    static std::optional<Bundle> open(std::filesystem::path const& folder,
+                                      std::vector<std::string> const& languages);
+
+    [[nodiscard]] std::filesystem::path const& folder() const;
+
+    /// The text in the first language that has it, else in English, else the key itself.
+    [[nodiscard]] std::string text(std::string_view key) const;
+
+    /// What was wrong with the tables, each as "<file>:<line>: <reason>".
+    [[nodiscard]] std::vector<std::string> const& problems() const;
+
+private:
+    explicit Bundle(std::filesystem::path folder);
+    void addTable(std::string const& language);
+
+    std::filesystem::path location;
+    std::vector<StringsFile> tables;
+    std::vector<std::string> found;
+};
+
+} // namespace Platform
