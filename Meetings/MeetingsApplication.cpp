@@ -3,7 +3,6 @@
 #include "Meetings/MeetDomain.h"
 
 #include <algorithm>
-#include <cmath>
 #include <iterator>
 #include <utility>
 
@@ -11,11 +10,6 @@ namespace Meetings {
 namespace {
 
 using Repository = std::shared_ptr<MeetRepository>;
-
-bool startsOnDay(MeetEntity const& meet, Foundation::Date day, Foundation::Calendar const& calendar) {
-    // A start that is no instant lies on no day; it would also break the order of the sort.
-    return std::isfinite(meet.metDate.secondsSince1970) && calendar.isDateInSameDay(meet.metDate, day);
-}
 
 bool startsEarlier(MeetEntity const& left, MeetEntity const& right) {
     return left.metDate < right.metDate;
@@ -33,7 +27,9 @@ void sortByStart(std::vector<MeetEntity>& meets) {
 Foundation::Task<std::vector<MeetEntity>> dailyMeets(Repository repository, Foundation::Calendar calendar,
                                                      Foundation::Date date) {
     std::vector<MeetEntity> meets = co_await repository->fetchAllMeets();
-    std::erase_if(meets, [&](MeetEntity const& meet) { return !startsOnDay(meet, date, calendar); });
+    // A start that is no instant lies on no day, so none of them reaches the sort.
+    std::erase_if(meets,
+                  [&](MeetEntity const& meet) { return !calendar.isDateInSameDay(meet.metDate, date); });
     sortByStart(meets);
     co_return meets;
 }
