@@ -34,8 +34,8 @@ using FaceColor = std::variant<SRGBColor, AccentColor>;
 struct FaceButton {
     enum class Action : std::uint8_t { previousDay, nextDay };
     Action action;
-    std::string systemImage;  ///< "chevron.left" or "chevron.right"
-    std::string title;        ///< What a screen reader says.
+    std::string systemImage; ///< "chevron.left" or "chevron.right"
+    std::string title;       ///< What a screen reader says.
 
     bool operator==(FaceButton const&) const = default;
 };
@@ -59,7 +59,7 @@ struct LabelRow {
 
 /// One all-day meet: a colour bar and a name on one line.
 struct BarRow {
-    std::string identifier;  ///< The meet's; several rows may bear the same.
+    std::string identifier; ///< The meet's; several rows may bear the same.
     std::string name;
     FaceColor color;
 
@@ -75,7 +75,7 @@ struct SpaceRow {
 
 /// One timed meet.
 struct CardRow {
-    std::string identifier;  ///< The meet's; several rows may bear the same.
+    std::string identifier; ///< The meet's; several rows may bear the same.
     std::string name;
     std::string time;
     std::optional<std::string> duration;
@@ -116,7 +116,7 @@ struct FaceLayout {
     ColorScheme colorScheme;
     SRGBColor background;
     SRGBColor brand;
-    bool isRightToLeft;  ///< Mirrors the face.
+    bool isRightToLeft; ///< Mirrors the face.
     std::vector<FaceRow> rows;
 
     bool operator==(FaceLayout const&) const = default;
@@ -125,4 +125,4 @@ struct FaceLayout {
 /// The layout as text, a row a line, for golden files and bug reports.
 std::string dump(FaceLayout const& layout);
 
-}  // namespace Platform
+} // namespace Platform

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "Platform/Face/FaceLayout.h"
+
+namespace Platform {
+
+/// The colours that one row is drawn in.
+struct RowColors {
+    SRGBColor fill;
+    SRGBColor bar;      ///< The meet's own colour, untouched.
+    SRGBColor text;     ///< The name; at least 14:1 on `fill` of a card, 7:1 on that of an all-day row.
+    SRGBColor duration; ///< At least 5.8:1 on `fill` of a card.
+
+    bool operator==(RowColors const&) const = default;
+};
+
+/// The colours of a face, worked out from its background and brand alone. Where a colour would leave a text
+/// short of contrast, the surface behind the text gives way and the text stays.
+class FacePalette {
+public:
+    /// `accent` stands in for every accent colour of the layout; the brand does where it is absent.
+    FacePalette(FaceLayout const& layout, std::optional<SRGBColor> accent);
+
+    SRGBColor background;
+    SRGBColor text;        ///< Black or white.
+    SRGBColor secondary;   ///< Labels and lines; at least 4.5:1 on `background`.
+    SRGBColor chevron;     ///< The buttons' signs and focus rings; at least 3:1 on `background`.
+    SRGBColor buttonHover; ///< Behind a button under the pointer.
+    SRGBColor buttonPress; ///< Behind a button held down.
+    SRGBColor badge;
+    SRGBColor badgeText; ///< Black or white, whichever is the clearer on `badge`.
+
+    [[nodiscard]] RowColors allDayRow(FaceColor const& color) const;
+    [[nodiscard]] RowColors card(FaceColor const& color) const;
+
+private:
+    [[nodiscard]] SRGBColor resolved(FaceColor const& color) const;
+
+    ColorScheme scheme;
+    SRGBColor accent;
+};
+
+} // namespace Platform
