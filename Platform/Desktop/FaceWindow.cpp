@@ -1,0 +1,298 @@
+#include "Platform/Desktop/FaceWindow.h"
+
+#include "Platform/Desktop/DayButton.h"
+#include "Platform/Desktop/DesktopStyle.h"
+#include "Platform/Desktop/FaceContainer.h"
+#include "Platform/Desktop/FaceMenu.h"
+#include "Platform/Desktop/Placing.h"
+#include "Platform/Desktop/Signal.h"
+
+#include <gdk/gdkkeysyms.h>
+#include <gtk/gtk.h>
+
+#include <cmath>
+#include <utility>
+
+namespace Platform {
+
+namespace {
+
+std::vector<AccessibleRow> accessibleRows(FaceLayout const& layout, FaceGeometry const& geometry) {
+    std::vector<AccessibleRow> rows;
+    for (auto const& placed : geometry.rows) {
+        if (placed.accessibleName.empty()) {
+            continue;
+        }
+        auto const& row = layout.rows[placed.index];
+        auto kind = AccessibleRow::Kind::label;
+        if (std::holds_alternative<HeaderRow>(row)) {
+            kind = AccessibleRow::Kind::heading;
+        } else if (std::holds_alternative<BarRow>(row) || std::holds_alternative<CardRow>(row)) {
+            kind = AccessibleRow::Kind::item;
+        }
+        rows.push_back({.kind = kind, .name = placed.accessibleName, .frame = placed.frame});
+    }
+    return rows;
+}
+
+FaceButtonState stateOf(GtkWidget* button) {
+    auto const flags = gtk_widget_get_state_flags(button);
+    return {
+        .isHovered = (flags & GTK_STATE_FLAG_PRELIGHT) != 0,
+        .isPressed = (flags & GTK_STATE_FLAG_ACTIVE) != 0,
+        .isFocused = gtk_widget_has_visible_focus(button) != FALSE,
+    };
+}
+
+} // namespace
+
+class FaceWindow::Widgets {
+public:
+    Widgets(WindowPlacement placement, FaceWindowTexts texts, FaceWindowActions actions)
+        : placement(placement),
+          actions(std::move(actions)),
+          menu(texts, this->actions),
+          painter(desktopStyle()),
+          window(gtk_window_new(GTK_WINDOW_TOPLEVEL)),
+          container(makeFaceContainer()),
+          previous(makeDayButton()),
+          next(makeDayButton()) {
+        gtk_window_set_title(GTK_WINDOW(window), texts.title.c_str());
+        gtk_window_set_icon_name(GTK_WINDOW(window), iconName);
+        gtk_window_set_resizable(GTK_WINDOW(window), FALSE);
+        placeWindow(GTK_WINDOW(window), placement);
+        gtk_container_add(GTK_CONTAINER(container), previous);
+        gtk_container_add(GTK_CONTAINER(container), next);
+        gtk_container_add(GTK_CONTAINER(window), container);
+        gtk_widget_set_has_tooltip(container, TRUE);
+        connectButtons();
+        connectWindow();
+        gtk_widget_show_all(container);
+    }
+    Widgets(Widgets const&) = delete;
+    Widgets& operator=(Widgets const&) = delete;
+
+    ~Widgets() { gtk_widget_destroy(window); }
+
+    void show(FaceWindowContent newContent) {
+        content = std::move(newContent);
+        geometry = painter.place(content->layout);
+        auto const width = static_cast<int>(std::ceil(geometry.width));
+        auto const height = static_cast<int>(std::ceil(geometry.height));
+        gtk_widget_set_size_request(container, width, height);
+        for (auto const& placed : geometry.buttons) {
+            placeButton(placed);
+        }
+        setAccessibleRows(container, accessibleRows(content->layout, geometry));
+        updateCorners();
+        gtk_widget_queue_draw(container);
+    }
+
+    void present() {
+        if (gtk_widget_get_visible(window) == FALSE) {
+            gtk_widget_show(window);
+        } else if (placement == WindowPlacement::window) {
+            gtk_window_present(GTK_WINDOW(window));
+        }
+    }
+
+    void setAccent(std::optional<SRGBColor> accent) {
+        painter.setAccent(accent);
+        gtk_widget_queue_draw(container);
+    }
+
+    void afterNextFrame(std::function<void()> painted) {
+        paintedHandler = std::move(painted);
+        gtk_widget_queue_draw(container);
+    }
+
+private:
+    static constexpr char const* iconName = "com.zentorik.quillora.Widget";
+
+    void connectButtons() {
+        connectSignal<void()>(previous, "clicked", [this] { actions.previousDay(); });
+        connectSignal<void()>(next, "clicked", [this] { actions.nextDay(); });
+        for (GtkWidget* const button : {previous, next}) {
+            connectSignal<void(GtkStateFlags)>(button, "state-flags-changed",
+                                               [button](GtkStateFlags) { gtk_widget_queue_draw(button); });
+        }
+    }
+
+    void connectWindow() {
+        gtk_widget_add_events(window, GDK_BUTTON_PRESS_MASK);
+        connectSignal<gboolean(GdkEventButton*)>(window, "button-press-event", [this](GdkEventButton* event) {
+            return pressed(*event) ? TRUE : FALSE;
+        });
+        connectSignal<gboolean(GdkEventKey*)>(window, "key-press-event", [this](GdkEventKey* event) {
+            return pressedKey(*event) ? TRUE : FALSE;
+        });
+        connectSignal<gboolean()>(window, "popup-menu", [this] {
+            popUpMenu(nullptr);
+            return TRUE;
+        });
+        // Closed by the window manager: the person wants it gone, and the program is nothing without it.
+        connectSignal<gboolean(GdkEvent*)>(window, "delete-event", [this](GdkEvent*) {
+            actions.quit();
+            return TRUE;
+        });
+        connectSignal<void()>(window, "realize", [this] { realized(); });
+        connectSignal<void(GParamSpec*)>(window, "notify::focus-visible",
+                                         [this](GParamSpec*) { gtk_widget_queue_draw(container); });
+        connectSignal<void()>(window, "composited-changed", [this] { updateCorners(); });
+        connectSignal<gboolean(cairo_t*)>(container, "draw", [this](cairo_t* context) {
+            draw(context);
+            return FALSE;
+        });
+        connectSignal<gboolean(gint, gint, gboolean, GtkTooltip*)>(
+            container, "query-tooltip", [this](gint x, gint y, gboolean fromKeyboard, GtkTooltip* tooltip) {
+                return fromKeyboard == FALSE && fillTooltip(x, y, tooltip) ? TRUE : FALSE;
+            });
+    }
+
+    void placeButton(PlacedButton const& placed) {
+        GtkWidget* const button = placed.action == FaceButton::Action::previousDay ? previous : next;
+        gtk_fixed_move(GTK_FIXED(container), button, static_cast<int>(std::lround(placed.frame.x)),
+                       static_cast<int>(std::lround(placed.frame.y)));
+        gtk_widget_set_size_request(button, static_cast<int>(std::lround(placed.frame.width)),
+                                    static_cast<int>(std::lround(placed.frame.height)));
+        gtk_widget_set_tooltip_text(button, placed.accessibleName.c_str());
+        atk_object_set_name(gtk_widget_get_accessible(button), placed.accessibleName.c_str());
+    }
+
+    void draw(cairo_t* context) {
+        if (!content) {
+            return;
+        }
+        painter.paint(context, content->layout, geometry,
+                      {.previous = stateOf(previous), .next = stateOf(next)});
+        hasPainted = true;
+    }
+
+    void realized() {
+        connectSignal<void()>(gtk_widget_get_frame_clock(window), "after-paint", [this] {
+            if (std::exchange(hasPainted, false) && paintedHandler) {
+                std::exchange(paintedHandler, nullptr)();
+            }
+        });
+        updateCorners();
+    }
+
+    /// Without a compositor nothing is transparent: there the window itself is cut to the face's outline.
+    void updateCorners() {
+        if (gtk_widget_get_realized(window) == FALSE || !content) {
+            return;
+        }
+        if (gdk_screen_is_composited(gtk_widget_get_screen(window)) != FALSE) {
+            gtk_widget_shape_combine_region(window, nullptr);
+            return;
+        }
+        cutCorners(window, static_cast<int>(std::ceil(geometry.width)),
+                   static_cast<int>(std::ceil(geometry.height)), geometry.cornerRadius);
+    }
+
+    bool fillTooltip(int x, int y, GtkTooltip* tooltip) const {
+        if (!content) {
+            return false;
+        }
+        auto const hit = hitTest(geometry, x, y);
+        auto const* const index = std::get_if<std::size_t>(&hit);
+        if (index == nullptr || *index >= content->tooltips.size() || content->tooltips[*index].empty()) {
+            return false;
+        }
+        gtk_tooltip_set_text(tooltip, content->tooltips[*index].c_str());
+        auto const& frame = geometry.rows[*index].frame;
+        // While the pointer stays on this row the tooltip stays, too.
+        GdkRectangle const area{
+            .x = static_cast<int>(frame.x),
+            .y = static_cast<int>(frame.y),
+            .width = static_cast<int>(frame.width),
+            .height = static_cast<int>(frame.height),
+        };
+        gtk_tooltip_set_tip_area(tooltip, &area);
+        return true;
+    }
+
+    bool pressed(GdkEventButton const& event) {
+        auto const* const anyEvent = reinterpret_cast<GdkEvent const*>(&event); // NOLINT
+        if (gdk_event_triggers_context_menu(anyEvent) != FALSE) {
+            popUpMenu(anyEvent);
+            return true;
+        }
+        if (event.type == GDK_BUTTON_PRESS && event.button == GDK_BUTTON_PRIMARY &&
+            canMove(GTK_WINDOW(window))) {
+            gtk_window_begin_move_drag(GTK_WINDOW(window), static_cast<int>(event.button),
+                                       static_cast<int>(event.x_root), static_cast<int>(event.y_root),
+                                       event.time);
+            return true;
+        }
+        return false;
+    }
+
+    bool pressedKey(GdkEventKey const& event) {
+        auto const modifiers = event.state & gtk_accelerator_get_default_mod_mask();
+        if (modifiers == GDK_CONTROL_MASK && gdk_keyval_to_lower(event.keyval) == GDK_KEY_q) {
+            actions.quit();
+            return true;
+        }
+        if (modifiers != 0) {
+            return false;
+        }
+        bool const isMirrored = content && content->layout.isRightToLeft;
+        switch (event.keyval) {
+        case GDK_KEY_Left:
+        case GDK_KEY_KP_Left: (isMirrored ? actions.nextDay : actions.previousDay)(); return true;
+        case GDK_KEY_Right:
+        case GDK_KEY_KP_Right: (isMirrored ? actions.previousDay : actions.nextDay)(); return true;
+        case GDK_KEY_Page_Up:
+        case GDK_KEY_KP_Page_Up: actions.previousDay(); return true;
+        case GDK_KEY_Page_Down:
+        case GDK_KEY_KP_Page_Down: actions.nextDay(); return true;
+        case GDK_KEY_Home:
+        case GDK_KEY_KP_Home: actions.today(); return true;
+        default: return false;
+        }
+    }
+
+    void popUpMenu(GdkEvent const* event) {
+        if (content) {
+            menu.popUp(container, event, content->layout.family);
+        }
+    }
+
+    WindowPlacement placement;
+    FaceWindowActions actions;
+    FaceMenu menu;
+    FacePainter painter;
+    std::optional<FaceWindowContent> content;
+    FaceGeometry geometry{.width = 0, .height = 0, .cornerRadius = 0, .rows = {}, .buttons = {}};
+    std::function<void()> paintedHandler;
+    bool hasPainted = false;
+
+    GtkWidget* window; // Owned by the toolkit until it is destroyed; the others live with it.
+    GtkWidget* container;
+    GtkWidget* previous;
+    GtkWidget* next;
+};
+
+FaceWindow::FaceWindow(WindowPlacement placement, FaceWindowTexts texts, FaceWindowActions actions)
+    : widgets(std::make_unique<Widgets>(placement, std::move(texts), std::move(actions))) {}
+
+FaceWindow::~FaceWindow() = default;
+
+void FaceWindow::show(FaceWindowContent content) {
+    widgets->show(std::move(content));
+}
+
+void FaceWindow::present() {
+    widgets->present();
+}
+
+void FaceWindow::setAccent(std::optional<SRGBColor> accent) {
+    widgets->setAccent(accent);
+}
+
+void FaceWindow::afterNextFrame(std::function<void()> painted) {
+    widgets->afterNextFrame(std::move(painted));
+}
+
+} // namespace Platform

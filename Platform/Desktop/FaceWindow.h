@@ -1,0 +1,67 @@
+#pragma once
+
+#include "Platform/Desktop/WindowPlacement.h"
+#include "Platform/Face/FaceLayout.h"
+#include "Platform/Face/FacePainter.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace Platform {
+
+/// The window's own words.
+struct FaceWindowTexts {
+    std::string title;
+    std::string today;
+    std::string size;
+    std::string small;
+    std::string medium;
+    std::string large;
+    std::string reload;
+    std::string quit;
+};
+
+/// What a person can ask of the window. All are called on the main loop's thread.
+struct FaceWindowActions {
+    std::function<void()> previousDay;
+    std::function<void()> nextDay;
+    std::function<void()> today;
+    std::function<void()> reload;
+    std::function<void()> quit;
+    std::function<void(WidgetFamily)> chooseFamily;
+};
+
+/// What the window shows.
+struct FaceWindowContent {
+    FaceLayout layout;
+    std::vector<std::string> tooltips; ///< One for each row of the layout; an empty one is not shown.
+};
+
+/// The window with the face, its two buttons and its menu. The display has to be open.
+class FaceWindow final {
+public:
+    FaceWindow(WindowPlacement placement, FaceWindowTexts texts, FaceWindowActions actions);
+    FaceWindow(FaceWindow const&) = delete;
+    FaceWindow& operator=(FaceWindow const&) = delete;
+    ~FaceWindow();
+
+    /// Shows `content` from the next frame on; the window takes its size.
+    void show(FaceWindowContent content);
+
+    /// Opens the window, or brings it before the person where it stands among others.
+    void present();
+
+    void setAccent(std::optional<SRGBColor> accent);
+
+    /// Calls `painted` once, after the next frame that shows what was last given to show().
+    void afterNextFrame(std::function<void()> painted);
+
+private:
+    class Widgets;
+    std::unique_ptr<Widgets> widgets;
+};
+
+} // namespace Platform
