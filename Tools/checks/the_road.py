@@ -31,7 +31,10 @@ FREE = {"Tests", "Benchmarks", "Fuzzing"}
 MAY_WRAP = {"Foundation", PART, "Samples", "Applications"}
 
 # The parts of one service share code with each other. These few also use another service's parts.
-PARTS_ACROSS = {}
+PARTS_ACROSS = {
+    # The window shows what the painter draws, and is one instance on the bus that the host listens to.
+    "quillora_platform_desktop_gtk": {"quillora_platform_face_cairo", "quillora_platform_widgethost_glib"},
+}
 
 # Targets without code of their own.
 EVERYWHERE = {"quillora_settings"}
