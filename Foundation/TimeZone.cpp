@@ -1,12 +1,14 @@
 #include "Foundation/TimeZone.h"
 
 #include "Foundation/Environment.h"
+#include "Foundation/ZoneRuleText.h"
 
 #include <glib.h>
 
 #include <algorithm>
 #include <chrono>
 #include <filesystem>
+#include <iterator>
 #include <map>
 #include <mutex>
 #include <utility>
@@ -125,11 +127,51 @@ struct TimeZone::Rules {
         return next == changes.begin() ? next : std::prev(next);
     }
 
+    // The library reads a rule whose saving time lies behind its standard time (Ireland's) an hour or two
+    // wrong, so such a rule is given to it the other way round.
     static std::shared_ptr<Rules const> load(std::string const& identifier) {
+        if (auto const exchanged = ZoneRuleText::exchangingNegativeSaving(identifier)) {
+            auto changes = changesOf(*exchanged);
+            if (changes.empty()) return nullptr;
+            return std::make_shared<Rules const>(
+                Rules{.identifier = identifier, .changes = std::move(changes)});
+        }
+        auto changes = changesOf(identifier);
+        if (changes.empty()) return nullptr;
+        auto const closingRule = ZoneRuleText::ofZoneFile(zoneFile(identifier));
+        if (closingRule) {
+            if (auto const exchanged = ZoneRuleText::exchangingNegativeSaving(*closingRule))
+                mend(changes, changesOf(*exchanged));
+        }
+        return std::make_shared<Rules const>(Rules{.identifier = identifier, .changes = std::move(changes)});
+    }
+
+    // Empty when the system does not know the zone.
+    static std::vector<Change> changesOf(std::string const& identifier) {
         GTimeZonePointer const zone(g_time_zone_new_identifier(identifier.c_str()));
-        if (!zone) return nullptr;
-        return std::make_shared<Rules const>(
-            Rules{.identifier = identifier, .changes = ChangeFinder(zone.get()).find()});
+        if (!zone) return {};
+        return ChangeFinder(zone.get()).find();
+    }
+
+    static std::string zoneFile(std::string const& identifier) {
+        return identifier.starts_with('/') ? identifier : "/usr/share/zoneinfo/" + identifier;
+    }
+
+    // From the year on in which `changes` first name an offset that the closing rule does not have, the
+    // rule's own changes take their place.
+    static void mend(std::vector<Change>& changes, std::vector<Change> const& ruleChanges) {
+        auto const isOfRule = [&](Change const& change) {
+            return change.start < utcSecondsOfYear(1972) ||
+                   std::ranges::find(ruleChanges, change.offset, &Change::offset) != ruleChanges.end();
+        };
+        auto const firstWrong = std::ranges::find_if_not(changes, isOfRule);
+        if (firstWrong == changes.end()) return;
+        std::chrono::days const day(floorDivide(firstWrong->start, secondsPerDay));
+        auto const year = static_cast<int>(std::chrono::year_month_day(sys_days(day)).year());
+        auto const begin = utcSecondsOfYear(year);
+        std::erase_if(changes, [&](Change const& change) { return change.start >= begin; });
+        std::ranges::copy_if(ruleChanges, std::back_inserter(changes),
+                             [&](Change const& change) { return change.start >= begin; });
     }
 
     // Loading takes about a millisecond, and the same few zones are asked for all the time. Unknown names
