@@ -19,4 +19,4 @@ public:
     [[nodiscard]] virtual std::optional<std::array<double, 3>> accentColor() const = 0;
 };
 
-}  // namespace Platform
+} // namespace Platform

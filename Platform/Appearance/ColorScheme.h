@@ -6,4 +6,4 @@ namespace Platform {
 
 enum class ColorScheme : std::uint8_t { light, dark };
 
-}  // namespace Platform
+} // namespace Platform

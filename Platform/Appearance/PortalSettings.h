@@ -1,0 +1,16 @@
+#pragma once
+
+#include <gio/gio.h>
+
+/// Names of the desktop portal's settings, and what their values mean. Only this folder's sources include it.
+namespace Platform::PortalSettings {
+
+inline constexpr char const* busName = "org.freedesktop.portal.Desktop";
+inline constexpr char const* objectPath = "/org/freedesktop/portal/desktop";
+inline constexpr char const* interfaceName = "org.freedesktop.portal.Settings";
+inline constexpr char const* appearance = "org.freedesktop.appearance";
+
+inline constexpr auto connectionFlags = static_cast<GDBusConnectionFlags>(
+    G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT | G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
+
+} // namespace Platform::PortalSettings
