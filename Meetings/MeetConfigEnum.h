@@ -14,7 +14,4 @@ inline constexpr std::string_view nativeCalendarIdentifier = "quillora-native-ca
 /// Subsystem of every structured log record of the package; each class adds its own category.
 inline constexpr std::string_view loggerSubsystem = "com.zentorik.quillora";
 
-/// Name of the package's resource bundle.
-inline constexpr std::string_view resourceBundleName = "Meetings_Meetings";
-
 } // namespace Meetings::MeetConfigEnum

@@ -93,7 +93,6 @@ TEST(MeetConfigEnumTests, theConstantsAreThoseOfTheSharedFormats) {
     EXPECT_EQ(MeetConfigEnum::nativeCalendarName, "Quillora");
     EXPECT_EQ(MeetConfigEnum::nativeCalendarIdentifier, "quillora-native-calendar");
     EXPECT_EQ(MeetConfigEnum::loggerSubsystem, "com.zentorik.quillora");
-    EXPECT_EQ(MeetConfigEnum::resourceBundleName, "Meetings_Meetings");
 }
 
 TEST(SystemAppearanceTests, onlyADarkDesktopIsDark) {
