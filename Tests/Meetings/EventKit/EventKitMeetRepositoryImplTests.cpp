@@ -267,7 +267,7 @@ TEST_F(EventKitMeetRepositoryImplTests, aNewMeetIsStoredWithTitleTimesAndNotesAl
     auto const stored = runTask(repository().create(meet));
 
     ASSERT_EQ(store->saves().size(), 1U);
-    auto const& [event, span] = store->saves().front();
+    auto const [event, span] = store->saves().front();
     EXPECT_EQ(span, EKSpan::thisEvent);
     EXPECT_EQ(event.title, "Review");
     EXPECT_EQ(event.startDate, (Date{.secondsSince1970 = friday}));
@@ -347,7 +347,7 @@ TEST_F(EventKitMeetRepositoryImplTests, anEditChangesTheEventInItsOwnCalendar) {
     auto const stored = runTask(repository().update(meet));
 
     ASSERT_EQ(store->saves().size(), 1U);
-    auto const& [saved, span] = store->saves().front();
+    auto const [saved, span] = store->saves().front();
     EXPECT_EQ(span, EKSpan::thisEvent);
     EXPECT_EQ(saved.title, "Renamed");
     EXPECT_EQ(saved.startDate, (Date{.secondsSince1970 = friday + 2 * hour}));
