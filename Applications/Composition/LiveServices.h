@@ -6,6 +6,7 @@
 
 #include <memory>
 #include <optional>
+#include <string_view>
 
 namespace Platform {
 class Appearance;
@@ -23,6 +24,10 @@ class WidgetCenter;
 struct CalendarStorePlaces;
 } // namespace Platform
 
+namespace Meetings {
+class EventKitStoring;
+}
+
 namespace WidgetExtension {
 struct ScheduleWidgetServices;
 }
@@ -36,11 +41,16 @@ struct LiveServicesOptions {
     std::optional<Foundation::Date> fixedMoment = std::nullopt;
     /// Asks for access to the calendars; without one it is not asked for and stays undetermined.
     std::shared_ptr<Platform::ConsentPrompt> consentPrompt = nullptr;
+    /// Where log records go; absent for the system's journal.
+    std::shared_ptr<Platform::LogSink> logSink = nullptr;
 };
 
+/// The log category of the calendar store: what it could not read, and why.
+inline constexpr std::string_view calendarStoreLogCategory = "FolderEventStore";
+
 /// Every live part of a Quillora program. Each is made once, on first use, so that a program pays only for
-/// what it touches: no bus is contacted, no file opened and no bundle looked up before that. To be asked
-/// from one thread; the parts themselves say which threads they allow.
+/// what it touches: no bus is contacted, no file opened and no bundle looked up before that. May be asked
+/// from any thread; the parts themselves say which threads they allow.
 class LiveServices final {
 public:
     explicit LiveServices(Foundation::Environment environment, LiveServicesOptions options = {});
@@ -70,8 +80,10 @@ public:
     std::shared_ptr<Platform::CalendarStoreConfiguration const> calendarConfiguration();
     std::shared_ptr<Platform::ConsentRecord const> consent();
 
-    /// The one calendar store of the process.
+    /// The one calendar store of the process, and the packages' view of it. Throw Platform::EKError when the
+    /// environment names no home.
     std::shared_ptr<Platform::EKEventStore> eventStore();
+    std::shared_ptr<Meetings::EventKitStoring> eventKitStore();
 
     /// What the widget's timeline provider, view and intents are built from. The provider's tasks run on
     /// `executor`.
@@ -79,7 +91,9 @@ public:
 
 private:
     struct Parts;
-    std::unique_ptr<Parts> parts;
+    explicit LiveServices(std::shared_ptr<Parts> parts);
+
+    std::shared_ptr<Parts> parts;
 };
 
 } // namespace Composition

@@ -1,0 +1,214 @@
+#include "Applications/Composition/LiveServices.h"
+
+#include "Meetings/BundleFinder.h"
+#include "Meetings/EventKit/LiveEventKitStore.h"
+#include "Meetings/MeetConfigEnum.h"
+#include "Platform/Appearance/PortalAppearance.h"
+#include "Platform/Clock/FixedClock.h"
+#include "Platform/Clock/SystemClock.h"
+#include "Platform/Clock/SystemRegionSettings.h"
+#include "Platform/EventStore/Folder/CalendarStorePlaces.h"
+#include "Platform/EventStore/Folder/FolderEventStore.h"
+#include "Platform/Files/PosixFileManager.h"
+#include "Platform/Logging/JournalLogSink.h"
+#include "Platform/NotificationCenter/LocalNotificationCenter.h"
+#include "Platform/Resources/BundleTextProvider.h"
+#include "Platform/WidgetHost/SessionBusWidgetCenter.h"
+#include "WidgetExtension/ResourceBundleClass.h"
+#include "WidgetExtension/ScheduleWidgetServices.h"
+
+#include <mutex>
+#include <utility>
+
+namespace Composition {
+
+namespace {
+
+// For a program that nobody can be asked through.
+class NobodyToAsk final : public Platform::ConsentPrompt {
+public:
+    Foundation::Task<Platform::ConsentAnswer> ask() override {
+        co_return Platform::ConsentAnswer::unavailable;
+    }
+};
+
+// Makes a part when it is first asked for.
+template <typename Part, typename Make>
+std::shared_ptr<Part> once(std::shared_ptr<Part>& part, Make const& make) {
+    if (!part) part = make();
+    return part;
+}
+
+} // namespace
+
+struct LiveServices::Parts {
+    Foundation::Environment environment;
+    LiveServicesOptions options;
+
+    // Recursive, because one part is made from others. The calendar store is asked for by the provider's
+    // task, which may run on a thread of its own.
+    std::recursive_mutex mutex;
+    std::shared_ptr<Platform::Clock const> clock;
+    std::shared_ptr<Platform::RegionSettings const> region;
+    std::shared_ptr<Platform::FileManager const> files;
+    std::shared_ptr<Platform::LogSink> logSink;
+    std::shared_ptr<Platform::NotificationCenter> notifications;
+    std::shared_ptr<Platform::Appearance const> appearance;
+    std::shared_ptr<Platform::WidgetCenter> widgetCenter;
+    std::shared_ptr<Platform::TextProvider const> widgetTexts;
+    std::shared_ptr<Platform::TextProvider const> meetingsTexts;
+    std::shared_ptr<Platform::CalendarStoreConfiguration const> configuration;
+    std::shared_ptr<Platform::ConsentRecord const> consent;
+    std::shared_ptr<Platform::EKEventStore> eventStore;
+    std::shared_ptr<Meetings::EventKitStoring> eventKitStore;
+
+    // The texts of the bundle that `Marker` stands for.
+    template <typename Marker>
+    std::shared_ptr<Platform::TextProvider const> texts() const {
+        return std::make_shared<Platform::BundleTextProvider>(
+            std::string(Marker::bundleName), environment, Platform::BundlePlaces::ofProcess(Marker::marker()),
+            Foundation::Locale::textLanguages(environment));
+    }
+};
+
+LiveServices::LiveServices(Foundation::Environment environment, LiveServicesOptions options)
+    : parts(std::make_shared<Parts>()) {
+    parts->environment = std::move(environment);
+    parts->options = std::move(options);
+}
+
+LiveServices::LiveServices(std::shared_ptr<Parts> parts) : parts(std::move(parts)) {}
+
+LiveServices::~LiveServices() = default;
+
+Foundation::Environment const& LiveServices::environment() const {
+    return parts->environment;
+}
+
+std::shared_ptr<Platform::Clock const> LiveServices::clock() {
+    std::scoped_lock const lock(parts->mutex);
+    return once(parts->clock, [&]() -> std::shared_ptr<Platform::Clock const> {
+        if (parts->options.fixedMoment)
+            return std::make_shared<Platform::FixedClock>(*parts->options.fixedMoment);
+        return std::make_shared<Platform::SystemClock>();
+    });
+}
+
+std::shared_ptr<Platform::RegionSettings const> LiveServices::region() {
+    std::scoped_lock const lock(parts->mutex);
+    return once(parts->region,
+                [&] { return std::make_shared<Platform::SystemRegionSettings>(parts->environment); });
+}
+
+std::shared_ptr<Platform::FileManager const> LiveServices::files() {
+    std::scoped_lock const lock(parts->mutex);
+    return once(parts->files,
+                [&] { return std::make_shared<Platform::PosixFileManager>(parts->environment); });
+}
+
+std::shared_ptr<Platform::LogSink> LiveServices::logSink() {
+    std::scoped_lock const lock(parts->mutex);
+    return once(parts->logSink, [&]() -> std::shared_ptr<Platform::LogSink> {
+        if (parts->options.logSink) return parts->options.logSink;
+        return std::make_shared<Platform::JournalLogSink>(parts->environment);
+    });
+}
+
+std::shared_ptr<Platform::NotificationCenter> LiveServices::notifications() {
+    std::scoped_lock const lock(parts->mutex);
+    return once(parts->notifications, [] { return std::make_shared<Platform::LocalNotificationCenter>(); });
+}
+
+std::shared_ptr<Platform::Appearance const> LiveServices::appearance() {
+    std::scoped_lock const lock(parts->mutex);
+    return once(parts->appearance, [&] {
+        return std::make_shared<Platform::PortalAppearance>(Platform::sessionBusAddress(parts->environment));
+    });
+}
+
+std::shared_ptr<Platform::WidgetCenter> LiveServices::widgetCenter() {
+    std::scoped_lock const lock(parts->mutex);
+    return once(parts->widgetCenter,
+                [&] { return std::make_shared<Platform::SessionBusWidgetCenter>(parts->environment); });
+}
+
+std::shared_ptr<Platform::TextProvider const> LiveServices::widgetTexts() {
+    std::scoped_lock const lock(parts->mutex);
+    return once(parts->widgetTexts, [&] { return parts->texts<WidgetExtension::ResourceBundleClass>(); });
+}
+
+std::shared_ptr<Platform::TextProvider const> LiveServices::meetingsTexts() {
+    std::scoped_lock const lock(parts->mutex);
+    return once(parts->meetingsTexts, [&] { return parts->texts<Meetings::BundleFinder>(); });
+}
+
+std::optional<Platform::CalendarStorePlaces> LiveServices::calendarPlaces() {
+    return Platform::CalendarStorePlaces::of(parts->environment, *files());
+}
+
+std::shared_ptr<Platform::CalendarStoreConfiguration const> LiveServices::calendarConfiguration() {
+    std::scoped_lock const lock(parts->mutex);
+    auto const places = calendarPlaces();
+    if (!places) return nullptr;
+    return once(parts->configuration, [&] {
+        return std::make_shared<Platform::CalendarStoreConfiguration>(places->configurationDirectory,
+                                                                      files());
+    });
+}
+
+std::shared_ptr<Platform::ConsentRecord const> LiveServices::consent() {
+    std::scoped_lock const lock(parts->mutex);
+    auto const places = calendarPlaces();
+    if (!places) return nullptr;
+    return once(parts->consent, [&] {
+        return std::make_shared<Platform::ConsentRecord>(places->configurationDirectory, files());
+    });
+}
+
+std::shared_ptr<Platform::EKEventStore> LiveServices::eventStore() {
+    std::scoped_lock const lock(parts->mutex);
+    return once(parts->eventStore, [&] {
+        auto const places = calendarPlaces();
+        if (!places) {
+            throw Platform::EKError(
+                "Neither HOME nor the XDG folders are set, so no calendars were looked for; "
+                "set HOME to your home folder.");
+        }
+        auto prompt = parts->options.consentPrompt;
+        if (!prompt) prompt = std::make_shared<NobodyToAsk>();
+        return std::make_shared<Platform::FolderEventStore>(Platform::FolderEventStoreParts{
+            .places = *places,
+            .files = files(),
+            .region = region(),
+            // Files bear the system's time also when the program's clock stands still.
+            .fileSystemClock = std::make_shared<Platform::SystemClock>(),
+            .prompt = std::move(prompt),
+            .logger = Platform::Logger(logSink(), std::string(Meetings::MeetConfigEnum::loggerSubsystem),
+                                       std::string(calendarStoreLogCategory)),
+        });
+    });
+}
+
+std::shared_ptr<Meetings::EventKitStoring> LiveServices::eventKitStore() {
+    std::scoped_lock const lock(parts->mutex);
+    return once(parts->eventKitStore,
+                [&] { return std::make_shared<Meetings::LiveEventKitStore>(eventStore()); });
+}
+
+WidgetExtension::ScheduleWidgetServices
+LiveServices::scheduleWidgetServices(Foundation::TaskExecutor executor) {
+    return {
+        .clock = clock(),
+        .region = region(),
+        .files = files(),
+        .appearance = appearance(),
+        .texts = widgetTexts(),
+        .meetingsTexts = meetingsTexts(),
+        .logSink = logSink(),
+        // The parts are shared, so that a task which outlives this object still finds its store.
+        .eventStore = [shared = parts] { return LiveServices(shared).eventKitStore(); },
+        .executor = std::move(executor),
+    };
+}
+
+} // namespace Composition
