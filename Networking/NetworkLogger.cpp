@@ -1,0 +1,44 @@
+#include "Networking/NetworkLogger.h"
+
+#include "Foundation/DateFormatting.h"
+#include "Foundation/Text.h"
+
+namespace Networking {
+namespace {
+
+std::optional<std::filesystem::path> makeLogFileURL(Platform::FileManager const& files) {
+    auto const support = files.applicationSupportDirectory();
+    if (!support) return std::nullopt;
+    auto const folder = *support / "Quillora" / "Logs";
+    files.createDirectory(folder);
+    return folder / "network.log";
+}
+
+} // namespace
+
+NetworkLogger::NetworkLogger(bool isEnabled, NetworkLoggerServices services)
+    : isEnabled(isEnabled), services(std::move(services)), logFileURL(makeLogFileURL(*this->services.files)) {}
+
+void NetworkLogger::log(std::string_view endpoint, Platform::URLRequest const& request,
+                        std::string_view response) const {
+    if (!isEnabled) return;
+    auto const calendar = services.region->currentCalendar();
+    bool const hasText = request.httpBody && Foundation::Text::isValidUTF8(*request.httpBody);
+    std::string record = "[" + Foundation::logTimestamp(services.clock->now(), calendar);
+    record += "]\nendpoint: ";
+    record += endpoint;
+    record += "\nrequest: ";
+    record += hasText ? std::string_view(*request.httpBody) : "-";
+    record += "\nresponse: ";
+    record += response;
+    record += "\n";
+    services.console->print(record + "\n");
+    append(record);
+}
+
+void NetworkLogger::append(std::string_view record) const {
+    if (!logFileURL || !Foundation::Text::isValidUTF8(record)) return;
+    services.files->appendToItem(*logFileURL, record);
+}
+
+} // namespace Networking
