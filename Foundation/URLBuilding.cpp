@@ -37,8 +37,10 @@ std::string escapedQueryPart(std::string_view part) {
 }
 
 std::string joinedPath(std::string_view basePath, std::string_view path) {
-    while (basePath.ends_with('/')) basePath.remove_suffix(1);
-    while (path.starts_with('/')) path.remove_prefix(1);
+    while (basePath.ends_with('/'))
+        basePath.remove_suffix(1);
+    while (path.starts_with('/'))
+        path.remove_prefix(1);
     return std::string(basePath) + "/" + escapedPath(path);
 }
 

@@ -45,7 +45,8 @@ public:
               NetworkLoggerServices loggerServices);
 
     template <JSONDecodable Record>
-    Foundation::Task<APIResult<Record>> get(std::string path, std::vector<Foundation::URLQueryItem> query) const;
+    Foundation::Task<APIResult<Record>> get(std::string path,
+                                            std::vector<Foundation::URLQueryItem> query) const;
 
     /// A JSON array of records; one that does not decode fails the whole.
     template <JSONDecodable Record>
@@ -93,23 +94,20 @@ private:
 
 template <JSONDecodable Record>
 Foundation::Task<APIResult<Record>> APIClient::get(std::string path, Query query) const {
-    APIResult<std::string> const data =
-        co_await send(std::move(path), "GET", std::move(query), std::nullopt);
+    APIResult<std::string> const data = co_await send(std::move(path), "GET", std::move(query), std::nullopt);
     co_return decodeResult<Record>(data);
 }
 
 template <JSONDecodable Record>
 Foundation::Task<APIResult<std::vector<Record>>> APIClient::getList(std::string path, Query query) const {
-    APIResult<std::string> const data =
-        co_await send(std::move(path), "GET", std::move(query), std::nullopt);
+    APIResult<std::string> const data = co_await send(std::move(path), "GET", std::move(query), std::nullopt);
     co_return decodeListResult<Record>(data);
 }
 
 template <JSONDecodable Record, JSONEncodable Body>
 Foundation::Task<APIResult<Record>> APIClient::post(std::string path, Body body) const {
     std::optional<Foundation::JSON::Value> content = body.encode();
-    APIResult<std::string> const data =
-        co_await send(std::move(path), "POST", Query{}, std::move(content));
+    APIResult<std::string> const data = co_await send(std::move(path), "POST", Query{}, std::move(content));
     co_return decodeResult<Record>(data);
 }
 
@@ -129,7 +127,8 @@ Foundation::Task<APIResult<Record>> APIClient::patch(std::string path) const {
 template <JSONEncodable Body>
 Foundation::Task<APIResult<void>> APIClient::remove(std::string path, Body body) const {
     std::optional<Foundation::JSON::Value> content = body.encode();
-    APIResult<void> const result = co_await sendIgnoringContent(std::move(path), "DELETE", std::move(content));
+    APIResult<void> const result =
+        co_await sendIgnoringContent(std::move(path), "DELETE", std::move(content));
     co_return result;
 }
 
@@ -147,7 +146,8 @@ APIResult<std::vector<Record>> APIClient::decodeListResult(APIResult<std::string
     auto const value = parsed(data);
     if (!value) return std::unexpected(value.error());
     auto const* list = std::get_if<Foundation::JSON::Array>(&value->storage);
-    if (list == nullptr) return std::unexpected(decodingError(Foundation::JSON::DecodeFailure::dataCorrupted));
+    if (list == nullptr)
+        return std::unexpected(decodingError(Foundation::JSON::DecodeFailure::dataCorrupted));
     std::vector<Record> records;
     records.reserve(list->size());
     for (auto const& element : *list) {

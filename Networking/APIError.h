@@ -38,7 +38,9 @@ public:
 
 private:
     APIError(Case errorCase, std::string message, std::int64_t statusCode)
-        : kind(errorCase), text(std::move(message)), code(statusCode) {}
+        : kind(errorCase),
+          text(std::move(message)),
+          code(statusCode) {}
 
     Case kind;
     std::string text;

@@ -17,7 +17,9 @@ std::optional<std::filesystem::path> makeLogFileURL(Platform::FileManager const&
 } // namespace
 
 NetworkLogger::NetworkLogger(bool isEnabled, NetworkLoggerServices services)
-    : isEnabled(isEnabled), services(std::move(services)), logFileURL(makeLogFileURL(*this->services.files)) {}
+    : isEnabled(isEnabled),
+      services(std::move(services)),
+      logFileURL(makeLogFileURL(*this->services.files)) {}
 
 void NetworkLogger::log(std::string_view endpoint, Platform::URLRequest const& request,
                         std::string_view response) const {

@@ -113,6 +113,13 @@ std::error_code InMemoryFileManager::writeAtomically(path const& file, std::stri
     return recording(Kind::write, file, write(file, content));
 }
 
+std::error_code InMemoryFileManager::appendToItem(path const& file, std::string_view content) const {
+    std::lock_guard const lock(mutex);
+    auto const entry = entries.find(file);
+    std::string const former = entry == entries.end() ? "" : entry->second.content;
+    return recording(Kind::append, file, write(file, former + std::string(content)));
+}
+
 std::error_code InMemoryFileManager::removeItem(path const& file) const {
     std::lock_guard const lock(mutex);
     std::error_code failure;

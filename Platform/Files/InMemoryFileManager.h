@@ -16,7 +16,7 @@ class InMemoryFileManager final : public FileManager {
 public:
     /// One operation that changes files or reads one, whether it succeeded or not.
     struct Operation {
-        enum class Kind : std::uint8_t { createDirectory, read, write, remove, clearQuarantine };
+        enum class Kind : std::uint8_t { createDirectory, read, write, append, remove, clearQuarantine };
         Kind kind;
         std::filesystem::path path;
         bool succeeded;
@@ -58,6 +58,7 @@ public:
     contents(std::filesystem::path const& path) const override;
     std::error_code writeAtomically(std::filesystem::path const& path,
                                     std::string_view content) const override;
+    std::error_code appendToItem(std::filesystem::path const& path, std::string_view content) const override;
     std::error_code removeItem(std::filesystem::path const& path) const override;
     std::error_code clearQuarantineProperties(std::filesystem::path const& path) const override;
 

@@ -167,6 +167,17 @@ std::error_code PosixFileManager::writeAtomically(path const& file, std::string_
     return durability == Durability::fileAndFolder ? syncFolder(folder) : std::error_code();
 }
 
+std::error_code PosixFileManager::appendToItem(path const& file, std::string_view content) const {
+    auto const flags = O_WRONLY | O_CREAT | O_APPEND | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+    FileDescriptor descriptor(::open(file.c_str(), flags, privateFile));
+    if (!descriptor.isOpen()) return lastError();
+    struct stat status{};
+    if (::fstat(descriptor.get(), &status) != 0) return lastError();
+    if (!S_ISREG(status.st_mode)) return failure(std::errc::invalid_argument);
+    if (auto const failed = writeAll(descriptor.get(), content)) return failed;
+    return descriptor.close();
+}
+
 std::error_code PosixFileManager::removeItem(path const& file) const {
     if (::unlink(file.c_str()) != 0) return lastError();
     return {};

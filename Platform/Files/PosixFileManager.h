@@ -33,6 +33,7 @@ public:
     /// content stands and the failure is told.
     std::error_code writeAtomically(std::filesystem::path const& path,
                                     std::string_view content) const override;
+    std::error_code appendToItem(std::filesystem::path const& path, std::string_view content) const override;
     std::error_code removeItem(std::filesystem::path const& path) const override;
 
     /// Succeeds without an effect: files bear no such marks here.

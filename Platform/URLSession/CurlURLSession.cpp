@@ -21,7 +21,8 @@
 namespace Platform {
 namespace {
 
-constexpr std::size_t maximumHeaderBytes = std::size_t{1} << 20;
+// Below the library's own bound, which it reports as a lost connection.
+constexpr std::size_t maximumHeaderBytes = std::size_t{256} << 10;
 
 struct Outcome {
     std::exception_ptr error;
@@ -106,8 +107,7 @@ URLError::Case errorCase(CURLcode code, Exchange const& exchange) {
     case CURLE_SSL_CIPHER:
     case CURLE_SSL_ISSUER_ERROR: return secureConnectionFailed;
     case CURLE_BAD_CONTENT_ENCODING: return cannotDecodeContent;
-    case CURLE_FILESIZE_EXCEEDED:
-    case CURLE_TOO_LARGE: return dataLengthExceedsMaximum;
+    case CURLE_FILESIZE_EXCEEDED: return dataLengthExceedsMaximum;
     case CURLE_WEIRD_SERVER_REPLY: return badServerResponse;
     default: return unknown;
     }
@@ -196,9 +196,9 @@ public:
     Worker& operator=(Worker const&) = delete;
 
     std::uint64_t submit(URLRequest request, Completion completion) {
-        auto exchange = std::make_unique<Exchange>(
-            Exchange{.request = std::move(request), .completion = std::move(completion),
-                     .limit = limits.responseBytes});
+        auto exchange = std::make_unique<Exchange>(Exchange{.request = std::move(request),
+                                                            .completion = std::move(completion),
+                                                            .limit = limits.responseBytes});
         std::uint64_t identifier = 0;
         {
             std::lock_guard const guard(mutex);
@@ -243,8 +243,10 @@ private:
             ended.swap(cancelled);
             ending = isEnding;
         }
-        for (auto& [identifier, exchange] : arrived) begin(identifier, std::move(exchange));
-        for (auto const identifier : ended) finish(identifier, failure(URLError::Case::cancelled));
+        for (auto& [identifier, exchange] : arrived)
+            begin(identifier, std::move(exchange));
+        for (auto const identifier : ended)
+            finish(identifier, failure(URLError::Case::cancelled));
         return !ending;
     }
 
@@ -325,16 +327,16 @@ Foundation::Task<URLResponse> CurlURLSession::data(URLRequest request) {
         auto executor = asio::get_associated_executor(handler);
         auto shared = std::make_shared<Handler>(std::move(handler));
         auto guard = asio::make_work_guard(executor);
-        auto const identifier = worker->submit(
-            std::move(request), [shared = std::move(shared), guard = std::move(guard), executor,
-                                 slot](Outcome outcome) mutable {
-                asio::post(executor, [shared = std::move(shared), slot, outcome = std::move(outcome)]() mutable {
-                    if (slot.is_connected()) slot.clear();
-                    auto ready = std::move(*shared);
-                    ready(outcome.error, std::move(outcome.response));
-                });
-                guard.reset();
+        auto const identifier = worker->submit(std::move(request), [shared = std::move(shared),
+                                                                    guard = std::move(guard), executor,
+                                                                    slot](Outcome outcome) mutable {
+            asio::post(executor, [shared = std::move(shared), slot, outcome = std::move(outcome)]() mutable {
+                if (slot.is_connected()) slot.clear();
+                auto ready = std::move(*shared);
+                ready(outcome.error, std::move(outcome.response));
             });
+            guard.reset();
+        });
         if (!slot.is_connected()) return;
         slot.assign([weak = std::weak_ptr(worker), identifier](asio::cancellation_type) {
             if (auto const alive = weak.lock()) alive->cancel(identifier);

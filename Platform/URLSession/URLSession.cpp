@@ -23,7 +23,8 @@ char const* text(URLError::Case errorCase) {
     case URLError::Case::cannotConnectToHost: return "Could not connect to the server.";
     case URLError::Case::timedOut: return "The request timed out.";
     case URLError::Case::networkConnectionLost: return "The network connection was lost.";
-    case URLError::Case::secureConnectionFailed: return "A secure connection to the server could not be made.";
+    case URLError::Case::secureConnectionFailed:
+        return "A secure connection to the server could not be made.";
     case URLError::Case::cannotDecodeContent: return "The server's response could not be decoded.";
     case URLError::Case::dataLengthExceedsMaximum: return "The server's response is too large.";
     case URLError::Case::badServerResponse: return "The server's response is not valid.";
@@ -35,8 +36,8 @@ char const* text(URLError::Case errorCase) {
 } // namespace
 
 void URLRequest::setValue(std::string value, std::string_view header) {
-    auto const found = std::ranges::find_if(
-        headers, [&](auto const& entry) { return isSameHeader(entry.first, header); });
+    auto const found =
+        std::ranges::find_if(headers, [&](auto const& entry) { return isSameHeader(entry.first, header); });
     if (found != headers.end()) {
         found->second = std::move(value);
         return;
