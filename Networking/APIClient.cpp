@@ -117,8 +117,9 @@ Foundation::Task<APIResult<std::string>> APIClient::send(std::string path, std::
 
 Foundation::Task<APIResult<void>> APIClient::sendIgnoringContent(std::string path, std::string method,
                                                                  std::optional<JSON::Value> body) const {
+    Query noQuery;
     APIResult<std::string> const data =
-        co_await send(std::move(path), std::move(method), Query{}, std::move(body));
+        co_await send(std::move(path), std::move(method), std::move(noQuery), std::move(body));
     if (!data) co_return std::unexpected(data.error());
     co_return APIResult<void>{};
 }

@@ -107,20 +107,26 @@ Foundation::Task<APIResult<std::vector<Record>>> APIClient::getList(std::string 
 template <JSONDecodable Record, JSONEncodable Body>
 Foundation::Task<APIResult<Record>> APIClient::post(std::string path, Body body) const {
     std::optional<Foundation::JSON::Value> content = body.encode();
-    APIResult<std::string> const data = co_await send(std::move(path), "POST", Query{}, std::move(content));
+    Query noQuery;
+    APIResult<std::string> const data =
+        co_await send(std::move(path), "POST", std::move(noQuery), std::move(content));
     co_return decodeResult<Record>(data);
 }
 
 template <JSONDecodable Record, JSONEncodable Body>
 Foundation::Task<APIResult<Record>> APIClient::put(std::string path, Body body) const {
     std::optional<Foundation::JSON::Value> content = body.encode();
-    APIResult<std::string> const data = co_await send(std::move(path), "PUT", Query{}, std::move(content));
+    Query noQuery;
+    APIResult<std::string> const data =
+        co_await send(std::move(path), "PUT", std::move(noQuery), std::move(content));
     co_return decodeResult<Record>(data);
 }
 
 template <JSONDecodable Record>
 Foundation::Task<APIResult<Record>> APIClient::patch(std::string path) const {
-    APIResult<std::string> const data = co_await send(std::move(path), "PATCH", Query{}, std::nullopt);
+    Query noQuery;
+    APIResult<std::string> const data =
+        co_await send(std::move(path), "PATCH", std::move(noQuery), std::nullopt);
     co_return decodeResult<Record>(data);
 }
 

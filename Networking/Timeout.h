@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Foundation/Task.h"
+#include "Foundation/TaskRace.h"
 #include "Networking/TimeoutError.h"
 
 #include <cstdint>
@@ -11,10 +12,6 @@
 
 namespace Networking {
 namespace Detail {
-
-/// Runs `contender` against a timer of so many nanoseconds, cancels whichever loses and awaits it. Whether
-/// the contender was first. Throws when the task that awaits this was cancelled and the timer felt it first.
-Foundation::Task<bool> outrunsTimer(Foundation::Task<void> contender, std::uint64_t nanoseconds);
 
 /// `seconds` × 10⁹. Not a number, negative, or 2⁶⁴ and above is a fatal error.
 std::uint64_t nanoseconds(double seconds);
@@ -48,7 +45,7 @@ Foundation::Task<T> withTimeout(double seconds, std::function<Foundation::Task<T
     auto const nanoseconds = Detail::nanoseconds(seconds);
     auto captured = std::make_shared<Detail::Captured<T>>();
     auto contender = Detail::capture<T>(std::move(operation), captured);
-    bool const isInTime = co_await Detail::outrunsTimer(std::move(contender), nanoseconds);
+    bool const isInTime = co_await Foundation::outrunsTimer(std::move(contender), nanoseconds);
     if (!isInTime) throw TimeoutError();
     if (captured->error) std::rethrow_exception(captured->error);
     co_return std::move(*captured->value);
