@@ -33,9 +33,8 @@ public:
     StringsFile read() {
         StringsFile file;
         while (true) {
-            auto const start = line;
             if (auto const blanks = skipBlanks(); !blanks) {
-                file.problems.push_back({.line = start, .reason = blanks.error()});
+                file.problems.push_back({.line = line, .reason = blanks.error()});
                 return file;
             }
             if (rest.empty()) return file;

@@ -1,0 +1,172 @@
+#include "Platform/Resources/Bundle.h"
+#include "Platform/Resources/BundleLookup.h"
+#include "Platform/Resources/BundleTextProvider.h"
+#include "Platform/Resources/TableTextProvider.h"
+
+#include "Tests/Platform/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace Platform;
+using Foundation::Environment;
+using std::filesystem::path;
+using Paths = std::vector<path>;
+
+constexpr char marker = 0;
+
+// A bundle with one English text.
+void placeBundle(TemporaryFolder const& folder, path const& bundle, std::string const& text) {
+    folder.place(bundle / "en.lproj" / "Localizable.strings", "\"k\" = \"" + text + "\";");
+}
+
+TEST(BundleTests, theFirstLanguageThatHasTheTextWins) {
+    TemporaryFolder const folder;
+    folder.place("es_MX.lproj/Localizable.strings", "\"only\" = \"mexicano\";");
+    folder.place("es.lproj/Localizable.strings", "\"only\" = \"español\"; \"both\" = \"ambos\";");
+    folder.place("en.lproj/Localizable.strings", "\"both\" = \"both\"; \"english\" = \"English\";");
+    auto const bundle = Bundle::open(folder.path(), {"es_MX", "es"}).value();
+
+    EXPECT_EQ(bundle.text("only"), "mexicano");
+    EXPECT_EQ(bundle.text("both"), "ambos");
+    EXPECT_EQ(bundle.text("english"), "English");
+    EXPECT_EQ(bundle.text("missing"), "missing");
+    EXPECT_TRUE(bundle.problems().empty());
+}
+
+TEST(BundleTests, englishTakesThePlaceThatTheUserGaveIt) {
+    TemporaryFolder const folder;
+    folder.place("es.lproj/Localizable.strings", "\"k\" = \"texto\";");
+    folder.place("en.lproj/Localizable.strings", "\"k\" = \"text\";");
+    EXPECT_EQ(Bundle::open(folder.path(), {"en", "es"}).value().text("k"), "text");
+}
+
+TEST(BundleTests, aFolderMaySpellItsRegionWithAHyphen) {
+    TemporaryFolder const folder;
+    folder.place("pt-BR.lproj/Localizable.strings", "\"k\" = \"texto\";");
+    EXPECT_EQ(Bundle::open(folder.path(), {"pt_BR"}).value().text("k"), "texto");
+}
+
+TEST(BundleTests, anEmptyFolderOpensAndAFileDoesNot) {
+    TemporaryFolder const folder;
+    EXPECT_EQ(Bundle::open(folder.path(), {"es"}).value().text("key"), "key");
+    EXPECT_FALSE(Bundle::open(folder.place("file.bundle", ""), {}).has_value());
+    EXPECT_FALSE(Bundle::open(folder.path() / "missing", {}).has_value());
+}
+
+TEST(BundleTests, problemsNameFileAndLine) {
+    TemporaryFolder const folder;
+    auto const file = folder.place("en.lproj/Localizable.strings", "\"a\" = \"1\";\nbroken;\n");
+    auto const bundle = Bundle::open(folder.path(), {}).value();
+    EXPECT_EQ(bundle.text("a"), "1");
+    EXPECT_EQ(bundle.problems(),
+              (std::vector<std::string>{file.string() + ":2: a key in quotes is missing; entry skipped"}));
+}
+
+TEST(BundleLookupTests, theOverrideComesBeforeThePlacesInTheirOrder) {
+    BundlePlaces const places{.mainResources = "/share", .packageResources = "/lib", .mainFolder = "/bin"};
+    EXPECT_EQ(BundleLookup::candidates(Environment(), places), (Paths{"/share", "/lib", "/bin"}));
+    EXPECT_EQ(BundleLookup::candidates(Environment({{"PACKAGE_RESOURCE_BUNDLE_PATH", "/o"}}), places),
+              (Paths{"/o", "/share", "/lib", "/bin"}));
+    EXPECT_EQ(BundleLookup::candidates(Environment({{"PACKAGE_RESOURCE_BUNDLE_URL", "/u"}}), places),
+              (Paths{"/u", "/share", "/lib", "/bin"}));
+    EXPECT_EQ(BundleLookup::candidates(Environment({{"PACKAGE_RESOURCE_BUNDLE_PATH", "/nowhere"},
+                                                    {"PACKAGE_RESOURCE_BUNDLE_URL", "/u"}}),
+                                       places),
+              (Paths{"/nowhere", "/share", "/lib", "/bin"}));
+}
+
+TEST(BundleLookupTests, unknownPlacesAreSkipped) {
+    EXPECT_EQ(BundleLookup::candidates(
+                  Environment(),
+                  {.mainResources = std::nullopt, .packageResources = "/lib", .mainFolder = std::nullopt}),
+              (Paths{"/lib"}));
+}
+
+TEST(BundleLookupTests, theOverrideIsAPathFromTheCurrentFolder) {
+    BundlePlaces const nowhere{
+        .mainResources = std::nullopt, .packageResources = std::nullopt, .mainFolder = std::nullopt};
+    auto const current = std::filesystem::current_path();
+    auto const candidates = [&](std::string const& text) {
+        return BundleLookup::candidates(Environment({{"PACKAGE_RESOURCE_BUNDLE_PATH", text}}), nowhere);
+    };
+    EXPECT_EQ(candidates(""), (Paths{current}));
+    EXPECT_EQ(candidates("a/b"), (Paths{current / "a/b"}));
+    EXPECT_EQ(candidates("file:///o"), (Paths{current / "file:///o"}));
+}
+
+TEST(BundleLookupTests, theFirstFolderThatHasTheBundleWins) {
+    TemporaryFolder const folder;
+    placeBundle(folder, "override/Meetings_Meetings.bundle", "override");
+    placeBundle(folder, "share/Meetings_Meetings.bundle", "share");
+    placeBundle(folder, "bin/Meetings_Meetings.bundle", "bin");
+    BundlePlaces const places{.mainResources = folder.path() / "share",
+                              .packageResources = std::nullopt,
+                              .mainFolder = folder.path() / "bin"};
+    auto const text = [&](Environment const& environment) {
+        return BundleLookup::packageBundle("Meetings_Meetings", environment, places, {}).text("k");
+    };
+    EXPECT_EQ(text(Environment()), "share");
+    EXPECT_EQ(text(Environment({{"PACKAGE_RESOURCE_BUNDLE_PATH", folder.path() / "override"}})), "override");
+    EXPECT_EQ(text(Environment({{"PACKAGE_RESOURCE_BUNDLE_URL", folder.path() / "override"}})), "override");
+    EXPECT_EQ(text(Environment({{"PACKAGE_RESOURCE_BUNDLE_PATH", "/nowhere"},
+                                {"PACKAGE_RESOURCE_BUNDLE_URL", folder.path() / "override"}})),
+              "share");
+}
+
+TEST(BundleLookupTests, aFileOfTheBundlesNameIsPassedOver) {
+    TemporaryFolder const folder;
+    folder.place("share/Meetings_Meetings.bundle", "a file");
+    placeBundle(folder, "bin/Meetings_Meetings.bundle", "bin");
+    BundlePlaces const places{.mainResources = folder.path() / "share",
+                              .packageResources = std::nullopt,
+                              .mainFolder = folder.path() / "bin"};
+    EXPECT_EQ(BundleLookup::packageBundle("Meetings_Meetings", Environment(), places, {}).text("k"), "bin");
+}
+
+TEST(BundleLookupTests, thePlacesOfAProcessSurroundItsExecutable) {
+    auto const places = BundlePlaces::ofProcess(&marker);
+    auto const executable = std::filesystem::read_symlink("/proc/self/exe");
+    EXPECT_EQ(places.mainFolder, executable.parent_path());
+    EXPECT_EQ(places.mainResources, executable.parent_path().parent_path() / "share" / "quillora");
+    EXPECT_EQ(places.packageResources, executable.parent_path());
+    EXPECT_EQ(BundlePlaces::ofProcess(nullptr).packageResources, std::nullopt);
+}
+
+TEST(BundleLookupDeathTests, withoutABundleTheProcessEnds) {
+    TemporaryFolder const folder;
+    BundlePlaces const places{
+        .mainResources = folder.path(), .packageResources = std::nullopt, .mainFolder = std::nullopt};
+    EXPECT_EXIT(BundleLookup::packageBundle("Meetings_Meetings", Environment(), places, {}),
+                testing::KilledBySignal(SIGABRT), "^unable to find bundle named Meetings_Meetings\n$");
+    EXPECT_EXIT(
+        (void)BundleTextProvider("CalendarProviders_CalendarProviders", Environment(), places, {}).text("k"),
+        testing::KilledBySignal(SIGABRT),
+        "^unable to find bundle named CalendarProviders_CalendarProviders\n$");
+}
+
+TEST(BundleTextProviderTests, theBundleIsLookedUpOnceOnFirstUse) {
+    TemporaryFolder const folder;
+    BundlePlaces const places{
+        .mainResources = folder.path(), .packageResources = std::nullopt, .mainFolder = std::nullopt};
+    BundleTextProvider const provider("P", Environment(), places, {"es"});
+    placeBundle(folder, "P.bundle", "made after the provider");
+    EXPECT_EQ(provider.text("k"), "made after the provider");
+
+    std::filesystem::remove_all(folder.path() / "P.bundle");
+    EXPECT_EQ(provider.text("k"), "made after the provider");
+    EXPECT_EQ(provider.bundle().folder(), folder.path() / "P.bundle");
+}
+
+TEST(TableTextProviderTests, aMissingTextIsItsKey) {
+    TableTextProvider const provider({{"k", "text"}});
+    EXPECT_EQ(provider.text("k"), "text");
+    EXPECT_EQ(provider.text("other"), "other");
+}
+
+} // namespace

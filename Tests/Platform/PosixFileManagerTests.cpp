@@ -1,0 +1,142 @@
+#include "Platform/Files/PosixFileManager.h"
+
+#include "Tests/Platform/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <string>
+
+#include <sys/stat.h>
+
+namespace {
+
+using namespace Platform;
+using Foundation::Environment;
+using std::filesystem::path;
+using std::filesystem::perms;
+
+constexpr std::string_view group = "group.quillora";
+
+perms mode(path const& file) {
+    return std::filesystem::symlink_status(file).permissions();
+}
+
+std::optional<path> container(Environment const& environment) {
+    return PosixFileManager(environment).containerURLForSecurityApplicationGroupIdentifier(group);
+}
+
+TEST(PosixFileManagerPlacesTests, theDataHomeComesFromTheEnvironment) {
+    auto const dataHome = [](std::map<std::string, std::string, std::less<>> variables) {
+        return PosixFileManager(Environment(std::move(variables))).applicationSupportDirectory();
+    };
+    EXPECT_EQ(dataHome({{"XDG_DATA_HOME", "/d"}, {"HOME", "/h"}}), path("/d"));
+    EXPECT_EQ(dataHome({{"HOME", "/h"}}), path("/h/.local/share"));
+    EXPECT_EQ(dataHome({{"XDG_DATA_HOME", "relative"}, {"HOME", "/h"}}), path("/h/.local/share"));
+    EXPECT_EQ(dataHome({{"XDG_DATA_HOME", ""}, {"HOME", "relative"}}), std::nullopt);
+    EXPECT_EQ(dataHome({}), std::nullopt);
+}
+
+TEST(PosixFileManagerPlacesTests, theTemporaryFolderComesFromTheEnvironment) {
+    EXPECT_EQ(PosixFileManager(Environment({{"TMPDIR", "/t"}})).temporaryDirectory(), path("/t"));
+    EXPECT_EQ(PosixFileManager(Environment({{"TMPDIR", "t"}})).temporaryDirectory(), path("/tmp"));
+    EXPECT_EQ(PosixFileManager(Environment()).temporaryDirectory(), path("/tmp"));
+}
+
+TEST(PosixFileManagerPlacesTests, aChosenContainerIsTakenAsItIsAndNotMade) {
+    TemporaryFolder const folder;
+    auto const chosen = folder.path() / "chosen";
+    EXPECT_EQ(container(Environment({{"QUILLORA_GROUP_CONTAINER", chosen}, {"HOME", "/h"}})), chosen);
+    EXPECT_FALSE(std::filesystem::exists(chosen));
+}
+
+TEST(PosixFileManagerPlacesTests, anEmptyOrRelativeChoiceMeansNoContainer) {
+    TemporaryFolder const folder;
+    for (auto const* choice : {"", "relative/folder"}) {
+        SCOPED_TRACE(choice);
+        Environment const environment(
+            {{"QUILLORA_GROUP_CONTAINER", choice}, {"XDG_DATA_HOME", folder.path()}});
+        EXPECT_EQ(container(environment), std::nullopt);
+    }
+    EXPECT_TRUE(folder.names().empty());
+}
+
+TEST(PosixFileManagerPlacesTests, otherwiseTheContainerIsMadeInTheDataHome) {
+    TemporaryFolder const folder;
+    auto const dataHome = folder.path() / "data" / "home";
+    auto const found = container(Environment({{"XDG_DATA_HOME", dataHome}}));
+    EXPECT_EQ(found, dataHome / "group.quillora");
+    EXPECT_TRUE(std::filesystem::is_directory(dataHome / "group.quillora"));
+    EXPECT_EQ(mode(dataHome / "group.quillora"), perms::owner_all);
+    EXPECT_EQ(mode(dataHome), perms::owner_all);
+}
+
+TEST(PosixFileManagerPlacesTests, aContainerThatCannotBeMadeIsAbsent) {
+    TemporaryFolder const folder;
+    auto const file = folder.place("file", "in the way");
+    EXPECT_EQ(container(Environment({{"XDG_DATA_HOME", file}})), std::nullopt);
+    EXPECT_EQ(container(Environment()), std::nullopt);
+}
+
+TEST(PosixFileManagerTests, theProcessesMaskDoesNotChangeTheModeOfANewFile) {
+    TemporaryFolder const folder;
+    PosixFileManager const files{Environment()};
+    for (mode_t const mask : {0U, 0777U}) {
+        SCOPED_TRACE(mask);
+        auto const file = folder.path() / std::to_string(mask);
+        auto const usual = ::umask(mask);
+        auto const failure = files.writeAtomically(file, "x");
+        ::umask(usual);
+        EXPECT_EQ(failure, std::error_code());
+        EXPECT_EQ(mode(file), perms::owner_read | perms::owner_write);
+    }
+}
+
+TEST(PosixFileManagerTests, aLinkIsReplacedAndItsTargetStays) {
+    TemporaryFolder const folder;
+    auto const target = folder.place("target", "precious");
+    auto const link = folder.path() / "link";
+    std::filesystem::create_symlink(target, link);
+
+    EXPECT_EQ(PosixFileManager(Environment()).writeAtomically(link, "x"), std::error_code());
+    EXPECT_EQ(PosixFileManager(Environment()).contents(target), "precious");
+    EXPECT_FALSE(std::filesystem::is_symlink(link));
+    EXPECT_EQ(mode(link), perms::owner_read | perms::owner_write);
+}
+
+TEST(PosixFileManagerTests, aRewrittenFileIsAnotherFileUnderTheSameName) {
+    TemporaryFolder const folder;
+    auto const file = folder.place("f", "old");
+    std::filesystem::create_hard_link(file, folder.path() / "reader");
+
+    EXPECT_EQ(PosixFileManager(Environment()).writeAtomically(file, "new"), std::error_code());
+    EXPECT_EQ(PosixFileManager(Environment()).contents(folder.path() / "reader"), "old");
+    EXPECT_EQ(folder.names(), (std::set<std::string>{"f", "reader"}));
+}
+
+TEST(PosixFileManagerTests, aPipeIsRefusedWithoutWaitingForItsWriter) {
+    TemporaryFolder const folder;
+    auto const pipe = folder.path() / "pipe";
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    EXPECT_EQ(PosixFileManager(Environment()).contents(pipe).error(), std::errc::invalid_argument);
+    EXPECT_EQ(PosixFileManager(Environment()).contents("/dev/zero").error(), std::errc::invalid_argument);
+}
+
+TEST(PosixFileManagerTests, aNameOfTheGreatestLengthCanBeWritten) {
+    TemporaryFolder const folder;
+    auto const file = folder.path() / std::string(255, 'n');
+    EXPECT_EQ(PosixFileManager(Environment()).writeAtomically(file, "x"), std::error_code());
+    EXPECT_EQ(PosixFileManager(Environment()).writeAtomically(folder.path() / std::string(256, 'n'), "x"),
+              std::errc::filename_too_long);
+    EXPECT_EQ(folder.names().size(), 1U);
+}
+
+TEST(PosixFileManagerTests, aDurableWriteSyncsTheFolderToo) {
+    TemporaryFolder const folder;
+    PosixFileManager const files(Environment(), PosixFileManager::Durability::fileAndFolder);
+    EXPECT_EQ(files.writeAtomically(folder.path() / "key", "x"), std::error_code());
+    EXPECT_EQ(files.contents(folder.path() / "key"), "x");
+    EXPECT_EQ(folder.names(), (std::set<std::string>{"key"}));
+}
+
+} // namespace
