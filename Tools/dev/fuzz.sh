@@ -8,17 +8,16 @@ END
 }
 
 dev_fuzz() {
-    local seconds=${1:-60} target corpus
+    local seconds=${1:-60} target name corpus
     [[ $seconds =~ ^[1-9][0-9]*$ ]] || wrong_use "\"$seconds\" is not a number of seconds"
-    ls Fuzzing/*.cpp >/dev/null 2>&1 || fail "there are no fuzz targets yet"
     need build
-    build_preset fuzz
+    build_preset fuzz quillora_fuzzers
     for target in build/fuzz/fuzzers/*; do
-        [ -x "$target" ] || continue
-        corpus=build/fuzz-corpus/$(basename "$target")
+        name=$(basename "$target")
+        corpus=build/fuzz-corpus/$name
         mkdir -p "$corpus"
-        say "Fuzzing $(basename "$target") for $seconds s"
-        "$target" -max_total_time="$seconds" -artifact_prefix="$corpus/" "$corpus" "Fuzzing/Corpus/$(basename "$target")" ||
-            fail "$(basename "$target") found something; the input is in $corpus"
+        say "Fuzzing: $name, $seconds s"
+        "$target" -max_total_time="$seconds" -timeout=5 -artifact_prefix="$corpus/" "$corpus" "Fuzzing/Seeds/$name" ||
+            fail "$name found something; the input is the newest file in $corpus"
     done
 }
