@@ -1,9 +1,12 @@
 #pragma once
 
+#include <functional>
+#include <initializer_list>
 #include <map>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace Foundation {
 
@@ -13,6 +16,9 @@ class Environment {
 public:
     Environment() = default;
     explicit Environment(std::map<std::string, std::string, std::less<>> variables);
+    /// Of names and values written out: `Environment({{"LANG", "es_ES"}})`.
+    explicit Environment(std::initializer_list<std::pair<std::string const, std::string>> variables)
+        : variables(variables) {}
 
     /// The environment of this process as it stands now.
     static Environment ofProcess();

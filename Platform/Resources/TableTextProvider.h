@@ -3,7 +3,10 @@
 #include "Platform/Resources/TextProvider.h"
 
 #include <functional>
+#include <initializer_list>
 #include <map>
+#include <string>
+#include <string_view>
 #include <utility>
 
 namespace Platform {
@@ -14,6 +17,9 @@ public:
     TableTextProvider() = default;
     explicit TableTextProvider(std::map<std::string, std::string, std::less<>> texts)
         : texts(std::move(texts)) {}
+    /// Of keys and texts written out.
+    explicit TableTextProvider(std::initializer_list<std::pair<std::string const, std::string>> texts)
+        : texts(texts) {}
 
     [[nodiscard]] std::string text(std::string_view key) const override {
         auto const entry = texts.find(key);

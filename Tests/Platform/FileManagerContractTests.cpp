@@ -9,7 +9,7 @@
 #include <csignal>
 #include <functional>
 #include <memory>
-#include <optional>
+#include <ostream>
 #include <string>
 
 #include <sys/resource.h>
@@ -89,6 +89,10 @@ private:
 struct Implementation {
     std::string name;
     std::unique_ptr<World> (*make)();
+
+    friend void PrintTo(Implementation const& implementation, std::ostream* stream) {
+        *stream << implementation.name;
+    }
 };
 
 class FileManagerContractTests : public testing::TestWithParam<Implementation> {
