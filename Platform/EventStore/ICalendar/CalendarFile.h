@@ -23,11 +23,12 @@ struct TimeZoneComponent {
 /// What one iCalendar file holds: the events that could be read whole, and why the others could not.
 /// Several VCALENDARs in a file are taken as one.
 struct CalendarFile {
-    std::string path;                         ///< As given to `read`; for messages.
-    std::shared_ptr<std::string const> bytes; ///< What the events' texts and the time zones point into.
-    std::optional<std::string> name;          ///< X-WR-CALNAME, else NAME (RFC 7986).
-    std::optional<std::string> color;         ///< X-APPLE-CALENDAR-COLOR, else COLOR, as written.
-    std::vector<EventComponent> events;       ///< In the order of the file.
+    std::string path; ///< As given to `read`; for messages.
+    std::shared_ptr<std::string const>
+        bytes;                          ///< What all texts point into. As read, but for bare CRs made LFs.
+    std::optional<std::string> name;    ///< X-WR-CALNAME, else NAME (RFC 7986).
+    std::optional<std::string> color;   ///< X-APPLE-CALENDAR-COLOR, else COLOR, as written.
+    std::vector<EventComponent> events; ///< In the order of the file.
     std::vector<TimeZoneComponent> timeZones;
     std::vector<std::string> zoneNames; ///< The TZIDs that times name, each once.
     std::vector<Problem> problems;      ///< In the order of the file; at most `maximumProblems`.

@@ -37,7 +37,7 @@ struct Expansion {
 struct ExpansionLimits {
     std::int64_t occurrencesPerSeries = 50'000;
     std::int64_t occurrences = 1'000'000;
-    std::int64_t stepsPerRule = 1'000'000;
+    std::int64_t stepsPerSeries = 250'000;
 };
 
 } // namespace Platform::ICalendar

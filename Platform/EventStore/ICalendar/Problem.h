@@ -13,6 +13,7 @@ struct Problem {
         adjusted ///< It is shown, with what the reason says.
     };
 
+    std::string path;               ///< Of the file, as it was given to `read`.
     std::int64_t line;              ///< Of the line at fault, from 1.
     std::optional<std::string> uid; ///< Of the event, as far as it is known.
     Effect effect;

@@ -14,8 +14,6 @@
 
 namespace Platform::ICalendar {
 
-class Series;
-
 /// When a series can happen at all, for an index.
 struct SeriesExtent {
     Foundation::Date first;               ///< No occurrence starts before.
@@ -64,10 +62,8 @@ public:
     [[nodiscard]] std::vector<Problem> const& problems() const;
 
 private:
-    std::vector<std::shared_ptr<CalendarFile const>> files;
-    std::shared_ptr<ZoneCatalog> zones;
-    std::vector<std::unique_ptr<Series>> series;
-    std::vector<Problem> foundProblems;
+    struct Contents;
+    std::unique_ptr<Contents const> contents;
 };
 
 } // namespace Platform::ICalendar

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "Foundation/TimeZone.h"
 #include "Platform/EventStore/ICalendar/CalendarFile.h"
 
 #include <map>
@@ -25,12 +24,10 @@ public:
     std::optional<EventZone> zone(std::string_view identifier, CalendarFile const& file);
 
 private:
-    std::optional<Foundation::TimeZone> systemZone(std::string_view identifier);
     std::shared_ptr<CustomTimeZone const> customZone(std::string_view identifier, CalendarFile const& file);
 
     std::mutex mutex;
-    std::map<std::string, std::optional<Foundation::TimeZone>, std::less<>> systemZones;
-    std::map<std::string, std::shared_ptr<CustomTimeZone const>, std::less<>> customZones;
+    std::map<std::string, std::shared_ptr<CustomTimeZone const>, std::less<>> customZones; ///< By content.
 };
 
 } // namespace Platform::ICalendar

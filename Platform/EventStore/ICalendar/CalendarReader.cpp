@@ -1,0 +1,155 @@
+#include "Platform/EventStore/ICalendar/CalendarFile.h"
+
+#include "Platform/EventStore/ICalendar/ContentLine.h"
+#include "Platform/EventStore/ICalendar/EventBuilder.h"
+
+#include <cstring>
+#include <utility>
+
+namespace Platform::ICalendar {
+namespace {
+
+// Old programs end lines by a bare CR, some in part of a file only. Makes those LFs, which moves no byte.
+void repairLineBreaks(std::string& bytes) {
+    char* const end = bytes.data() + bytes.size();
+    for (char* place = bytes.data(); place < end; ++place) {
+        place = static_cast<char*>(std::memchr(place, '\r', static_cast<std::size_t>(end - place)));
+        if (place == nullptr) return;
+        bool const isBare = place + 1 == end || (place[1] != '\n' && place[1] != '\r');
+        if (isBare) *place = '\n';
+    }
+}
+
+class CalendarReader {
+public:
+    explicit CalendarReader(CalendarFile& file) : file(file), events(file), lines(*file.bytes) {}
+
+    void readAll() {
+        while (lines.next())
+            readLine(lines.line());
+        if (events.isOpen()) events.abandon();
+        if (!hasOwnName) file.name = std::move(plainName);
+        if (!hasOwnColor) file.color = std::move(plainColor);
+    }
+
+private:
+    enum class Place : std::uint8_t { outside, calendar, event, timeZone, ignored };
+
+    void readLine(std::string_view line) {
+        char const first = static_cast<char>(line.front() | 0x20);
+        if (first == 'b' && isDelimiter(line, "BEGIN:")) {
+            begin(trimmed(line.substr(6)));
+        } else if (first == 'e' && isDelimiter(line, "END:")) {
+            end(trimmed(line.substr(4)));
+        } else if (depth > 0) {
+            return;
+        } else if (place == Place::event) {
+            events.property(line, lines.lineNumber(), lines.isFolded());
+        } else if (place == Place::calendar && (first == 'x' || first == 'n' || first == 'c')) {
+            readCalendarProperty(line);
+        } else if (place == Place::timeZone && first == 't') {
+            readZoneIdentifier(line);
+        }
+    }
+
+    static bool isDelimiter(std::string_view line, std::string_view delimiter) {
+        return line.size() > delimiter.size() &&
+               equalsIgnoringCase(line.substr(0, delimiter.size()), delimiter);
+    }
+
+    void begin(std::string_view name) {
+        bool const isEvent = equalsIgnoringCase(name, "VEVENT");
+        bool const isCalendar = equalsIgnoringCase(name, "VCALENDAR");
+        if (isEvent || isCalendar) {
+            // Neither stands inside an event: one that is still open lacks its END.
+            if (events.isOpen()) events.finishWithoutEnd(lines.offset());
+            depth = 0;
+            place = isEvent ? Place::event : Place::calendar;
+            if (isEvent) events.start(lines.lineNumber(), lines.offset());
+        } else if (place == Place::outside || place == Place::calendar) {
+            bool const isZone = equalsIgnoringCase(name, "VTIMEZONE");
+            place = isZone ? Place::timeZone : Place::ignored;
+            zoneStart = lines.offset();
+            zoneLine = lines.lineNumber();
+            zoneIdentifier.clear();
+        } else {
+            ++depth;
+        }
+    }
+
+    void end(std::string_view name) {
+        bool const isCalendar = equalsIgnoringCase(name, "VCALENDAR");
+        if (isCalendar) {
+            if (events.isOpen()) events.finishWithoutEnd(lines.offset());
+            depth = 0;
+            place = Place::outside;
+        } else if (place == Place::event && equalsIgnoringCase(name, "VEVENT")) {
+            // Ends the event even where a component inside it has lost its own END.
+            events.finish(lines.endOffset());
+            depth = 0;
+            place = Place::calendar;
+        } else if (place == Place::timeZone && equalsIgnoringCase(name, "VTIMEZONE")) {
+            finishZone();
+            depth = 0;
+            place = Place::calendar;
+        } else if (depth > 0) {
+            --depth;
+        } else if (place == Place::ignored) {
+            place = Place::calendar;
+        }
+    }
+
+    void readCalendarProperty(std::string_view line) {
+        ContentLine content;
+        if (!splitContentLine(line, content)) return;
+        auto const value = [&content] { return PropertyValue(content.value).text(); };
+        if (equalsIgnoringCase(content.name, "X-WR-CALNAME")) {
+            if (!std::exchange(hasOwnName, true)) file.name = value();
+        } else if (equalsIgnoringCase(content.name, "NAME")) {
+            if (!plainName) plainName = value();
+        } else if (equalsIgnoringCase(content.name, "X-APPLE-CALENDAR-COLOR")) {
+            if (!std::exchange(hasOwnColor, true)) file.color = trimmed(value());
+        } else if (equalsIgnoringCase(content.name, "COLOR")) {
+            if (!plainColor) plainColor = trimmed(value());
+        }
+    }
+
+    void readZoneIdentifier(std::string_view line) {
+        ContentLine content;
+        bool const isIdentifier = splitContentLine(line, content) && equalsIgnoringCase(content.name, "TZID");
+        if (isIdentifier) zoneIdentifier = trimmed(PropertyValue(content.value).text());
+    }
+
+    void finishZone() {
+        if (zoneIdentifier.empty()) return;
+        auto const bytes = std::string_view(*file.bytes).substr(zoneStart, lines.endOffset() - zoneStart);
+        file.timeZones.push_back({.identifier = zoneIdentifier, .bytes = bytes, .line = zoneLine});
+    }
+
+    CalendarFile& file;
+    EventBuilder events;
+    ContentLineScanner lines;
+    Place place = Place::outside;
+    std::size_t depth = 0; // Of components inside the one that `place` names.
+    std::size_t zoneStart = 0;
+    std::int64_t zoneLine = 0;
+    std::string zoneIdentifier;
+    bool hasOwnName = false;
+    bool hasOwnColor = false;
+    std::optional<std::string> plainName;
+    std::optional<std::string> plainColor;
+};
+
+} // namespace
+
+std::shared_ptr<CalendarFile const> read(std::string bytes, std::string path) {
+    repairLineBreaks(bytes);
+    auto file = std::make_shared<CalendarFile>();
+    file->path = std::move(path);
+    file->bytes = std::make_shared<std::string const>(std::move(bytes));
+    CalendarReader(*file).readAll();
+    file->events.shrink_to_fit();
+    return file;
+}
+
+} // namespace Platform::ICalendar

@@ -1,0 +1,86 @@
+#include "Platform/EventStore/ICalendar/ZoneCatalog.h"
+
+#include "Foundation/TimeZone.h"
+#include "Platform/EventStore/ICalendar/EventZone.h"
+#include "Platform/EventStore/ICalendar/WindowsZones.h"
+
+#include <algorithm>
+#include <array>
+
+namespace Platform::ICalendar {
+namespace {
+
+// The names of the zone database that hold a digit or sign without a folder before them.
+constexpr auto singleNamesWithDigits =
+    std::to_array<std::string_view>({"EST5EDT", "CST6CDT", "MST7MDT", "PST8PDT", "GMT0", "GMT+0", "GMT-0"});
+
+bool isZoneLetter(char byte) {
+    char const lower = static_cast<char>(byte | 0x20);
+    return (lower >= 'a' && lower <= 'z') || byte == '_' || byte == '/';
+}
+
+bool isZoneDigit(char byte) {
+    return (byte >= '0' && byte <= '9') || byte == '+' || byte == '-';
+}
+
+// Whether the name could be one of the zone database. It must not be taken for a POSIX rule text, which a
+// file's own name ("Zone1") may well look like.
+bool mayBeSystemName(std::string_view name) {
+    constexpr std::size_t longest = 64;
+    if (name.empty() || name.size() > longest || name.front() == '/') return false;
+    auto const isPart = [](char byte) { return isZoneLetter(byte) || isZoneDigit(byte); };
+    if (!std::ranges::all_of(name, isPart)) return false;
+    bool const hasFolder = name.find('/') != std::string_view::npos;
+    return hasFolder || std::ranges::none_of(name, isZoneDigit) ||
+           std::ranges::find(singleNamesWithDigits, name) != singleNamesWithDigits.end();
+}
+
+std::optional<Foundation::TimeZone> systemZone(std::string_view name) {
+    if (!mayBeSystemName(name)) return std::nullopt;
+    return Foundation::TimeZone::named(name);
+}
+
+// "/example.org/2005/Europe/Berlin": the longest ending that the system knows. Without the leading slash an
+// ending of one word could be anything.
+std::optional<Foundation::TimeZone> zoneOfSuffix(std::string_view name) {
+    bool const isMarked = name.starts_with('/');
+    constexpr int deepest = 8;
+    for (int depth = 0; depth < deepest; ++depth) {
+        auto const slash = name.find('/');
+        if (slash == std::string_view::npos) return std::nullopt;
+        name.remove_prefix(slash + 1);
+        bool const isCandidate = isMarked || name.find('/') != std::string_view::npos;
+        if (!isCandidate) return std::nullopt;
+        if (auto zone = systemZone(name)) return zone;
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+std::optional<EventZone> ZoneCatalog::zone(std::string_view identifier, CalendarFile const& file) {
+    if (identifier == "UTC" || identifier == "Etc/UTC" || identifier == "GMT") return EventZone::utc();
+    if (auto zone = systemZone(identifier)) return EventZone(*zone);
+    if (auto const name = ianaNameOfWindowsZone(identifier)) {
+        if (auto zone = Foundation::TimeZone::named(*name)) return EventZone(*zone);
+    }
+    if (auto zone = zoneOfSuffix(identifier)) return EventZone(*zone);
+    if (auto zone = customZone(identifier, file)) return EventZone(std::move(zone));
+    return std::nullopt;
+}
+
+std::shared_ptr<CustomTimeZone const> ZoneCatalog::customZone(std::string_view identifier,
+                                                              CalendarFile const& file) {
+    auto const component = std::ranges::find(file.timeZones, identifier, &TimeZoneComponent::identifier);
+    if (component == file.timeZones.end()) return nullptr;
+    std::lock_guard const lock(mutex);
+    auto const known = customZones.find(component->bytes);
+    if (known != customZones.end()) return known->second;
+    auto zone = CustomTimeZone::fromComponent(component->bytes);
+    // Foreign data must not make the catalog grow without end.
+    constexpr std::size_t mostKept = 256;
+    if (customZones.size() < mostKept) customZones.emplace(component->bytes, zone);
+    return zone;
+}
+
+} // namespace Platform::ICalendar
