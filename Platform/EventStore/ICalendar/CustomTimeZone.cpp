@@ -97,7 +97,8 @@ std::shared_ptr<CustomTimeZone const> CustomTimeZone::fromComponent(std::string_
         }
     }
     if (changes.empty()) return nullptr;
-    std::ranges::stable_sort(changes, {}, &Change::start);
+    std::ranges::sort(changes, {},
+                      [](Change const& change) { return std::pair(change.start, change.offset); });
     return std::shared_ptr<CustomTimeZone const>(new CustomTimeZone(std::move(changes)));
 }
 

@@ -4,6 +4,7 @@
 #include "Platform/EventStore/ICalendar/RuleExpander.h"
 
 #include <algorithm>
+#include <map>
 #include <tuple>
 #include <utility>
 
@@ -53,20 +54,14 @@ void Series::add(ClockedEvent event) {
 
 void Series::settle() {
     if (chosenOverrides.size() > 1) {
-        auto const isEarlier = [](ClockedEvent const& left, ClockedEvent const& right) {
-            return replacedBy(left) < replacedBy(right);
-        };
-        std::ranges::stable_sort(chosenOverrides, isEarlier);
-        std::vector<ClockedEvent> kept;
+        std::map<std::tuple<bool, bool, std::int64_t>, ClockedEvent> newest;
         for (auto const& event : chosenOverrides) {
-            bool const isVersion = !kept.empty() && replacedBy(kept.back()) == replacedBy(event);
-            if (!isVersion) {
-                kept.push_back(event);
-            } else if (isAtLeastAsNew(*event.component, *kept.back().component)) {
-                kept.back() = event;
-            }
+            auto const [entry, isFirst] = newest.try_emplace(replacedBy(event), event);
+            if (!isFirst && isAtLeastAsNew(*event.component, *entry->second.component)) entry->second = event;
         }
-        chosenOverrides = std::move(kept);
+        chosenOverrides.clear();
+        for (auto const& [id, event] : newest)
+            chosenOverrides.push_back(event);
     }
     if (chosenMaster && !chosenMaster->component->rules.empty()) {
         countEnds = std::make_unique<CountEnd[]>(chosenMaster->component->rules.size());

@@ -109,7 +109,7 @@ std::vector<SeriesExpansion::Shift> SeriesExpansion::shifts() const {
         found.push_back(
             {.event = event, .instant = instant, .distance = distance, .length = event.length(viewer)});
     }
-    std::ranges::stable_sort(found, {}, &Shift::instant);
+    std::ranges::sort(found, {}, &Shift::instant);
     return found;
 }
 
@@ -155,12 +155,13 @@ std::vector<SeriesExpansion::Instance> SeriesExpansion::instances(CalendarDurati
 
     // A set: what a rule and a date both name happens once, with the length that the date gives.
     auto const order = [isAllDay](Instance const& instance) {
-        return std::tuple(isAllDay ? instance.local : instance.instant, instance.period == nullptr);
+        return std::tuple(isAllDay ? instance.local : instance.instant, instance.period == nullptr,
+                          instance.local);
     };
     auto const identity = [isAllDay](Instance const& instance) {
         return isAllDay ? instance.local : instance.instant;
     };
-    std::ranges::stable_sort(found, {}, order);
+    std::ranges::sort(found, {}, order);
     auto const doubles = std::ranges::unique(found, {}, identity);
     found.erase(doubles.begin(), doubles.end());
     removeExceptions(found, from, to);

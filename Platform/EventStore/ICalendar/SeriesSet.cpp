@@ -26,9 +26,19 @@ std::optional<ExpansionWindow> windowOf(Foundation::Date from, Foundation::Date 
                            .lastSecond = static_cast<std::int64_t>(std::ceil(clamped(to.secondsSince1970)))};
 }
 
+// Equal starts stay in the order in which they were found.
 void sortByStart(std::vector<Occurrence>& occurrences) {
-    std::ranges::stable_sort(occurrences, {},
-                             [](Occurrence const& occurrence) { return occurrence.start.secondsSince1970; });
+    std::vector<std::pair<double, std::size_t>> order;
+    order.reserve(occurrences.size());
+    for (auto const& occurrence : occurrences)
+        order.emplace_back(occurrence.start.secondsSince1970, order.size());
+    if (std::ranges::is_sorted(order)) return;
+    std::ranges::sort(order);
+    std::vector<Occurrence> sorted;
+    sorted.reserve(occurrences.size());
+    for (auto const& [start, index] : order)
+        sorted.push_back(std::move(occurrences[index]));
+    occurrences = std::move(sorted);
 }
 
 // The zones of a file that nothing explains, each at the first event that names it.
