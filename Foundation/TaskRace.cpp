@@ -1,6 +1,5 @@
 #include "Foundation/TaskRace.h"
 
-#include <algorithm>
 #include <boost/asio/cancellation_signal.hpp>
 #include <boost/asio/co_spawn.hpp>
 #include <boost/asio/deferred.hpp>
@@ -9,6 +8,8 @@
 #include <boost/asio/strand.hpp>
 #include <boost/asio/this_coro.hpp>
 #include <boost/asio/use_awaitable.hpp>
+
+#include <algorithm>
 #include <chrono>
 
 namespace Foundation {
