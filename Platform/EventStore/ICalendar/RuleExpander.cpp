@@ -468,8 +468,8 @@ bool RuleExpander::forEachTimeWithinDay(std::int64_t day, std::int64_t from, std
     return true;
 }
 
-// Calls `take` with the rule's times within [from, to], ascending; stops when it says no. False when it did
-// or the steps ran out.
+// Calls `take` with the rule's times within [from, to], ascending; stops when it says no, at the end, or when
+// the steps run out and fall below zero. True when it came to the last day without a stop.
 template <typename Take>
 bool RuleExpander::forEachTime(std::int64_t from, std::int64_t to, std::int64_t& steps, Take take) const {
     from = std::max(from, start);
@@ -492,11 +492,13 @@ bool RuleExpander::forEachTime(std::int64_t from, std::int64_t to, std::int64_t&
 
 bool RuleExpander::expand(std::int64_t from, std::int64_t to, std::size_t limit, std::int64_t& steps,
                           std::vector<std::int64_t>& times) const {
-    return forEachTime(from, to, steps, [&times, limit](std::int64_t time) {
-        if (times.size() >= limit) return false;
-        times.push_back(time);
-        return true;
+    bool isFull = false;
+    forEachTime(from, to, steps, [&](std::int64_t time) {
+        isFull = times.size() >= limit;
+        if (!isFull) times.push_back(time);
+        return !isFull;
     });
+    return !isFull && steps >= 0;
 }
 
 bool RuleExpander::yields(std::int64_t time) const {
@@ -580,9 +582,9 @@ RuleExpander::CountEnd RuleExpander::endOfCount(std::int64_t count, std::int64_t
             });
         if (isWithinYears) return {.last = lastSecond, .isCut = false};
     }
-    bool const isWithinYears = steps >= 0 && forEachTime(from, lastSecond, steps, take);
+    if (steps >= 0) forEachTime(from, lastSecond, steps, take);
     if (rest <= 0) return {.last = last, .isCut = false};
-    if (isWithinYears) return {.last = lastSecond, .isCut = false};
+    if (steps >= 0) return {.last = lastSecond, .isCut = false};
     return {.last = std::max(last, from - 1), .isCut = true};
 }
 
