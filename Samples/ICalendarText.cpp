@@ -1,5 +1,6 @@
 #include "Samples/ICalendarText.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <fmt/format.h>
 
@@ -85,12 +86,16 @@ void ICalendarText::timeZone(Foundation::TimeZone const& zone, std::chrono::loca
     constexpr std::int64_t secondsPerDay = 86'400;
     auto const first = secondsOf(day) - 366 * secondsPerDay;
     auto const last = secondsOf(day) + 366 * secondsPerDay;
-    begin("VTIMEZONE");
-    line(fmt::format("TZID:{}", zone.identifier()));
-    auto offset = zone.secondsFromUTC(first);
-    observance(false, "19700101T000000", offset, offset);
     // No zone changes its clock twice in so few days.
     constexpr auto step = 5 * secondsPerDay;
+    auto offset = zone.secondsFromUTC(first);
+    auto standard = offset;
+    for (auto moment = first; moment < last; moment += step) {
+        standard = std::min(standard, zone.secondsFromUTC(moment));
+    }
+    begin("VTIMEZONE");
+    line(fmt::format("TZID:{}", zone.identifier()));
+    observance(offset > standard, "19700101T000000", offset, offset);
     for (auto before = first; before < last; before += step) {
         auto const next = zone.secondsFromUTC(before + step);
         if (next == offset) continue;
@@ -102,7 +107,7 @@ void ICalendarText::timeZone(Foundation::TimeZone const& zone, std::chrono::loca
             (zone.secondsFromUTC(middle) == offset ? low : high) = middle;
         }
         auto const onset = std::chrono::local_seconds(std::chrono::seconds(high + offset));
-        observance(next > offset, timeText(std::chrono::floor<std::chrono::minutes>(onset)), offset, next);
+        observance(next > standard, timeText(std::chrono::floor<std::chrono::minutes>(onset)), offset, next);
         offset = next;
     }
     end("VTIMEZONE");

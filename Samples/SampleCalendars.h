@@ -28,8 +28,7 @@ struct SampleFile {
 /// hands every file to `take`, one at a time: the size of the request costs no memory.
 ///
 /// The day itself has two all-day events and eleven timed ones that do not overlap; the two weeks around it
-/// are filled, too. The names of the files depend on the request's size and seed but not on the day, so
-/// that writing again on another day replaces them.
+/// are filled, too.
 void makeSampleCalendars(SampleRequest const& request, std::function<void(SampleFile const&)> const& take);
 
 } // namespace Samples

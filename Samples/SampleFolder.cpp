@@ -37,6 +37,11 @@ std::error_code writeFile(std::filesystem::path const& path, std::string_view co
 
 std::optional<std::string> writeSampleCalendars(SampleRequest const& request,
                                                 std::filesystem::path const& folder) {
+    std::error_code ignored;
+    std::filesystem::directory_iterator const present(folder, ignored);
+    if (present != std::filesystem::directory_iterator()) {
+        return fmt::format("The folder {} is not empty; nothing was written", folder.string());
+    }
     std::optional<std::string> problem;
     std::filesystem::path lastFolder;
     makeSampleCalendars(request, [&](SampleFile const& file) {

@@ -8,8 +8,9 @@
 
 namespace Samples {
 
-/// Writes the calendars into `folder`, which is made when it is missing; files of the same names are
-/// replaced, others stay. Yields why it failed, with the path at fault; absent when all was written.
+/// Writes the calendars into `folder`, which is made when it is missing. One that holds anything is refused:
+/// samples of two days, or a person's own calendars, would mix. Yields why it failed, with the path at fault;
+/// absent when all was written.
 std::optional<std::string> writeSampleCalendars(SampleRequest const& request,
                                                 std::filesystem::path const& folder);
 
