@@ -1,0 +1,165 @@
+#include "Applications/Companion/CalendarAccounts.h"
+#include "Applications/Companion/Commands.h"
+#include "Applications/Companion/PlainJSON.h"
+#include "Applications/Companion/Support.h"
+#include "Applications/Companion/Texts.h"
+#include "Meetings/HiddenCalendarsStore.h"
+#include "Platform/WidgetHost/WidgetCenter.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace Companion {
+
+namespace JSON = Foundation::JSON;
+
+namespace {
+
+using Accounts = std::vector<Meetings::EventKitAccountCalendarsEntity>;
+
+JSON::Value accountsValue(Accounts const& accounts, std::set<std::string> const& hidden) {
+    JSON::Array list;
+    for (auto const& account : accounts) {
+        JSON::Array calendars;
+        for (auto const& calendar : account.eacCalendars) {
+            calendars.emplace_back(JSON::Object{{"eciId", calendar.eciId},
+                                                {"eciTitle", calendar.eciTitle},
+                                                {"eciColorHex", calendar.eciColorHex},
+                                                {"isHidden", hidden.contains(calendar.eciId)}});
+        }
+        list.emplace_back(JSON::Object{{"eacId", account.eacId},
+                                       {"eacAccountTitle", account.eacAccountTitle},
+                                       {"eacAccountType", account.eacAccountType},
+                                       {"eacCalendars", std::move(calendars)}});
+    }
+    return JSON::Object{{"version", 1}, {"accounts", std::move(list)}};
+}
+
+std::string accountsText(Accounts const& accounts, std::set<std::string> const& hidden) {
+    std::string page;
+    for (auto const& account : accounts) {
+        page += alignedColumns({{account.eacAccountTitle, "(" + account.eacAccountType + ")"}});
+        std::vector<std::vector<std::string>> rows;
+        for (auto const& calendar : account.eacCalendars) {
+            rows.push_back({calendar.eciId, calendar.eciTitle, calendar.eciColorHex,
+                            hidden.contains(calendar.eciId) ? Texts::hiddenMark() : ""});
+        }
+        page += alignedColumns(rows, "  ");
+    }
+    return page;
+}
+
+ExitCode list(Invocation const& invocation) {
+    auto const services = liveServices(invocation);
+    auto const accounts = availableAccounts(*services);
+    auto const hidden = Meetings::HiddenCalendarsStore::load(*services->files());
+    if (invocation.values.has("--json")) {
+        invocation.console.writeLine(plainJSON(accountsValue(accounts, hidden)));
+        return ExitCode::done;
+    }
+    auto const page = accountsText(accounts, hidden);
+    if (page.empty()) {
+        invocation.console.writeLine(Texts::noCalendars());
+    } else {
+        invocation.console.write(page);
+    }
+    return ExitCode::done;
+}
+
+void saveHidden(Composition::LiveServices& services, std::set<std::string> const& hidden) {
+    Meetings::HiddenCalendarsStore::save(*services.files(), *services.notifications(), hidden);
+    // The store never fails aloud, so a person's own command looks whether the choice was kept.
+    if (Meetings::HiddenCalendarsStore::load(*services.files()) != hidden)
+        throw CommandError::failed(Texts::hiddenCalendarsNotSaved());
+    services.widgetCenter()->reloadAllTimelines();
+}
+
+ExitCode hide(Invocation const& invocation) {
+    auto const services = liveServices(invocation);
+    auto const accounts = availableAccounts(*services);
+    auto hidden = Meetings::HiddenCalendarsStore::load(*services->files());
+    std::string said;
+    for (auto const& identifier : invocation.values.arguments()) {
+        auto const title = calendarTitle(accounts, identifier);
+        if (!title) throw CommandError::wrongUse(Texts::unknownCalendar(identifier));
+        said += Texts::calendarHidden(*title) + "\n";
+        hidden.insert(identifier);
+    }
+    saveHidden(*services, hidden);
+    invocation.console.write(said);
+    return ExitCode::done;
+}
+
+ExitCode show(Invocation const& invocation) {
+    auto const services = liveServices(invocation);
+    auto const accounts = availableAccounts(*services);
+    auto hidden = Meetings::HiddenCalendarsStore::load(*services->files());
+    std::string said;
+    for (auto const& identifier : invocation.values.arguments()) {
+        // A calendar that is gone may still be on the list; it can be taken off like any other.
+        auto const title = calendarTitle(accounts, identifier);
+        if (!title && !hidden.contains(identifier))
+            throw CommandError::wrongUse(Texts::unknownCalendar(identifier));
+        said += Texts::calendarShown(title.value_or(identifier)) + "\n";
+    }
+    for (auto const& identifier : invocation.values.arguments())
+        hidden.erase(identifier);
+    saveHidden(*services, hidden);
+    invocation.console.write(said);
+    return ExitCode::done;
+}
+
+} // namespace
+
+Command calendarsGroup() {
+    return {
+        .path = "calendars",
+        .summary = "choose which calendars are shown",
+        .description = "Every calendar of your sources is shown until you hide it. Hiding changes nothing in "
+                       "the calendar itself.",
+    };
+}
+
+Command calendarsListCommand() {
+    return {
+        .path = "calendars list",
+        .summary = "list your calendars with their identifiers",
+        .description = "Lists every account with its calendars: identifier, title, colour, and whether it is "
+                       "hidden.",
+        .options = {{.name = "--json", .help = "print one JSON document for programs"}},
+        .examples = {{"quillora calendars list", "shows the identifiers that hide and show take"}},
+        .run = list,
+    };
+}
+
+Command calendarsHideCommand() {
+    return {
+        .path = "calendars hide",
+        .summary = "hide calendars from the widget",
+        .description = "Leaves the events of these calendars out of the widget and of \"quillora day\". With "
+                       "an identifier that no calendar has, nothing is changed.",
+        .arguments = {{.name = "ID",
+                       .help = "the identifier that \"quillora calendars list\" shows",
+                       .kind = ValueKind::calendar,
+                       .count = CommandArgument::Count::oneOrMore}},
+        .examples = {{"quillora calendars hide k3fa/holidays", "the holidays are no longer shown"}},
+        .run = hide,
+    };
+}
+
+Command calendarsShowCommand() {
+    return {
+        .path = "calendars show",
+        .summary = "show hidden calendars again",
+        .description = "Shows the events of these calendars again. With an identifier that is neither a "
+                       "calendar's nor hidden, nothing is changed.",
+        .arguments = {{.name = "ID",
+                       .help = "the identifier that \"quillora calendars list\" shows",
+                       .kind = ValueKind::calendar,
+                       .count = CommandArgument::Count::oneOrMore}},
+        .examples = {{"quillora calendars show k3fa/holidays", "the holidays are shown again"}},
+        .run = show,
+    };
+}
+
+} // namespace Companion

@@ -1,0 +1,36 @@
+#include "Applications/Companion/CommandTable.h"
+
+#include "Applications/Companion/Commands.h"
+
+#include <algorithm>
+
+namespace Companion {
+
+std::span<Command const> commandTable() {
+    static std::vector<Command> const table = {
+        setupCommand(),         dayCommand(),         nextCommand(),          previousCommand(),
+        todayCommand(),         calendarsGroup(),     calendarsListCommand(), calendarsHideCommand(),
+        calendarsShowCommand(), sourcesGroup(),       sourcesListCommand(),   sourcesAddCommand(),
+        sourcesRemoveCommand(), accessGroup(),        accessStatusCommand(),  accessGrantCommand(),
+        accessDenyCommand(),    accessResetCommand(), occurrencesCommand(),
+    };
+    return table;
+}
+
+Command const* findCommand(std::string_view path) {
+    auto const table = commandTable();
+    auto const found = std::ranges::find(table, path, &Command::path);
+    return found == table.end() ? nullptr : &*found;
+}
+
+std::vector<Command const*> commandsBelow(std::string_view path) {
+    std::vector<Command const*> members;
+    for (auto const& command : commandTable()) {
+        auto const blank = command.path.rfind(' ');
+        auto const parent = blank == std::string::npos ? "" : command.path.substr(0, blank);
+        if (parent == path) members.push_back(&command);
+    }
+    return members;
+}
+
+} // namespace Companion

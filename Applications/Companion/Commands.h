@@ -1,0 +1,33 @@
+#pragma once
+
+#include "Applications/Companion/CommandTable.h"
+
+/// The commands that the table lists, each defined in a file of its own topic.
+namespace Companion {
+
+Command setupCommand();
+
+Command accessGroup();
+Command accessStatusCommand();
+Command accessGrantCommand();
+Command accessDenyCommand();
+Command accessResetCommand();
+
+Command dayCommand();
+Command nextCommand();
+Command previousCommand();
+Command todayCommand();
+
+Command calendarsGroup();
+Command calendarsListCommand();
+Command calendarsHideCommand();
+Command calendarsShowCommand();
+
+Command sourcesGroup();
+Command sourcesListCommand();
+Command sourcesAddCommand();
+Command sourcesRemoveCommand();
+
+Command occurrencesCommand();
+
+} // namespace Companion

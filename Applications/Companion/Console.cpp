@@ -1,0 +1,82 @@
+#include "Applications/Companion/Console.h"
+
+#include "Applications/Companion/CommandError.h"
+#include "Applications/Companion/Texts.h"
+#include "Foundation/Text.h"
+
+#include <cerrno>
+#include <cstring>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+namespace Companion {
+
+namespace {
+
+// Answers 0, or the errno of the write that failed.
+int writeAll(int descriptor, std::string_view bytes) {
+    while (!bytes.empty()) {
+        ssize_t const written = ::write(descriptor, bytes.data(), bytes.size());
+        if (written < 0 && errno == EINTR) continue;
+        if (written < 0) return errno;
+        bytes.remove_prefix(static_cast<std::size_t>(written));
+    }
+    return 0;
+}
+
+// Reads up to the line feed. Absent when the input ends before anything came.
+std::optional<std::string> readLine() {
+    std::string line;
+    char character = 0;
+    for (;;) {
+        ssize_t const count = ::read(STDIN_FILENO, &character, 1);
+        if (count < 0 && errno == EINTR) continue;
+        if (count <= 0) return line.empty() ? std::nullopt : std::optional(line);
+        if (character == '\n') return line;
+        line.push_back(character);
+    }
+}
+
+bool hasValue(Foundation::Environment const& environment, std::string_view name) {
+    return !environment.value(name).value_or("").empty();
+}
+
+} // namespace
+
+Console::Console(Foundation::Environment const& environment)
+    : colors(::isatty(STDOUT_FILENO) == 1 && !hasValue(environment, "NO_COLOR") &&
+             environment.value("TERM").value_or("dumb") != "dumb") {}
+
+void Console::write(std::string_view bytes) const {
+    int const error = writeAll(STDOUT_FILENO, bytes);
+    if (error != 0) throw CommandError::failed(Texts::cannotWriteOutput(std::strerror(error)));
+}
+
+void Console::writeLine(std::string_view text) const {
+    write(std::string(text) + "\n");
+}
+
+void Console::report(std::string_view message) const {
+    std::string const line = "quillora: " + Foundation::Text::neutralized(message) + "\n";
+    writeAll(STDERR_FILENO, line);
+}
+
+std::optional<bool> Console::ask(std::string_view question) const {
+    if (::isatty(STDIN_FILENO) != 1 || ::isatty(STDERR_FILENO) != 1) return std::nullopt;
+    for (;;) {
+        writeAll(STDERR_FILENO, std::string(question) + " [y/n] ");
+        auto const line = readLine();
+        if (!line) return std::nullopt;
+        auto const answer = Foundation::Text::trimmingWhitespacesAndNewlines(*line);
+        if (answer == "y" || answer == "Y" || answer == "yes") return true;
+        if (answer == "n" || answer == "N" || answer == "no") return false;
+    }
+}
+
+std::optional<std::size_t> Console::columns() const {
+    winsize size{};
+    if (::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0) return std::nullopt;
+    return size.ws_col;
+}
+
+} // namespace Companion

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "Foundation/Environment.h"
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace Companion {
+
+/// The program's three standard streams. Writes go straight to the descriptors, so that nothing is lost in
+/// a buffer when the program ends and no stream's locale takes part.
+class Console {
+public:
+    explicit Console(Foundation::Environment const& environment);
+
+    /// Writes to standard output. Throws CommandError with ExitCode::failed when the reader has gone away
+    /// or the disk is full.
+    void write(std::string_view bytes) const;
+
+    /// Writes `text` and a line feed to standard output.
+    void writeLine(std::string_view text) const;
+
+    /// Writes one line to standard error: the program's name, then `message` with everything that could
+    /// break the line made harmless. Never fails.
+    void report(std::string_view message) const;
+
+    /// Asks a yes-or-no question on the terminal. Absent when nobody sits there or the input ends.
+    [[nodiscard]] std::optional<bool> ask(std::string_view question) const;
+
+    /// Whether standard output may carry ANSI colours: a terminal that is not "dumb", and no NO_COLOR.
+    [[nodiscard]] bool showsColors() const { return colors; }
+
+    /// Columns of the terminal on standard output; absent when it is none.
+    [[nodiscard]] std::optional<std::size_t> columns() const;
+
+private:
+    bool colors;
+};
+
+} // namespace Companion

@@ -1,0 +1,220 @@
+#include "Applications/Companion/AskedOnceAppearance.h"
+#include "Applications/Companion/Commands.h"
+#include "Applications/Companion/DayJSON.h"
+#include "Applications/Companion/FaceText.h"
+#include "Applications/Companion/OutputFile.h"
+#include "Applications/Companion/PlainJSON.h"
+#include "Applications/Companion/ShownDay.h"
+#include "Applications/Companion/Support.h"
+#include "Applications/Companion/Texts.h"
+#include "CalendarProviders/EnabledCalendarAccountsStore.h"
+#include "Platform/Clock/Clock.h"
+#include "Platform/Face/FacePainter.h"
+#include "Platform/Face/FacePicture.h"
+
+#include <array>
+#include <charconv>
+#include <utility>
+
+namespace Companion {
+
+namespace {
+
+constexpr std::array pictureOptions = {"--png", "--svg", "--pdf"};
+constexpr std::string_view standardOutput = "-";
+constexpr double largestScale = 20;
+
+// What the person asked for, checked as a whole before anything is read or written.
+struct DayRequest {
+    std::optional<Foundation::Date> at;
+    std::optional<std::int64_t> offset;
+    std::optional<std::chrono::local_days> day;
+    Platform::WidgetFamily family;
+    std::optional<Platform::ColorScheme> scheme;
+    double scale;
+    bool writesText;
+    bool writesJSON;
+};
+
+std::optional<Platform::ColorScheme> requestedScheme(ArgumentValues const& values) {
+    auto const name = values.option("--scheme");
+    if (!name) return std::nullopt;
+    return *name == "dark" ? Platform::ColorScheme::dark : Platform::ColorScheme::light;
+}
+
+double requestedScale(ArgumentValues const& values) {
+    auto const text = values.option("--scale").value_or("2");
+    double scale = 0;
+    auto const [end, error] = std::from_chars(text.data(), text.data() + text.size(), scale);
+    // Written so that NaN, which no comparison holds for, is refused.
+    bool const isUsable =
+        error == std::errc() && end == text.data() + text.size() && scale > 0 && scale <= largestScale;
+    if (!isUsable) throw CommandError::wrongUse(Texts::badScale(text, largestScale));
+    return scale;
+}
+
+bool goesToStandardOutput(ArgumentValues const& values, std::string_view option) {
+    return values.option(option) == standardOutput;
+}
+
+void checkOutputs(ArgumentValues const& values, bool writesText, bool writesJSON) {
+    int onStandardOutput = (writesText ? 1 : 0) + (writesJSON ? 1 : 0);
+    for (auto const* option : pictureOptions) {
+        auto const path = values.option(option);
+        if (!path) continue;
+        if (goesToStandardOutput(values, option)) {
+            ++onStandardOutput;
+        } else if (auto const reason = whyNotAnOutputFile(absolutePath(*path))) {
+            throw CommandError::wrongUse(*reason);
+        }
+    }
+    if (onStandardOutput > 1) throw CommandError::wrongUse(Texts::oneOutputAtATime());
+}
+
+DayRequest requestOf(Invocation const& invocation) {
+    auto const& values = invocation.values;
+    Foundation::Calendar const calendar(Foundation::TimeZone::current(invocation.environment));
+    bool const drawsPictures = values.has("--png") || values.has("--svg") || values.has("--pdf");
+    bool const writesJSON = values.has("--json");
+    DayRequest request{
+        .at = std::nullopt,
+        .offset = std::nullopt,
+        .day = std::nullopt,
+        .family =
+            *Foundation::fromRawValue<Platform::WidgetFamily>(values.option("--family").value_or("large")),
+        .scheme = requestedScheme(values),
+        .scale = requestedScale(values),
+        .writesText = values.has("--text") || (!drawsPictures && !writesJSON),
+        .writesJSON = writesJSON,
+    };
+    if (auto const text = values.option("--at")) request.at = moment("--at", *text, calendar);
+    if (auto const text = values.option("--offset")) request.offset = wholeNumber("--offset", *text);
+    if (auto const text = values.option("--day")) request.day = civilDay("--day", *text);
+    checkOutputs(values, request.writesText, request.writesJSON);
+    return request;
+}
+
+std::optional<std::int64_t> offsetOf(DayRequest const& request,
+                                     WidgetExtension::ScheduleWidgetServices const& services) {
+    if (!request.day) return request.offset;
+    auto const today = services.region->currentCalendar().day(services.clock->now());
+    return (*request.day - today).count();
+}
+
+std::string picture(std::string_view option, Platform::FacePainter const& painter,
+                    Platform::FaceLayout const& layout, double scale) {
+    auto drawn = option == "--png"   ? Platform::FacePicture::png(painter, layout, scale)
+                 : option == "--svg" ? Platform::FacePicture::svg(painter, layout)
+                                     : Platform::FacePicture::pdf(painter, layout);
+    if (!drawn) throw CommandError::failed(drawn.error());
+    return *std::move(drawn);
+}
+
+void writePictures(Invocation const& invocation, WidgetExtension::ScheduleWidgetServices const& services,
+                   Platform::FaceLayout const& layout, double scale) {
+    Platform::FaceStyle style;
+    if (auto const accent = services.appearance->accentColor())
+        style.accent = Platform::SRGBColor{(*accent)[0], (*accent)[1], (*accent)[2]};
+    Platform::FacePainter const painter(style);
+    for (auto const* option : pictureOptions) {
+        auto const path = invocation.values.option(option);
+        if (!path) continue;
+        auto const bytes = picture(option, painter, layout, scale);
+        if (goesToStandardOutput(invocation.values, option)) {
+            invocation.console.write(bytes);
+        } else {
+            writeOutputFile(absolutePath(*path), bytes);
+        }
+    }
+}
+
+// An empty face has reasons that it cannot tell itself.
+void reportHints(Invocation const& invocation, WidgetExtension::ScheduleWidgetServices const& services,
+                 ShownDay const& day) {
+    auto const accounts = CalendarProviders::EnabledCalendarAccountsStore::load(*services.files);
+    if (!accounts.contains(CalendarProviders::AccountProviderEnum::eventKit)) {
+        invocation.console.report(Texts::calendarsAreNotSetUp());
+    } else if (day.entry.hasAccessError) {
+        invocation.console.report(Texts::accessIsMissing());
+    }
+}
+
+ExitCode run(Invocation const& invocation) {
+    auto const request = requestOf(invocation);
+    auto const live = liveServices(invocation, request.at);
+    Foundation::TaskLoop loop;
+    auto services = live->scheduleWidgetServices(loop.executor());
+    services.appearance = std::make_shared<AskedOnceAppearance>(services.appearance, request.scheme);
+
+    auto const day = shownDay(services, loop, offsetOf(request, services));
+    bool const drawsPictures =
+        invocation.values.has("--png") || invocation.values.has("--svg") || invocation.values.has("--pdf");
+    // Only a picture shows the scheme; for text alone the desktop need not be asked.
+    auto const scheme = drawsPictures
+                            ? services.appearance->colorScheme().value_or(Platform::ColorScheme::light)
+                            : request.scheme.value_or(Platform::ColorScheme::light);
+    auto const layout = faceOf(services, day, request.family, scheme);
+
+    if (drawsPictures) writePictures(invocation, services, layout, request.scale);
+    if (request.writesJSON) invocation.console.writeLine(plainJSON(dayJSON(day.entry, day.policy, layout)));
+    if (request.writesText) {
+        invocation.console.write(faceText(layout, {.showsColors = invocation.console.showsColors(),
+                                                   .columns = invocation.console.columns()}));
+    }
+    reportHints(invocation, services, day);
+    return ExitCode::done;
+}
+
+} // namespace
+
+Command dayCommand() {
+    return {
+        .path = "day",
+        .summary = "show a day as the widget shows it",
+        .description =
+            "Shows the day that the widget stands on, or another one, as text, as a picture or for programs. "
+            "Looking at another day moves nothing.\n\n"
+            "Several outputs can be asked for at once; a picture's FILE \"-\" is standard output. Without "
+            "any, the day is printed as text.",
+        .options =
+            {{.name = "--offset",
+              .valueName = "N",
+              .help = "the day N days from today, for example 1 or -3",
+              .kind = ValueKind::number,
+              .excludes = {"--day"}},
+             {.name = "--day",
+              .valueName = "DATE",
+              .help = "the day of that date, for example 2026-03-11",
+              .kind = ValueKind::day},
+             {.name = "--family",
+              .valueName = "FAMILY",
+              .help = "the widget's size: small, medium or large (the default)",
+              .choices = {"small", "medium", "large"}},
+             {.name = "--at",
+              .valueName = "MOMENT",
+              .help = "look as though it were that moment: ISO 8601, local to your time zone unless it bears "
+                      "an offset",
+              .kind = ValueKind::moment},
+             {.name = "--text", .help = "print text also beside other outputs"},
+             {.name = "--json",
+              .help = "print one JSON document for programs: the meets and the rows of the face"},
+             {.name = "--png", .valueName = "FILE", .help = "draw a PNG picture", .kind = ValueKind::file},
+             {.name = "--svg", .valueName = "FILE", .help = "draw an SVG picture", .kind = ValueKind::file},
+             {.name = "--pdf", .valueName = "FILE", .help = "draw a PDF page", .kind = ValueKind::file},
+             {.name = "--scheme",
+              .valueName = "SCHEME",
+              .help = "colours of the picture: light or dark; the desktop's unless given",
+              .choices = {"light", "dark"}},
+             {.name = "--scale",
+              .valueName = "S",
+              .help = "pixels to the point of a PNG: above 0, at most 20; 2 unless given",
+              .kind = ValueKind::number}},
+        .examples = {{"quillora day", "prints the day that the widget shows"},
+                     {"quillora day --offset 1", "prints tomorrow, and leaves the widget where it is"},
+                     {"quillora day --day 2026-03-11 --json", "prints that day for a program"},
+                     {"quillora day --family medium --scheme dark --png day.png", "draws a picture of it"}},
+        .run = run,
+    };
+}
+
+} // namespace Companion

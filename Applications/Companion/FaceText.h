@@ -1,0 +1,22 @@
+#pragma once
+
+#include "Platform/Face/FaceLayout.h"
+
+#include <cstddef>
+#include <optional>
+#include <string>
+
+namespace Companion {
+
+/// How a face may be written.
+struct FaceTextStyle {
+    bool showsColors;
+    /// Columns that a line may take; longer names are cut. Absent for a pipe or file: nothing is cut there.
+    std::optional<std::size_t> columns;
+};
+
+/// The face for a terminal, a row a line, cards in columns. Foreign texts are made harmless: they can
+/// neither break a line nor send an escape sequence. Ends with a line feed.
+std::string faceText(Platform::FaceLayout const& layout, FaceTextStyle const& style);
+
+} // namespace Companion

@@ -1,0 +1,142 @@
+#include "Applications/Companion/Help.h"
+
+#include "Applications/Companion/Texts.h"
+#include "Foundation/Text.h"
+
+#include <algorithm>
+
+namespace Companion {
+
+namespace {
+
+constexpr std::size_t pageWidth = 80;
+constexpr std::size_t margin = 2;
+
+// `text` as lines of at most the page's width, each indented; blank lines part paragraphs.
+std::string wrapped(std::string_view text, std::size_t indent) {
+    std::string page;
+    std::string line;
+    auto const flush = [&] {
+        if (!line.empty()) page += std::string(indent, ' ') + line + "\n";
+        line.clear();
+    };
+    auto const add = [&](std::string_view word) {
+        auto const width = Foundation::Text::terminalWidth(word);
+        if (!line.empty() && indent + Foundation::Text::terminalWidth(line) + 1 + width > pageWidth) flush();
+        line += (line.empty() ? "" : " ") + std::string(word);
+    };
+    while (!text.empty()) {
+        auto const end = text.find_first_of(" \n");
+        if (auto const word = text.substr(0, end); !word.empty()) add(word);
+        if (end == std::string_view::npos) break;
+        bool const endsParagraph = text.substr(end).starts_with("\n\n");
+        if (endsParagraph) {
+            flush();
+            page += "\n";
+        }
+        text.remove_prefix(end + (endsParagraph ? 2 : 1));
+    }
+    flush();
+    return page;
+}
+
+struct Entry {
+    std::string term;
+    std::string meaning;
+};
+
+// Terms in one column and their meanings in a second, under a heading; nothing for no entries.
+std::string section(std::string_view heading, std::vector<Entry> const& entries) {
+    if (entries.empty()) return {};
+    std::size_t widest = 0;
+    for (auto const& entry : entries)
+        widest = std::max(widest, Foundation::Text::terminalWidth(entry.term));
+    std::size_t const column = margin + widest + 2;
+    std::string page = "\n" + std::string(heading) + "\n";
+    for (auto const& entry : entries) {
+        auto const padding = column - margin - Foundation::Text::terminalWidth(entry.term);
+        auto meaning = wrapped(entry.meaning, column);
+        meaning.erase(0, std::min(column, meaning.size()));
+        page += std::string(margin, ' ') + entry.term + std::string(padding, ' ') + meaning;
+    }
+    return page;
+}
+
+std::string optionTerm(CommandOption const& option) {
+    return option.valueName.empty() ? option.name : option.name + " " + option.valueName;
+}
+
+std::string argumentTerm(CommandArgument const& argument) {
+    return argument.name + (argument.count == CommandArgument::Count::oneOrMore ? "..." : "");
+}
+
+std::string examples(std::vector<CommandExample> const& list) {
+    if (list.empty()) return {};
+    std::string page = "\n" + std::string(Texts::examplesHeading) + "\n";
+    for (auto const& example : list)
+        page += std::string(margin, ' ') + example.commandLine + "\n" + wrapped(example.meaning, margin + 4);
+    return page;
+}
+
+std::vector<Entry> entriesOf(std::vector<Command const*> const& commands) {
+    std::vector<Entry> entries;
+    for (auto const* command : commands)
+        entries.push_back({command->path, command->summary});
+    return entries;
+}
+
+// Every command that does something, groups replaced by their members.
+std::vector<Command const*> runnableCommands() {
+    std::vector<Command const*> commands;
+    for (auto const& command : commandTable())
+        if (command.run != nullptr) commands.push_back(&command);
+    return commands;
+}
+
+std::string programHelp() {
+    std::string page = wrapped(Texts::programDescription, 0);
+    page += "\n" + std::string(Texts::usageHeading) + "\n";
+    page += "  quillora COMMAND [OPTIONS] [ARGUMENTS]\n  quillora COMMAND --help\n  quillora --version\n";
+    page += section(Texts::commandsHeading, entriesOf(runnableCommands()));
+    page += section(Texts::exitCodesHeading, {{"0", std::string(Texts::exitDone)},
+                                              {"1", std::string(Texts::exitFailed)},
+                                              {"2", std::string(Texts::exitWrongUse)}});
+    page += "\n" + wrapped(Texts::firstSteps, 0);
+    return page;
+}
+
+} // namespace
+
+std::string synopsis(Command const& command) {
+    std::string line = "quillora " + command.path;
+    if (command.run == nullptr) return line + " COMMAND";
+    for (auto const& argument : command.arguments)
+        line += " " + argumentTerm(argument);
+    for (auto const& option : command.options)
+        line += option.isRequired ? " " + optionTerm(option) : " [" + optionTerm(option) + "]";
+    return line;
+}
+
+std::string helpText(Command const* command) {
+    if (command == nullptr) return programHelp();
+    std::string page = wrapped(command->description, 0);
+    auto usage = wrapped(synopsis(*command), margin + 4);
+    usage.erase(0, 4); // The first line stands out, those that continue it are indented further.
+    page += "\n" + std::string(Texts::usageHeading) + "\n" + usage;
+
+    if (command->run == nullptr)
+        page += section(Texts::commandsHeading, entriesOf(commandsBelow(command->path)));
+    std::vector<Entry> arguments;
+    for (auto const& argument : command->arguments)
+        arguments.push_back({argumentTerm(argument), argument.help});
+    page += section(Texts::argumentsHeading, arguments);
+    std::vector<Entry> options;
+    for (auto const& option : command->options)
+        options.push_back({optionTerm(option), option.help});
+    if (command->run != nullptr) options.push_back({"--help", std::string(Texts::helpOption)});
+    page += section(Texts::optionsHeading, options);
+    page += examples(command->examples);
+    return page;
+}
+
+} // namespace Companion

@@ -1,0 +1,129 @@
+#include "Applications/Companion/OccurrenceListing.h"
+
+#include "Applications/Companion/CalendarFolders.h"
+#include "Applications/Companion/CommandError.h"
+#include "Applications/Companion/Support.h"
+#include "Applications/Companion/Texts.h"
+#include "Foundation/Calendar.h"
+#include "Platform/EventStore/Folder/CalendarRootReader.h"
+#include "Platform/EventStore/ICalendar/CalendarFile.h"
+#include "Platform/EventStore/ICalendar/SeriesSet.h"
+#include "Platform/EventStore/ICalendar/ZoneCatalog.h"
+
+#include <algorithm>
+#include <tuple>
+#include <utility>
+
+namespace Companion {
+
+namespace ICalendar = Platform::ICalendar;
+
+namespace {
+
+void appendProblems(std::filesystem::path const& path, std::vector<ICalendar::Problem> const& found,
+                    std::vector<std::string>& problems) {
+    for (auto const& problem : found) {
+        problems.push_back(Platform::describe({.path = path,
+                                               .line = problem.line,
+                                               .effect = Platform::StoreProblem::Effect::skipped,
+                                               .reason = problem.reason}));
+    }
+}
+
+// A reader of standard error is told of what might be missed, not of the hidden files that no one expects.
+bool isWorthTelling(Platform::StoreProblem const& problem) {
+    return problem.effect != Platform::StoreProblem::Effect::ignored ||
+           !problem.path.filename().string().starts_with('.');
+}
+
+void sortByTime(std::vector<ListedOccurrence>& occurrences) {
+    std::vector<std::tuple<double, double, std::size_t>> order;
+    for (auto const& occurrence : occurrences)
+        order.emplace_back(occurrence.start.secondsSince1970, occurrence.end.secondsSince1970, order.size());
+    std::ranges::sort(order);
+    std::vector<ListedOccurrence> sorted;
+    for (auto const& [start, end, place] : order)
+        sorted.push_back(std::move(occurrences[place]));
+    occurrences = std::move(sorted);
+}
+
+ListedOccurrence listed(ICalendar::Occurrence const& occurrence) {
+    auto const& event = *occurrence.event;
+    return {
+        .start = occurrence.start,
+        .end = occurrence.end,
+        .days = occurrence.isAllDay ? std::optional(DayRange{occurrence.firstDay, occurrence.endDay})
+                                    : std::nullopt,
+        .title = event.summary ? event.summary->text() : std::string(),
+        .uid = event.uid,
+    };
+}
+
+OccurrenceListing listFile(Platform::FileManager const& files, std::filesystem::path const& path,
+                           Interval interval, Foundation::TimeZone const& viewer) {
+    auto bytes = files.contents(path);
+    if (!bytes) throw CommandError::failed(Texts::unreadableFile(shownPath(path), bytes.error().message()));
+    auto const file = ICalendar::read(*std::move(bytes), path.string());
+    ICalendar::SeriesSet const series({file}, std::make_shared<ICalendar::ZoneCatalog>());
+    auto const expansion = series.occurrences(interval.from, interval.to, viewer);
+
+    OccurrenceListing listing;
+    for (auto const& occurrence : expansion.occurrences)
+        listing.occurrences.push_back(listed(occurrence));
+    appendProblems(path, file->problems, listing.problems);
+    appendProblems(path, series.problems(), listing.problems);
+    appendProblems(path, expansion.problems, listing.problems);
+    return listing;
+}
+
+ListedOccurrence listed(Platform::EKEvent const& event, Foundation::Calendar const& calendar) {
+    ListedOccurrence occurrence{
+        .start = *event.startDate,
+        .end = *event.endDate,
+        .days = std::nullopt,
+        .title = event.title.value_or(""),
+        // An event identifier is its calendar's, ":" and the UID.
+        .uid = event.eventIdentifier->substr(event.calendar->calendarIdentifier.size() + 1)};
+    if (event.isAllDay)
+        occurrence.days = DayRange{calendar.day(*event.startDate), calendar.day(*event.endDate)};
+    return occurrence;
+}
+
+OccurrenceListing listFolder(std::filesystem::path const& path, Interval interval,
+                             Foundation::TimeZone const& viewer) {
+    Platform::CalendarRootReader reader(
+        {.kind = Platform::folderRootKind, .id = "folder", .path = path, .title = path.filename().string()},
+        Platform::RootLayout::folderOfCalendars, std::make_shared<ICalendar::ZoneCatalog>());
+    // A reader used once compares no file with an earlier look, so the time of looking plays no part.
+    constexpr std::int64_t now = 0;
+    std::vector<Platform::EKEvent> events;
+    reader.appendEvents({.start = interval.from, .end = interval.to, .calendars = std::nullopt}, viewer, now,
+                        events);
+
+    OccurrenceListing listing;
+    Foundation::Calendar const calendar(viewer);
+    for (auto const& event : events)
+        listing.occurrences.push_back(listed(event, calendar));
+    for (auto const& problem : reader.takeProblems())
+        if (isWorthTelling(problem)) listing.problems.push_back(Platform::describe(problem));
+    return listing;
+}
+
+} // namespace
+
+OccurrenceListing listOccurrences(Platform::FileManager const& files, std::filesystem::path const& path,
+                                  Interval interval, Foundation::TimeZone const& viewer) {
+    std::error_code error;
+    auto const status = std::filesystem::status(path, error);
+    if (status.type() == std::filesystem::file_type::not_found)
+        throw CommandError::wrongUse(Texts::noSuchPath(shownPath(path)));
+
+    bool const isFolder = std::filesystem::is_directory(status);
+    if (isFolder)
+        if (auto const reason = whyNotAFolder(path)) throw CommandError::failed(*reason);
+    auto listing = isFolder ? listFolder(path, interval, viewer) : listFile(files, path, interval, viewer);
+    sortByTime(listing.occurrences);
+    return listing;
+}
+
+} // namespace Companion

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "Foundation/JSON.h"
+
+#include <string>
+
+namespace Companion {
+
+/// One compact document for other programs. Unlike the preference files it leaves "/" as it is. Throws
+/// CommandError with ExitCode::failed for a text that is not UTF-8 or a float that is not finite.
+std::string plainJSON(Foundation::JSON::Value const& value);
+
+} // namespace Companion

@@ -1,0 +1,134 @@
+#include "Applications/Companion/CalendarFolders.h"
+#include "Applications/Companion/Commands.h"
+#include "Applications/Companion/Support.h"
+#include "Applications/Companion/Texts.h"
+#include "CalendarProviders/EnabledCalendarAccountsStore.h"
+#include "Platform/EventStore/Folder/CalendarStorePlaces.h"
+#include "Platform/EventStore/Folder/FolderEventStore.h"
+#include "Platform/WidgetHost/WidgetCenter.h"
+
+namespace Companion {
+
+namespace AccountsStore = CalendarProviders::EnabledCalendarAccountsStore;
+using CalendarProviders::AccountProviderEnum;
+using Platform::EKAuthorizationStatus;
+
+namespace {
+
+// One run of the set-up; each step says what it did and may be repeated at any time.
+class Setup {
+public:
+    Setup(Invocation const& invocation, Composition::LiveServices& services)
+        : invocation(invocation),
+          services(services),
+          takesDefaults(invocation.values.has("--yes")) {}
+
+    ExitCode run() {
+        auto const places = services.calendarPlaces();
+        if (!places) throw CommandError::failed(Texts::noHome());
+        makeOwnCalendar(*places);
+        enableCalendarAccount();
+        settleAccess();
+        for (auto const& folder : foundCalendarFolders(invocation.environment))
+            offer(folder);
+        services.widgetCenter()->reloadAllTimelines();
+        return conclude();
+    }
+
+private:
+    void say(std::string const& text) const { invocation.console.writeLine(text); }
+
+    void makeOwnCalendar(Platform::CalendarStorePlaces const& places) const {
+        std::error_code error;
+        bool const isThere = std::filesystem::is_directory(places.nativeCalendar, error);
+        if (auto const failure = Platform::createNativeCalendar(places, *services.files()))
+            throw CommandError::failed(
+                Texts::cannotWrite(shownPath(places.nativeCalendar), failure.message()));
+        auto const path = shownPath(places.nativeCalendar);
+        say(isThere ? Texts::ownCalendarIsThere(path) : Texts::ownCalendarMade(path));
+    }
+
+    void enableCalendarAccount() const {
+        auto accounts = AccountsStore::load(*services.files());
+        if (accounts.insert(AccountProviderEnum::eventKit).second)
+            AccountsStore::save(*services.files(), accounts);
+        // The store never fails aloud, so the set-up looks whether the choice was kept.
+        if (!AccountsStore::load(*services.files()).contains(AccountProviderEnum::eventKit))
+            throw CommandError::failed(Texts::accountsNotSaved());
+        say(Texts::accountEnabled());
+    }
+
+    void settleAccess() const {
+        auto const consent = requiredConsent(services);
+        if (consent->status() == EKAuthorizationStatus::fullAccess) return;
+        if (takesDefaults) {
+            if (auto const error = consent->record(EKAuthorizationStatus::fullAccess))
+                throw CommandError::failed(Texts::cannotWrite(shownPath(consent->file()), error.message()));
+            return;
+        }
+        try {
+            // Asked again even after a no: who runs the set-up may have come to another mind.
+            Foundation::runTask(services.eventStore()->requestFullAccessToEvents());
+        } catch (Platform::EKError const& error) {
+            throw CommandError::failed(error.what());
+        }
+    }
+
+    void offer(std::filesystem::path const& folder) const {
+        auto const configuration = requiredConfiguration(services);
+        auto const content = configuration->load();
+        if (content.problem) throw CommandError::failed(*content.problem);
+        if (rootAt(folder, content.roots) != nullptr) {
+            say(Texts::folderIsAdded(shownPath(folder)));
+            return;
+        }
+        bool const isWanted =
+            takesDefaults || invocation.console.ask(Texts::offerFolder(shownPath(folder))) == true;
+        if (!isWanted) {
+            say(Texts::folderLeftOut(shownPath(folder)));
+            return;
+        }
+        auto const root = configuration->add(folder, std::nullopt);
+        if (!root) throw CommandError::failed(root.error());
+        say(Texts::sourceAdded(root->title, shownPath(root->path), root->id));
+    }
+
+    ExitCode conclude() const {
+        auto const status = requiredConsent(services)->status();
+        say(Texts::accessStatus(status));
+        if (status == EKAuthorizationStatus::notDetermined)
+            throw CommandError::failed(Texts::nobodyWasAsked());
+        say(Texts::setupIsDone());
+        return ExitCode::done;
+    }
+
+    Invocation const& invocation;
+    Composition::LiveServices& services;
+    bool takesDefaults;
+};
+
+ExitCode run(Invocation const& invocation) {
+    auto const services = liveServices(invocation);
+    return Setup(invocation, *services).run();
+}
+
+} // namespace
+
+Command setupCommand() {
+    return {
+        .path = "setup",
+        .summary = "prepare Quillora on this computer",
+        .description =
+            "Asks whether Quillora may read your calendars, makes its own calendar, switches the calendars "
+            "of "
+            "this computer on, and offers the folders in which it finds calendars of other programs. It says "
+            "what it did, and can be run again at any time: what is done already stays.",
+        .options = {{.name = "--yes",
+                     .help = "ask nothing: allow access and add every folder that was found"}},
+        .examples = {{"quillora setup", "asks and prepares"},
+                     {"quillora setup --yes", "prepares without a question, for scripts"}},
+        .run = run,
+    };
+}
+
+} // namespace Companion

@@ -1,0 +1,70 @@
+#include "Applications/Companion/ShownDay.h"
+
+#include "Applications/Companion/CommandError.h"
+#include "Applications/Companion/Texts.h"
+#include "Applications/Companion/UnsavedFiles.h"
+#include "Foundation/FatalError.h"
+#include "Platform/Clock/FixedClock.h"
+#include "WidgetExtension/QuilloraWidgetBundle.h"
+#include "WidgetExtension/ScheduleWidgetDayOffsetStore.h"
+
+#include <utility>
+
+namespace Companion {
+
+namespace DayOffsetStore = WidgetExtension::ScheduleWidgetDayOffsetStore;
+using WidgetExtension::ScheduleWidgetServices;
+
+namespace {
+
+ShownDay timelineOf(ScheduleWidgetServices const& services, Foundation::TaskLoop& loop) {
+    WidgetExtension::QuilloraWidgetBundle const bundle(services);
+    auto const provider = bundle.body().front().timelineProvider();
+    std::optional<Platform::Timeline<WidgetExtension::ScheduleWidgetEntry>> timeline;
+    // The same entry serves every family.
+    provider->getTimeline({.family = Platform::WidgetFamily::systemLarge},
+                          [&timeline](auto answer) { timeline = std::move(answer); });
+    loop.run();
+    if (!timeline || timeline->entries.empty()) Foundation::fatalError("the timeline provider gave no entry");
+    return {.entry = std::move(timeline->entries.front()), .policy = timeline->policy};
+}
+
+ScheduleWidgetServices withOffset(ScheduleWidgetServices services, std::int64_t offset) {
+    auto const files = std::make_shared<UnsavedFiles>(services.files);
+    DayOffsetStore::save(*files, offset);
+    services.files = files;
+    return services;
+}
+
+ShownDay distantDay(ScheduleWidgetServices const& services, Foundation::TaskLoop& loop, std::int64_t offset) {
+    auto const now = services.clock->now();
+    auto const date = services.region->currentCalendar().dateByAddingDays(offset, now);
+    if (!date) throw CommandError::wrongUse(Texts::noSuchDay(offset));
+
+    auto there = withOffset(services, 0);
+    there.clock = std::make_shared<Platform::FixedClock>(*date);
+    auto day = timelineOf(there, loop);
+    day.entry.dayOffset = offset;
+    // The policy was made as of that day; the day is looked at now.
+    if (day.policy.afterDate)
+        day.policy = Platform::TimelineReloadPolicy::after(
+            now.addingTimeInterval(day.policy.afterDate->timeIntervalSince(*date)));
+    return day;
+}
+
+} // namespace
+
+ShownDay shownDay(ScheduleWidgetServices const& services, Foundation::TaskLoop& loop,
+                  std::optional<std::int64_t> offset) {
+    if (!offset) return timelineOf(services, loop);
+    bool const isInReach = *offset >= -DayOffsetStore::maxOffset && *offset <= DayOffsetStore::maxOffset;
+    return isInReach ? timelineOf(withOffset(services, *offset), loop) : distantDay(services, loop, *offset);
+}
+
+Platform::FaceLayout faceOf(ScheduleWidgetServices const& services, ShownDay const& day,
+                            Platform::WidgetFamily family, Platform::ColorScheme scheme) {
+    WidgetExtension::QuilloraWidgetBundle const bundle(services);
+    return bundle.body().front().content(day.entry, family, scheme).layout();
+}
+
+} // namespace Companion

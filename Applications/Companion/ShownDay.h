@@ -1,0 +1,33 @@
+#pragma once
+
+#include "Foundation/TaskLoop.h"
+#include "Platform/Appearance/ColorScheme.h"
+#include "Platform/Face/FaceLayout.h"
+#include "Platform/WidgetHost/Timeline.h"
+#include "WidgetExtension/ScheduleWidgetEntry.h"
+#include "WidgetExtension/ScheduleWidgetServices.h"
+
+#include <cstdint>
+#include <optional>
+
+namespace Companion {
+
+/// A day as the widget would show it.
+struct ShownDay {
+    WidgetExtension::ScheduleWidgetEntry entry;
+    Platform::TimelineReloadPolicy policy;
+};
+
+/// Asks the widget's own provider, so that a command shows what the widget shows. With an `offset` it is
+/// asked as though that were stored; nothing is. An offset beyond the reach of the widget's buttons is
+/// asked about from the day itself, since the provider fetches no further than they reach. The provider's
+/// tasks run on `loop`, which the services' executor belongs to.
+/// Throws CommandError with ExitCode::wrongUse when the calendar has no such day.
+ShownDay shownDay(WidgetExtension::ScheduleWidgetServices const& services, Foundation::TaskLoop& loop,
+                  std::optional<std::int64_t> offset);
+
+/// The face of a day, as the widget's own view lays it out.
+Platform::FaceLayout faceOf(WidgetExtension::ScheduleWidgetServices const& services, ShownDay const& day,
+                            Platform::WidgetFamily family, Platform::ColorScheme scheme);
+
+} // namespace Companion

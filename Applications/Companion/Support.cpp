@@ -1,0 +1,104 @@
+#include "Applications/Companion/Support.h"
+
+#include "Applications/Companion/ConsoleLogSink.h"
+#include "Applications/Companion/Texts.h"
+#include "Foundation/DateFormatting.h"
+#include "Foundation/Text.h"
+#include "Platform/EventStore/Folder/TerminalConsentPrompt.h"
+
+#include <algorithm>
+#include <charconv>
+#include <unistd.h>
+#include <utility>
+
+namespace Companion {
+
+std::unique_ptr<Composition::LiveServices> liveServices(Invocation const& invocation,
+                                                        std::optional<Foundation::Date> fixedMoment) {
+    return std::make_unique<Composition::LiveServices>(
+        invocation.environment,
+        Composition::LiveServicesOptions{
+            .fixedMoment = fixedMoment,
+            // The question goes to standard error: standard output belongs to the answer.
+            .consentPrompt = std::make_shared<Platform::TerminalConsentPrompt>(STDIN_FILENO, STDERR_FILENO),
+            .logSink = std::make_shared<ConsoleLogSink>(invocation.console, invocation.environment),
+        });
+}
+
+std::shared_ptr<Platform::CalendarStoreConfiguration const>
+requiredConfiguration(Composition::LiveServices& services) {
+    auto configuration = services.calendarConfiguration();
+    if (!configuration) throw CommandError::failed(Texts::noHome());
+    return configuration;
+}
+
+std::shared_ptr<Platform::ConsentRecord const> requiredConsent(Composition::LiveServices& services) {
+    auto consent = services.consent();
+    if (!consent) throw CommandError::failed(Texts::noHome());
+    return consent;
+}
+
+std::filesystem::path absolutePath(std::string_view text) {
+    std::error_code error;
+    auto const path = std::filesystem::absolute(std::filesystem::path(text), error);
+    if (error) throw CommandError::wrongUse(Texts::cannotResolvePath(text, error.message()));
+    auto normal = path.lexically_normal();
+    return normal.has_filename() || !normal.has_relative_path() ? normal : normal.parent_path();
+}
+
+std::string shownPath(std::filesystem::path const& path) {
+    return Foundation::Text::neutralized(Foundation::Text::sanitizedUTF8(path.string()));
+}
+
+std::string alignedColumns(std::vector<std::vector<std::string>> const& rows, std::string_view indent) {
+    std::vector<std::size_t> widths;
+    auto harmless = rows;
+    for (auto& row : harmless) {
+        widths.resize(std::max(widths.size(), row.size()));
+        for (std::size_t column = 0; column < row.size(); ++column) {
+            row[column] = Foundation::Text::neutralized(row[column]);
+            widths[column] = std::max(widths[column], Foundation::Text::terminalWidth(row[column]));
+        }
+    }
+    std::string page;
+    for (auto const& row : harmless) {
+        std::string line(indent);
+        std::size_t missing = 0; // Blanks owed to the next text, so that no line ends with any.
+        for (std::size_t column = 0; column < row.size(); ++column) {
+            if (!row[column].empty()) {
+                line += std::string(missing, ' ') + row[column];
+                missing = 0;
+            }
+            missing += widths[column] - Foundation::Text::terminalWidth(row[column]) + 2;
+        }
+        page += line + "\n";
+    }
+    return page;
+}
+
+std::int64_t wholeNumber(std::string_view option, std::string_view text) {
+    std::int64_t number = 0;
+    auto const digits = text.starts_with('+') ? text.substr(1) : text;
+    auto const [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+    bool const isWhole = error == std::errc() && end == digits.data() + digits.size() && !digits.empty();
+    if (!isWhole || (digits.size() != text.size() && digits.starts_with('-')))
+        throw CommandError::wrongUse(Texts::notANumber(option, text));
+    return number;
+}
+
+Foundation::Date moment(std::string_view option, std::string_view text,
+                        Foundation::Calendar const& calendar) {
+    auto const date = Foundation::momentFromISO8601(text, calendar);
+    if (!date) throw CommandError::wrongUse(Texts::notAMoment(option, text));
+    return *date;
+}
+
+std::chrono::local_days civilDay(std::string_view option, std::string_view text) {
+    // A day alone is its first instant; in UTC that is the day itself.
+    Foundation::Calendar const utc(Foundation::TimeZone::utc());
+    auto const date = text.size() == 10 ? Foundation::momentFromISO8601(text, utc) : std::nullopt;
+    if (!date) throw CommandError::wrongUse(Texts::notADay(option, text));
+    return utc.day(*date);
+}
+
+} // namespace Companion

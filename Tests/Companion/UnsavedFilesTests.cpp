@@ -1,0 +1,32 @@
+#include "Applications/Companion/UnsavedFiles.h"
+#include "Platform/Files/InMemoryFileManager.h"
+#include "WidgetExtension/ScheduleWidgetDayOffsetStore.h"
+
+#include <gtest/gtest.h>
+
+namespace Companion {
+namespace {
+
+namespace DayOffsetStore = WidgetExtension::ScheduleWidgetDayOffsetStore;
+
+TEST(UnsavedFilesTests, aStoreReadsBackWhatItWroteAndNothingIsSaved) {
+    auto const saved = std::make_shared<Platform::InMemoryFileManager>();
+    DayOffsetStore::save(*saved, 2);
+    UnsavedFiles const unsaved(saved);
+    EXPECT_EQ(DayOffsetStore::load(unsaved), 2);
+    DayOffsetStore::save(unsaved, -5);
+    EXPECT_EQ(DayOffsetStore::load(unsaved), -5);
+    EXPECT_EQ(DayOffsetStore::load(*saved), 2);
+}
+
+TEST(UnsavedFilesTests, aRemovedFileIsGoneHereAlone) {
+    auto const saved = std::make_shared<Platform::InMemoryFileManager>();
+    saved->place("/data/a", "1");
+    UnsavedFiles const unsaved(saved);
+    EXPECT_FALSE(unsaved.removeItem("/data/a"));
+    EXPECT_EQ(unsaved.contents("/data/a").error(), std::errc::no_such_file_or_directory);
+    EXPECT_EQ(saved->content("/data/a"), "1");
+}
+
+} // namespace
+} // namespace Companion
