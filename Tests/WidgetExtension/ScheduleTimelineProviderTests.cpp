@@ -37,44 +37,20 @@ private:
     mutable Date next;
 };
 
-// The files of another manager; the offset moves on after it was read for the first time.
-class PressAfterFirstRead final : public Platform::FileManager {
+// A button is pressed while the provider, which has read the offset once, asks for the time.
+class ClockDuringAPress final : public Platform::Clock {
 public:
-    explicit PressAfterFirstRead(std::shared_ptr<Platform::InMemoryFileManager> behind)
-        : behind(std::move(behind)) {}
-
-    [[nodiscard]] std::optional<std::filesystem::path>
-    containerURLForSecurityApplicationGroupIdentifier(std::string_view group) const override {
-        return behind->containerURLForSecurityApplicationGroupIdentifier(group);
-    }
-    [[nodiscard]] std::filesystem::path temporaryDirectory() const override {
-        return behind->temporaryDirectory();
-    }
-    [[nodiscard]] std::optional<std::filesystem::path> applicationSupportDirectory() const override {
-        return behind->applicationSupportDirectory();
-    }
-    std::error_code createDirectory(std::filesystem::path const& path) const override {
-        return behind->createDirectory(path);
-    }
-    [[nodiscard]] std::expected<std::string, std::error_code>
-    contents(std::filesystem::path const& path) const override {
-        auto content = behind->contents(path);
-        if (path == offsetFile) behind->place(path, "2");
-        return content;
-    }
-    std::error_code writeAtomically(std::filesystem::path const& path,
-                                    std::string_view content) const override {
-        return behind->writeAtomically(path, content);
-    }
-    std::error_code removeItem(std::filesystem::path const& path) const override {
-        return behind->removeItem(path);
-    }
-    std::error_code clearQuarantineProperties(std::filesystem::path const& path) const override {
-        return behind->clearQuarantineProperties(path);
+    ClockDuringAPress(Date moment, std::shared_ptr<Platform::InMemoryFileManager> files)
+        : moment(moment),
+          files(std::move(files)) {}
+    [[nodiscard]] Date now() const override {
+        files->place(offsetFile, "2");
+        return moment;
     }
 
 private:
-    std::shared_ptr<Platform::InMemoryFileManager> behind;
+    Date moment;
+    std::shared_ptr<Platform::InMemoryFileManager> files;
 };
 
 class ScheduleTimelineProviderTests : public testing::Test {
@@ -209,7 +185,7 @@ TEST_F(ScheduleTimelineProviderTests, theOffsetIsReadTwiceAndThePreferencesOnceA
 TEST_F(ScheduleTimelineProviderTests, aPressBetweenTheTwoReadsGivesTheFirstOffsetAndTheSecondsDate) {
     around.setOffset("1");
     auto services = around.services();
-    services.files = std::make_shared<PressAfterFirstRead>(around.files);
+    services.clock = std::make_shared<ClockDuringAPress>(around.clock->now(), around.files);
     auto const shown = timelineWith(std::move(services)).entries.at(0);
     EXPECT_EQ(shown.dayOffset, 1);
     EXPECT_EQ(shown.date, around.clock->now().addingTimeInterval(2 * day));
