@@ -61,12 +61,12 @@ struct PlacedSurface {
 
 /// One row of the layout.
 struct PlacedRow {
-    std::size_t index; ///< In `FaceLayout::rows`.
+    std::size_t index = 0; ///< In `FaceLayout::rows`.
     FaceRect frame;
     std::string accessibleName; ///< What a screen reader says; empty for empty height.
-    std::vector<PlacedText> texts;
-    std::optional<PlacedSurface> surface;
-    std::optional<FaceRect> badge; ///< The circle behind the day of the header.
+    std::vector<PlacedText> texts = {};
+    std::optional<PlacedSurface> surface = std::nullopt;
+    std::optional<FaceRect> badge = std::nullopt; ///< The circle behind the day of the header.
 
     bool operator==(PlacedRow const&) const = default;
 };
