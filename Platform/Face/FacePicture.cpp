@@ -94,6 +94,7 @@ std::expected<std::string, std::string> pdf(FacePainter const& painter, FaceLayo
     std::string written;
     Surface const surface(
         cairo_pdf_surface_create_for_stream(append, &written, geometry.width, geometry.height));
+    cairo_pdf_surface_restrict_to_version(surface.get(), CAIRO_PDF_VERSION_1_5);
     auto const painted = paintOn(surface.get(), 1, painter, layout, geometry);
     return finished(surface, painted, written);
 }

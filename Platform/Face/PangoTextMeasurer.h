@@ -9,6 +9,8 @@ typedef struct _cairo cairo_t;
 
 namespace Platform {
 
+class PangoLayouts;
+
 /// Measures and draws texts with Pango, in letters of one family. It needs no display. Texts laid out once
 /// are kept, so that drawing a face again costs no shaping. Not for use from several threads at once.
 class PangoTextMeasurer final : public TextMeasurer {
@@ -30,8 +32,7 @@ public:
     void show(cairo_t* context, PlacedText const& text) const;
 
 private:
-    class Layouts;
-    std::unique_ptr<Layouts> layouts;
+    std::unique_ptr<PangoLayouts> layouts;
 };
 
 } // namespace Platform
