@@ -50,7 +50,8 @@ void drawChevron(cairo_t* context, PlacedButton const& button, SRGBColor const& 
 
 void drawButton(cairo_t* context, PlacedButton const& button, FaceButtonState const& state,
                 FacePalette const& palette) {
-    if (state.isPressed || state.isHovered) {
+    bool const isActive = state.isPressed || state.isHovered;
+    if (isActive) {
         fillRounded(context, button.frame, Measures::buttonRadius,
                     state.isPressed ? palette.buttonPress : palette.buttonHover);
     }
@@ -65,7 +66,7 @@ void drawButton(cairo_t* context, PlacedButton const& button, FaceButtonState co
         setColor(context, palette.chevron);
         cairo_stroke(context);
     }
-    drawChevron(context, button, palette.chevron);
+    drawChevron(context, button, isActive ? palette.activeChevron : palette.chevron);
 }
 
 /// The colours of a row without a surface of its own are those of the face.

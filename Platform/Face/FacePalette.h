@@ -22,11 +22,12 @@ public:
     FacePalette(FaceLayout const& layout, std::optional<SRGBColor> accent);
 
     SRGBColor background;
-    SRGBColor text;        ///< Black or white.
-    SRGBColor secondary;   ///< Labels and lines; at least 4.5:1 on `background`.
-    SRGBColor chevron;     ///< The buttons' signs and focus rings; at least 3:1 on `background`.
-    SRGBColor buttonHover; ///< Behind a button under the pointer.
-    SRGBColor buttonPress; ///< Behind a button held down.
+    SRGBColor text;          ///< Black or white.
+    SRGBColor secondary;     ///< Labels and lines; at least 4.5:1 on `background`.
+    SRGBColor chevron;       ///< The buttons' signs and focus rings; at least 3:1 on `background`.
+    SRGBColor buttonHover;   ///< Behind a button under the pointer.
+    SRGBColor buttonPress;   ///< Behind a button held down.
+    SRGBColor activeChevron; ///< At least 3:1 on both of these.
     SRGBColor badge;
     SRGBColor badgeText; ///< Black or white, whichever is the clearer on `badge`.
 

@@ -123,7 +123,8 @@ TEST(FacePaletteTests, buttonAnswersVisibly) {
         auto const colors = palette(scheme);
         EXPECT_NE(colors.buttonHover, colors.background);
         EXPECT_NE(colors.buttonPress, colors.buttonHover);
-        EXPECT_GE(contrastRatio(colors.chevron, colors.buttonHover), 2.5);
+        EXPECT_GE(contrastRatio(colors.activeChevron, colors.buttonHover), 3.0);
+        EXPECT_GE(contrastRatio(colors.activeChevron, colors.buttonPress), 3.0);
     }
 }
 
