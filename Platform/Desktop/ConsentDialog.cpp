@@ -17,9 +17,15 @@ ConsentDialog::ConsentDialog(MainLoop& mainLoop, ConsentDialogTexts texts)
       texts(std::move(texts)) {}
 
 ConsentDialog::~ConsentDialog() {
+    abandon();
+}
+
+void ConsentDialog::abandon() {
     if (dialog != nullptr) {
-        gtk_widget_destroy(dialog);
+        gtk_widget_destroy(std::exchange(dialog, nullptr));
     }
+    // Who asked may own this dialog, and is owned by what is let go of here.
+    auto const dropped = std::exchange(answered, nullptr);
 }
 
 Foundation::Task<ConsentAnswer> ConsentDialog::ask() {

@@ -26,10 +26,13 @@ public:
     ConsentDialog(ConsentDialog const&) = delete;
     ConsentDialog& operator=(ConsentDialog const&) = delete;
 
-    /// On the main loop's thread; a question that is open is dropped.
     ~ConsentDialog() override;
 
     Foundation::Task<ConsentAnswer> ask() override;
+
+    /// Takes an open question back: who asked is ended without an answer. On the main loop's thread, before
+    /// the executor of who asked ends.
+    void abandon();
 
 private:
     using Answered = std::move_only_function<void(ConsentAnswer)>;

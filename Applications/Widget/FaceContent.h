@@ -1,0 +1,14 @@
+#pragma once
+
+#include "Platform/Desktop/FaceWindow.h"
+#include "Platform/WidgetHost/ResidentHost.h"
+#include "WidgetExtension/ScheduleWidgetView.h"
+
+namespace Widget {
+
+/// What the window shows of a view. A placeholder knows no meets, so it must not say that there are none: it
+/// shows the header alone.
+Platform::FaceWindowContent faceContent(WidgetExtension::ScheduleWidgetView const& view,
+                                        Platform::EntryKind kind);
+
+} // namespace Widget

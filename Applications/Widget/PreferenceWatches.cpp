@@ -1,0 +1,41 @@
+#include "Applications/Widget/PreferenceWatches.h"
+
+#include <string>
+
+namespace Widget {
+
+namespace {
+
+constexpr char const* applicationGroup = "group.quillora";
+
+std::vector<std::string> sharedFiles() {
+    return {"scheduleWidgetDayOffset.json", "hiddenCalendarIdentifiers.json", "enabledCalendarAccounts.json"};
+}
+
+std::vector<std::string> calendarStoreFiles() {
+    return {"calendar-store.json", "calendar-access.json"};
+}
+
+} // namespace
+
+PreferenceWatches::PreferenceWatches(Platform::FileManager const& files,
+                                     std::optional<std::filesystem::path> const& configurationDirectory,
+                                     std::function<void()> const& onChange) {
+    auto const container = files.containerURLForSecurityApplicationGroupIdentifier(applicationGroup);
+    watches.push_back(std::make_unique<Platform::FolderWatch>(container.value_or(files.temporaryDirectory()),
+                                                              sharedFiles(), onChange));
+    if (configurationDirectory) {
+        watches.push_back(
+            std::make_unique<Platform::FolderWatch>(*configurationDirectory, calendarStoreFiles(), onChange));
+    }
+    watches.push_back(
+        std::make_unique<Platform::FolderWatch>("/etc", std::vector<std::string>{"localtime"}, onChange));
+}
+
+void PreferenceWatches::renew() {
+    for (auto const& watch : watches) {
+        watch->renew();
+    }
+}
+
+} // namespace Widget

@@ -1,0 +1,178 @@
+#include "Applications/Composition/LiveServices.h"
+#include "Applications/Widget/DayPresses.h"
+#include "Applications/Widget/DesktopLooks.h"
+#include "Applications/Widget/EntryChanges.h"
+#include "Applications/Widget/FaceContent.h"
+#include "Applications/Widget/FirstFrame.h"
+#include "Applications/Widget/PreferenceWatches.h"
+#include "Applications/Widget/Texts.h"
+#include "Applications/Widget/WidgetOptions.h"
+#include "Platform/Appearance/PortalAppearanceWatch.h"
+#include "Platform/Clock/SystemRegionSettings.h"
+#include "Platform/Desktop/Display.h"
+#include "Platform/Desktop/SingleInstance.h"
+#include "Platform/EventStore/Folder/CalendarStorePlaces.h"
+#include "Platform/WidgetHost/GLibMainLoop.h"
+#include "Platform/WidgetHost/LocalWidgetCenter.h"
+#include "Platform/WidgetHost/ReloadListener.h"
+#include "Platform/WidgetHost/SessionBusWidgetCenter.h"
+#include "Platform/WidgetHost/StoppedWallClockTimer.h"
+#include "Platform/WidgetHost/TaskThread.h"
+#include "Platform/WidgetHost/TimerfdWallClockTimer.h"
+#include "WidgetExtension/QuilloraWidgetBundle.h"
+
+#include <csignal>
+#include <cstdio>
+#include <memory>
+#include <optional>
+#include <utility>
+
+namespace {
+
+using WidgetExtension::ScheduleWidgetEntry;
+
+std::unique_ptr<Platform::WallClockTimer> makeTimer(Widget::WidgetOptions const& options) {
+    if (options.fixedMoment) {
+        return std::make_unique<Platform::StoppedWallClockTimer>();
+    }
+    return std::make_unique<Platform::TimerfdWallClockTimer>();
+}
+
+void fail(char const* text) {
+    std::fprintf(stderr, "quillora-widget: %s\n", text);
+}
+
+int runWidget(Widget::WidgetOptions const& options, Foundation::Environment const& environment,
+              Platform::SingleInstance* instance) {
+    // The ground: the loop that owns the window, the thread that reads, and every live part of the product.
+    Platform::GLibMainLoop mainLoop;
+    auto const timer = makeTimer(options);
+    auto const consentDialog = std::make_shared<Platform::ConsentDialog>(mainLoop, Widget::Texts::consent());
+    Composition::LiveServices services(environment,
+                                       {.fixedMoment = options.fixedMoment, .consentPrompt = consentDialog});
+    Platform::TaskThread taskThread;
+    WidgetExtension::QuilloraWidgetBundle const bundle(
+        services.scheduleWidgetServices(taskThread.executor()));
+    WidgetExtension::ScheduleWidget const& widget = bundle.body().front();
+    auto const provider = widget.timelineProvider();
+
+    // The road: the host asks the provider, and what it answers becomes the face in the window.
+    std::optional<Platform::FaceWindow> window;
+    std::optional<Widget::PreferenceWatches> watches;
+    std::optional<Platform::ResidentHost<ScheduleWidgetEntry>> host;
+    Widget::DesktopLooks looks(services.appearance(), options.colorScheme, mainLoop, [&] {
+        window->setAccent(looks.accentColor());
+        host->showAgain();
+    });
+    bool hasShownTheDay = false;
+    auto const firstFrame = [&] {
+        if (options.printsFirstFrame) {
+            std::printf("%.0f\n", Widget::millisecondsSinceProcessStart());
+            std::fflush(stdout);
+        }
+        if (options.quitsAfterFirstFrame) {
+            mainLoop.quit();
+        }
+    };
+    auto const show = [&](ScheduleWidgetEntry const& entry, Platform::EntryKind kind) {
+        if (!window) {
+            return; // Shown again once there is one.
+        }
+        window->show(Widget::faceContent(widget.content(entry, host->family(), looks.colorScheme()), kind));
+        if (kind == Platform::EntryKind::loaded) {
+            watches->renew();
+            if (!std::exchange(hasShownTheDay, true)) {
+                window->afterNextFrame(firstFrame);
+            }
+        }
+    };
+    host.emplace(*provider, *services.clock(), *timer, mainLoop,
+                 Platform::TimelineProviderContext{
+                     .family = options.family.value_or(Platform::WidgetFamily::systemLarge)},
+                 Platform::ResidentHostView<ScheduleWidgetEntry>{
+                     .show = show,
+                     .nextChange =
+                         [&](ScheduleWidgetEntry const& entry, Foundation::Date now) {
+                             return Widget::nextChange(entry, now, services.region()->currentCalendar());
+                         },
+                 });
+    // Before the display is opened: the calendars are read meanwhile.
+    host->start();
+    if (!Platform::openDisplay(environment, options.placement)) {
+        fail(Widget::Texts::noDisplay);
+        return 1;
+    }
+
+    // The way back: presses here and elsewhere, and everything else that makes the face another one.
+    auto const reload = [&] { host->reload(); };
+    auto const quit = [&] { mainLoop.quit(); };
+    auto const chooseFamily = [&](Platform::WidgetFamily family) { host->setFamily(family); };
+    auto const center = std::make_shared<Platform::LocalWidgetCenter>(mainLoop, reload);
+    Widget::DayPresses const presses(taskThread.executor(), services.files(), center);
+    auto const places = services.calendarPlaces();
+    watches.emplace(*services.files(),
+                    places.transform([](auto const& known) { return known.configurationDirectory; }), reload);
+    Platform::ReloadListener const listener(reload);
+    Platform::PortalAppearanceWatch const appearanceWatch(Platform::sessionBusAddress(environment),
+                                                          [&] { looks.askAgain(); });
+    auto const interrupted = Platform::GLibSource::onSignal(SIGINT, quit);
+    auto const terminated = Platform::GLibSource::onSignal(SIGTERM, quit);
+
+    window.emplace(options.placement, Widget::Texts::window(),
+                   Platform::FaceWindowActions{
+                       .previousDay = [&] { presses.previousDay(); },
+                       .nextDay = [&] { presses.nextDay(); },
+                       .today = [&] { presses.today(); },
+                       .reload = reload,
+                       .quit = quit,
+                       .chooseFamily = chooseFamily,
+                   });
+    if (instance != nullptr) {
+        instance->serve({
+            .activate = [&] { window->present(); },
+            .previousDay = [&] { presses.previousDay(); },
+            .nextDay = [&] { presses.nextDay(); },
+            .today = [&] { presses.today(); },
+            .reload = reload,
+            .quit = quit,
+            .chooseFamily = chooseFamily,
+        });
+    }
+    window->setAccent(looks.accentColor());
+    host->showAgain();
+    window->present();
+    mainLoop.run();
+    consentDialog->abandon();
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    // Writing to a program that has gone, or to a full quota, is an error of that write and not our end.
+    std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
+
+    auto const environment = Foundation::Environment::ofProcess();
+    auto const options =
+        Widget::parseCommandLine(argc, argv, Platform::SystemRegionSettings(environment).currentCalendar());
+    if (!options) {
+        auto const& [exitCode, text] = options.error();
+        if (exitCode == 0) {
+            std::fputs(text.c_str(), stdout);
+        } else {
+            fail(text.c_str());
+        }
+        return exitCode;
+    }
+    if (options->fixedMoment) {
+        // A picture of another moment stands beside the widget that shows the present.
+        return runWidget(*options, environment, nullptr);
+    }
+    Platform::SingleInstance instance(environment);
+    if (!instance.isFirst()) {
+        instance.handOver(options->family);
+        return 0;
+    }
+    return runWidget(*options, environment, &instance);
+}

@@ -1,0 +1,254 @@
+#include "Tests/Meetings/MeetFixtures.h"
+
+#include "Applications/Widget/DayPresses.h"
+#include "Applications/Widget/DesktopLooks.h"
+#include "Applications/Widget/EntryChanges.h"
+#include "Applications/Widget/FaceContent.h"
+#include "Foundation/DateFormatting.h"
+#include "Foundation/Locale.h"
+#include "Platform/Appearance/FixedAppearance.h"
+#include "Platform/Files/InMemoryFileManager.h"
+#include "Platform/Resources/TableTextProvider.h"
+#include "Platform/WidgetHost/LocalWidgetCenter.h"
+#include "Platform/WidgetHost/QueuedMainLoop.h"
+#include "Platform/WidgetHost/RecordingWidgetCenter.h"
+
+#include <gtest/gtest.h>
+
+#include <boost/asio/io_context.hpp>
+
+#include <memory>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace {
+
+using Foundation::Calendar;
+using Foundation::Date;
+using Meetings::MeetEntity;
+using Platform::EntryKind;
+using WidgetExtension::ScheduleWidgetEntry;
+
+Date moment(char const* text) {
+    return Foundation::dateFromISO8601(text).value();
+}
+
+MeetEntity meet(char const* name, char const* start, double minutes) {
+    auto made = Meetings::someMeet(name);
+    made.metDate = moment(start);
+    made.metDuration = minutes * 60;
+    made.metLocation = std::nullopt;
+    return made;
+}
+
+MeetEntity allDay(char const* name, char const* start) {
+    auto made = meet(name, start, 24 * 60);
+    made.metIsAllDay = true;
+    return made;
+}
+
+ScheduleWidgetEntry entryAt(char const* date, std::vector<MeetEntity> meetings) {
+    return {.date = moment(date), .meetings = std::move(meetings), .hasAccessError = false, .dayOffset = 0};
+}
+
+std::string nextChangeText(ScheduleWidgetEntry const& entry, char const* now, Calendar const& calendar) {
+    return Foundation::iso8601(Widget::nextChange(entry, moment(now), calendar));
+}
+
+TEST(EntryChangesTests, emptyDayChangesAtMidnightOfTheCalendar) {
+    auto const entry = entryAt("2026-03-11T10:00:00Z", {});
+    EXPECT_EQ(nextChangeText(entry, "2026-03-11T10:00:00Z", Meetings::utcCalendar()), "2026-03-12T00:00:00Z");
+    EXPECT_EQ(nextChangeText(entry, "2026-03-11T10:00:00Z", Meetings::calendarIn("Asia/Tokyo")),
+              "2026-03-11T15:00:00Z");
+}
+
+TEST(EntryChangesTests, midnightOfAShortDayAndOfOneThatBeginsAtOne) {
+    EXPECT_EQ(nextChangeText(entryAt("2026-03-29T10:00:00Z", {}), "2026-03-29T00:30:00Z",
+                             Meetings::calendarIn("Europe/Berlin")),
+              "2026-03-29T22:00:00Z");
+    EXPECT_EQ(nextChangeText(entryAt("2018-11-03T20:00:00Z", {}), "2018-11-03T20:00:00Z",
+                             Meetings::calendarIn("America/Sao_Paulo")),
+              "2018-11-04T03:00:00Z");
+}
+
+TEST(EntryChangesTests, endOfTheMeetThatEndsFirstComesBeforeMidnight) {
+    auto const entry = entryAt("2026-03-11T10:00:00Z", {
+                                                           meet("over", "2026-03-11T08:00:00Z", 60),
+                                                           meet("long", "2026-03-11T09:00:00Z", 180),
+                                                           meet("short", "2026-03-11T09:30:00Z", 45),
+                                                       });
+    EXPECT_EQ(nextChangeText(entry, "2026-03-11T10:00:00Z", Meetings::utcCalendar()), "2026-03-11T10:15:00Z");
+    EXPECT_EQ(nextChangeText(entry, "2026-03-11T10:15:00Z", Meetings::utcCalendar()), "2026-03-11T12:00:00Z");
+    EXPECT_EQ(nextChangeText(entry, "2026-03-11T12:00:00Z", Meetings::utcCalendar()), "2026-03-12T00:00:00Z");
+}
+
+TEST(EntryChangesTests, allDayMeetsAndMeetsPastMidnightDoNotCount) {
+    auto const entry = entryAt("2026-03-11T10:00:00Z", {
+                                                           allDay("all day", "2026-03-10T12:00:00Z"),
+                                                           meet("night", "2026-03-11T22:00:00Z", 240),
+                                                       });
+    EXPECT_EQ(nextChangeText(entry, "2026-03-11T10:00:00Z", Meetings::utcCalendar()), "2026-03-12T00:00:00Z");
+}
+
+TEST(EntryChangesTests, meetsOfAnotherDaysPageDoNotEnd) {
+    auto const tomorrow = entryAt("2026-03-12T10:00:00Z", {meet("early", "2026-03-11T23:00:00Z", 30)});
+    EXPECT_EQ(nextChangeText(tomorrow, "2026-03-11T22:00:00Z", Meetings::utcCalendar()),
+              "2026-03-12T00:00:00Z");
+}
+
+WidgetExtension::ScheduleWidgetView viewOf(ScheduleWidgetEntry entry, Platform::WidgetFamily family) {
+    return {
+        .entry = std::move(entry),
+        .colorScheme = Platform::ColorScheme::light,
+        .family = family,
+        .calendar = Meetings::utcCalendar(),
+        .now = moment("2026-03-11T10:00:00Z"),
+        .locale = Foundation::Locale{.identifier = "en"},
+        .texts = std::make_shared<Platform::TableTextProvider>(),
+    };
+}
+
+TEST(FaceContentTests, tooltipsTellTheWholeTitleTheTimesAndThePlace) {
+    auto review = meet("Design review of the quarterly roadmap", "2026-03-11T13:30:00Z", 60);
+    review.metLocation = "Room 4";
+    auto const content = Widget::faceContent(
+        viewOf(entryAt("2026-03-11T10:00:00Z", {allDay("Release week", "2026-03-11T00:00:00Z"), review,
+                                                meet("Call", "2026-03-11T23:00:00Z", 0)}),
+               Platform::WidgetFamily::systemLarge),
+        EntryKind::loaded);
+    ASSERT_EQ(content.tooltips.size(), content.layout.rows.size());
+    std::vector<std::string> told;
+    for (std::size_t index = 0; index < content.tooltips.size(); ++index) {
+        auto const& row = content.layout.rows[index];
+        bool const isMeet =
+            std::holds_alternative<Platform::BarRow>(row) || std::holds_alternative<Platform::CardRow>(row);
+        EXPECT_EQ(content.tooltips[index].empty(), !isMeet) << index;
+        if (isMeet) {
+            told.push_back(content.tooltips[index]);
+        }
+    }
+    EXPECT_EQ(told, (std::vector<std::string>{
+                        "Release week",
+                        "Design review of the quarterly roadmap\n01:30 p.m. – 02:30 p.m.\nRoom 4",
+                        "Call\n11:00 p.m.",
+                    }));
+}
+
+TEST(FaceContentTests, meetsWithOneIdentifierKeepTheirOwnTooltips) {
+    auto const content = Widget::faceContent(
+        viewOf(entryAt("2026-03-11T10:00:00Z", {meet("First", "2026-03-11T11:00:00Z", 30),
+                                                meet("Second", "2026-03-11T12:00:00Z", 30)}),
+               Platform::WidgetFamily::systemSmall),
+        EntryKind::loaded);
+    ASSERT_EQ(content.tooltips.size(), 3U);
+    EXPECT_TRUE(content.tooltips[1].starts_with("First\n"));
+    EXPECT_TRUE(content.tooltips[2].starts_with("Second\n"));
+}
+
+TEST(FaceContentTests, placeholderDoesNotSayThatThereAreNoMeets) {
+    auto const view = viewOf(entryAt("2026-03-11T10:00:00Z", {}), Platform::WidgetFamily::systemLarge);
+    auto const placeholder = Widget::faceContent(view, EntryKind::placeholder);
+    ASSERT_EQ(placeholder.layout.rows.size(), 1U);
+    EXPECT_TRUE(std::holds_alternative<Platform::HeaderRow>(placeholder.layout.rows.front()));
+    EXPECT_EQ(placeholder.tooltips, std::vector<std::string>{""});
+    EXPECT_EQ(Widget::faceContent(view, EntryKind::loaded).layout.rows.size(), 2U);
+}
+
+class DayPressesTests : public testing::Test {
+protected:
+    static constexpr char const* offsetFile = "/container/scheduleWidgetDayOffset.json";
+
+    std::shared_ptr<Platform::InMemoryFileManager> files = std::make_shared<Platform::InMemoryFileManager>();
+    std::shared_ptr<Platform::RecordingWidgetCenter> center =
+        std::make_shared<Platform::RecordingWidgetCenter>();
+    boost::asio::io_context context;
+    Widget::DayPresses presses{Foundation::TaskExecutor(context.get_executor()), files, center};
+};
+
+TEST_F(DayPressesTests, pressesMoveTheStoredDayOneAfterAnother) {
+    presses.nextDay();
+    presses.nextDay();
+    presses.previousDay();
+    EXPECT_EQ(files->content(offsetFile), std::nullopt);
+    context.run();
+    EXPECT_EQ(files->content(offsetFile), "1");
+    EXPECT_EQ(center->reloadCount, 3);
+}
+
+TEST_F(DayPressesTests, todayStoresZeroAndReloads) {
+    files->place(offsetFile, "25");
+    presses.today();
+    context.run();
+    EXPECT_EQ(files->content(offsetFile), "0");
+    EXPECT_EQ(center->reloadCount, 1);
+}
+
+TEST_F(DayPressesTests, pressThatCannotBeStoredStillReloads) {
+    files->failsAfter(0);
+    presses.nextDay();
+    presses.today();
+    context.run();
+    EXPECT_EQ(center->reloadCount, 2);
+}
+
+class DesktopLooksTests : public testing::Test {
+protected:
+    std::shared_ptr<Platform::FixedAppearance> appearance =
+        std::make_shared<Platform::FixedAppearance>(Platform::ColorScheme::dark, std::array{0.25, 0.5, 1.0});
+    Platform::QueuedMainLoop mainLoop;
+    int changes = 0;
+
+    Widget::DesktopLooks looks(std::optional<Platform::ColorScheme> fixedScheme) {
+        return Widget::DesktopLooks(appearance, fixedScheme, mainLoop, [this] { ++changes; });
+    }
+};
+
+TEST_F(DesktopLooksTests, firstAnswerIsThereWhenItIsAskedFor) {
+    auto asked = looks(std::nullopt);
+    EXPECT_EQ(asked.colorScheme(), Platform::ColorScheme::dark);
+    EXPECT_EQ(asked.accentColor(), (Platform::SRGBColor{.red = 0.25, .green = 0.5, .blue = 1}));
+    EXPECT_EQ(changes, 0);
+}
+
+TEST_F(DesktopLooksTests, withoutADesktopItIsLight) {
+    appearance = std::make_shared<Platform::FixedAppearance>();
+    auto asked = looks(std::nullopt);
+    EXPECT_EQ(asked.colorScheme(), Platform::ColorScheme::light);
+    EXPECT_EQ(asked.accentColor(), std::nullopt);
+}
+
+TEST_F(DesktopLooksTests, fixedSchemeStandsInForTheDesktops) {
+    auto asked = looks(Platform::ColorScheme::light);
+    EXPECT_EQ(asked.colorScheme(), Platform::ColorScheme::light);
+}
+
+TEST(DesktopLooksChangeTests, laterAnswerReplacesTheFirstAndIsTold) {
+    auto const appearance = std::make_shared<Platform::FixedAppearance>(Platform::ColorScheme::light);
+    Platform::QueuedMainLoop mainLoop;
+    int changes = 0;
+    {
+        Widget::DesktopLooks looks(appearance, std::nullopt, mainLoop, [&] { ++changes; });
+        EXPECT_EQ(looks.colorScheme(), Platform::ColorScheme::light);
+        appearance->set(Platform::ColorScheme::dark);
+        looks.askAgain();
+        while (mainLoop.runPending() == 0) {
+            std::this_thread::yield();
+        }
+        EXPECT_EQ(looks.colorScheme(), Platform::ColorScheme::dark);
+    }
+    EXPECT_EQ(changes, 1);
+}
+
+TEST(LocalWidgetCenterTests, requestFromAnyThreadWaitsForTheLoop) {
+    Platform::QueuedMainLoop mainLoop;
+    int reloads = 0;
+    Platform::LocalWidgetCenter center(mainLoop, [&] { ++reloads; });
+    std::thread([&] { center.reloadAllTimelines(); }).join();
+    center.reloadAllTimelines();
+    EXPECT_EQ(reloads, 0);
+    mainLoop.runPending();
+    EXPECT_EQ(reloads, 2);
+}
+
+} // namespace
