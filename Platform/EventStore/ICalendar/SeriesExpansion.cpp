@@ -14,6 +14,12 @@ namespace {
 // A change of clocks may bring a time into the window from this far outside it.
 constexpr std::int64_t clockChange = secondsPerDay;
 
+// How much further than an interval of instants one has to look on a clock: nothing unless it changes nearby.
+std::int64_t slackAround(EventZone const& clock, std::int64_t from, std::int64_t to) {
+    auto const offsetAt = [&clock](std::int64_t instant) { return clock.local(instant) - instant; };
+    return offsetAt(from - clockChange) == offsetAt(to + clockChange) ? 0 : clockChange;
+}
+
 std::int64_t dayOf(std::int64_t localSeconds) {
     return floorDivide(localSeconds, secondsPerDay);
 }
@@ -120,8 +126,10 @@ std::vector<SeriesExpansion::Instance> SeriesExpansion::instances(CalendarDurati
     auto const& clock = master.clock(viewer);
     bool const isAllDay = master.component->isAllDay();
     auto const span = length.days * secondsPerDay + length.seconds;
-    auto const from = clock.local(window.firstSecond) - span - widening - clockChange;
-    auto const to = clock.local(window.lastSecond) + widening + clockChange;
+    auto const slackBefore = slackAround(clock, window.firstSecond - span, window.firstSecond);
+    auto const slackAfter = slackAround(clock, window.lastSecond, window.lastSecond);
+    auto const from = clock.local(window.firstSecond) - span - widening - slackBefore;
+    auto const to = clock.local(window.lastSecond) + widening + slackAfter;
 
     std::vector<std::int64_t> times;
     auto const start = master.component->start.localSeconds;
