@@ -17,7 +17,7 @@ dev_fuzz() {
         corpus=build/fuzz-corpus/$name
         mkdir -p "$corpus"
         say "Fuzzing: $name, $seconds s"
-        "$target" -max_total_time="$seconds" -timeout=5 -artifact_prefix="$corpus/" "$corpus" "Fuzzing/Seeds/$name" ||
+        "$target" -max_total_time="$seconds" -timeout=5 -dict="Fuzzing/Seeds/$name.dict" -artifact_prefix="$corpus/" "$corpus" "Fuzzing/Seeds/$name" ||
             fail "$name found something; the input is the newest file in $corpus"
     done
 }
