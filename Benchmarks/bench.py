@@ -8,6 +8,7 @@ import glob
 import os
 import sys
 
+import network
 import reader
 import table
 import window
@@ -47,6 +48,9 @@ def main(build, peers):
             one_large_file(session, programs, 20000),
             one_large_file(session, programs, 2000),
             peer if peers else None,
+        )
+        rows += network.measure(
+            session, f"{programs}/quillora-backend", f"{benchmarks}/quillora_bench_client_requests"
         )
     table.show(rows)
 

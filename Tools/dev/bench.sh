@@ -15,7 +15,7 @@ dev_bench() {
         *) wrong_use "\"$1\" is not an option of bench" ;;
     esac
     need build bench ${peers:+peers}
-    build_preset release quillora quillora-widget quillora-samples quillora_benchmarks
+    build_preset release quillora quillora-widget quillora-samples quillora-backend quillora_benchmarks
     say "Measuring; this takes about three minutes, and wants an idle machine"
     python3 -B Benchmarks/bench.py build/release "${peers[@]}"
 }
