@@ -16,7 +16,7 @@ class Row(NamedTuple):
     held: bool | None
 
     @classmethod
-    def ratio(cls, what, value, floor, unit, floor_name, bar):
+    def at_most_times(cls, what, value, floor, unit, floor_name, bar):
         times = value / floor
         return cls(what, f"{number(value)} {unit}", f"{floor_name}: {number(floor)} {unit}", f"{times:.2f}×", f"at most {bar}×", times <= bar)
 

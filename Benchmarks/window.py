@@ -78,7 +78,7 @@ def measure(session, widget, bare):
         return median(pair[side][figure] for pair in rounds)
 
     floor = "a bare GTK 3 window"
-    yield Row.ratio("window: first painted frame", of(starts, 0, 0) * 1e3, of(starts, 1, 0) * 1e3, "ms", floor, 1.8)
-    yield Row.ratio("window: processor time until then", of(starts, 0, 1) * 1e3, of(starts, 1, 1) * 1e3, "ms", floor, 2.0)
-    yield Row.ratio("window: memory at rest (PSS)", of(rests, 0, 0), of(rests, 1, 0), "MB", floor, 1.7)
+    yield Row.at_most_times("window: first painted frame", of(starts, 0, 0) * 1e3, of(starts, 1, 0) * 1e3, "ms", floor, 1.8)
+    yield Row.at_most_times("window: processor time until then", of(starts, 0, 1) * 1e3, of(starts, 1, 1) * 1e3, "ms", floor, 2.0)
+    yield Row.at_most_times("window: memory at rest (PSS)", of(rests, 0, 0), of(rests, 1, 0), "MB", floor, 1.7)
     yield Row.at_most(f"window: context switches in {IDLE_SECONDS} s at rest", of(rests, 0, 1), "", 2)

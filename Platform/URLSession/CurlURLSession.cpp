@@ -24,6 +24,8 @@ namespace {
 // Below the library's own bound, which it reports as a lost connection.
 constexpr std::size_t maximumHeaderBytes = std::size_t{256} << 10;
 
+constexpr std::size_t maximumIdleHandles = 8;
+
 struct Outcome {
     std::exception_ptr error;
     URLResponse response;
@@ -33,6 +35,7 @@ using Completion = std::function<void(Outcome)>;
 struct EasyHandleDeleter {
     void operator()(CURL* handle) const { curl_easy_cleanup(handle); }
 };
+using EasyHandle = std::unique_ptr<CURL, EasyHandleDeleter>;
 struct HeaderListDeleter {
     void operator()(curl_slist* list) const { curl_slist_free_all(list); }
 };
@@ -42,7 +45,7 @@ struct Exchange {
     URLRequest request;
     Completion completion;
     std::size_t limit;
-    std::unique_ptr<CURL, EasyHandleDeleter> handle = nullptr;
+    EasyHandle handle = nullptr;
     std::unique_ptr<curl_slist, HeaderListDeleter> headers = nullptr;
     std::string data = {};
     std::size_t headerBytes = 0;
@@ -251,7 +254,7 @@ private:
     }
 
     void begin(std::uint64_t identifier, std::unique_ptr<Exchange> exchange) {
-        exchange->handle.reset(curl_easy_init());
+        exchange->handle = idleHandle();
         if (!exchange->handle) {
             exchange->completion(failure(URLError::Case::unknown));
             return;
@@ -289,6 +292,16 @@ private:
         curl_multi_remove_handle(multi, exchange->handle.get());
         identifiers.erase(exchange->handle.get());
         exchange->completion(std::move(result));
+        if (idleHandles.size() < maximumIdleHandles) idleHandles.push_back(std::move(exchange->handle));
+    }
+
+    // Making a handle costs a good part of a short exchange; a used one keeps nothing but its memory.
+    EasyHandle idleHandle() {
+        if (idleHandles.empty()) return EasyHandle(curl_easy_init());
+        auto handle = std::move(idleHandles.back());
+        idleHandles.pop_back();
+        curl_easy_reset(handle.get());
+        return handle;
     }
 
     CurlURLSessionLimits const limits;
@@ -303,6 +316,7 @@ private:
     // Only the worker's thread touches these.
     std::map<std::uint64_t, std::unique_ptr<Exchange>> exchanges;
     std::map<CURL*, std::uint64_t> identifiers;
+    std::vector<EasyHandle> idleHandles;
 
     std::thread thread;
 };
