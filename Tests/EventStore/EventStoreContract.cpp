@@ -279,4 +279,4 @@ TEST_P(EventStoreContract, accessThatIsGrantedStaysGranted) {
 INSTANTIATE_TEST_SUITE_P(Stores, EventStoreContract,
                          testing::Values(ContractSubject{.name = "InMemory", .make = fakeOfTheWorld},
                                          ContractSubject{.name = "Folder", .make = foldersOfTheWorld}),
-                         [](auto const& info) { return info.param.name; });
+                         [](auto const& subject) { return subject.param.name; });

@@ -24,6 +24,16 @@ RootLayout layoutOf(CalendarRoot const& root) {
     return root.id == nativeCalendarIdentifier ? RootLayout::singleCalendar : RootLayout::folderOfCalendars;
 }
 
+// A list written by hand, or by a newer version, may hold what this one cannot use.
+std::optional<std::string> whyUnusable(CalendarRoot const& root, std::set<std::string> const& takenIds) {
+    if (root.kind != folderRootKind) {
+        return fmt::format("it is of the kind \"{}\", which this version cannot read", root.kind);
+    }
+    if (!root.path.is_absolute()) return fmt::format("its path {} is not absolute", root.path.string());
+    if (takenIds.contains(root.id)) return fmt::format("its id \"{}\" belongs to another source", root.id);
+    return std::nullopt;
+}
+
 // By start, equal starts as they stood. Events are large, so their places are sorted and each moves once.
 std::vector<EKEvent> sortedByStart(std::vector<EKEvent> events) {
     std::vector<std::pair<double, std::size_t>> order;
@@ -182,18 +192,19 @@ std::vector<CalendarRoot> FolderEventStore::rootsOnRecord(std::vector<StoreProbl
                             .effect = StoreProblem::Effect::skipped,
                             .reason = *content.problem});
     }
+    std::set<std::string> ids{std::string(nativeCalendarIdentifier)};
     for (auto& root : content.roots) {
-        if (root.kind == folderRootKind) {
-            roots.push_back(std::move(root));
+        auto const reason = whyUnusable(root, ids);
+        if (reason) {
+            problems.push_back(
+                {.path = configuration.file(),
+                 .line = 0,
+                 .effect = StoreProblem::Effect::skipped,
+                 .reason = fmt::format("the source \"{}\" is not shown: {}", root.title, *reason)});
             continue;
         }
-        problems.push_back(
-            {.path = configuration.file(),
-             .line = 0,
-             .effect = StoreProblem::Effect::skipped,
-             .reason = fmt::format("the source \"{}\" is of the kind \"{}\", which this version "
-                                   "cannot read",
-                                   root.title, root.kind)});
+        ids.insert(root.id);
+        roots.push_back(std::move(root));
     }
     return roots;
 }

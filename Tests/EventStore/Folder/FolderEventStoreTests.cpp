@@ -239,14 +239,34 @@ TEST_F(FolderEventStoreTests, aDamagedListIsLoggedAndTheOwnCalendarStillShown) {
     EXPECT_EQ(files->contents(home / "config/calendar-store.json"), "{ torn");
 }
 
-TEST_F(FolderEventStoreTests, aSourceOfAnUnknownKindIsNamedAndPassedOver) {
+TEST_F(FolderEventStoreTests, aSourceThatCannotBeUsedIsNamedAndPassedOver) {
+    home.write("One/x/a.ics", smallFile({smallEvent("a", "One")}));
+    auto const entry = [](std::string_view kind, std::string_view id, std::string_view path,
+                          std::string_view title) {
+        return fmt::format(R"({{"kind":"{}","id":"{}","path":"{}","title":"{}"}})", kind, id, path, title);
+    };
+    auto const one = (home / "One").string();
     home.write("config/calendar-store.json",
-               R"({"version":2,"sources":[{"kind":"dataServer","id":"b2","path":"x","title":"Accounts"}]})");
+               fmt::format(R"({{"version":2,"sources":[{},{},{},{},{}]}})",
+                           entry("dataServer", "b2", "x", "Accounts"),
+                           entry("folder", "c3", "~/One", "By hand"), entry("folder", "d4", one, "One"),
+                           entry("folder", "d4", one, "Twice"),
+                           entry("folder", "quillora-native-calendar", one, "Pretender")));
     auto subject = store();
-    EXPECT_TRUE(subject.sources().empty());
-    ASSERT_EQ(subject.problems().size(), 1U);
-    EXPECT_EQ(subject.problems()[0].reason,
-              "the source \"Accounts\" is of the kind \"dataServer\", which this version cannot read");
+    EXPECT_EQ(titles(subject), (Texts{"One"}));
+    EXPECT_EQ(subject.sources().size(), 1U);
+    Texts reasons;
+    for (auto const& problem : subject.problems())
+        reasons.push_back(problem.reason);
+    EXPECT_EQ(
+        reasons,
+        (Texts{
+            "the source \"Accounts\" is not shown: it is of the kind \"dataServer\", which this version "
+            "cannot read",
+            "the source \"By hand\" is not shown: its path ~/One is not absolute",
+            "the source \"Twice\" is not shown: its id \"d4\" belongs to another source",
+            "the source \"Pretender\" is not shown: its id \"quillora-native-calendar\" belongs to another "
+            "source"}));
 }
 
 TEST_F(FolderEventStoreTests, leftOutByRuleIsInformationAndNoError) {
