@@ -37,6 +37,8 @@ struct FaceInteraction {
 /// for use from several threads at once.
 class FacePainter {
 public:
+    /// Returns at once: fonts are looked up on a thread of Pango's meanwhile. Made early, before a window or
+    /// the day's meets are got ready, the painter costs the first frame the least.
     explicit FacePainter(FaceStyle style);
 
     /// Where everything stands that `paint` draws.

@@ -57,35 +57,58 @@ bool hasColor(PangoGlyphString const& glyphs) {
     return std::ranges::any_of(all, [](PangoGlyphInfo const& glyph) { return glyph.attr.is_color != 0; });
 }
 
-/// Fills a line by its outlines. Shown as glyphs, letters would snap to whole pixels, each on its own, and
-/// small texts on a plain screen would look unevenly spaced. Emoji have no outlines and are shown.
-void fillLine(cairo_t* context, PangoLayoutLine* line) {
-    double x = 0;
-    for (auto const* entry = line->runs; entry; entry = entry->next) {
-        auto const& run = *static_cast<PangoLayoutRun const*>(entry->data);
-        auto* font = run.item->analysis.font;
-        cairo_move_to(context, x, 0);
-        if (hasColor(*run.glyphs)) {
-            pango_cairo_show_glyph_string(context, font, run.glyphs);
-        } else {
-            pango_cairo_glyph_string_path(context, font, run.glyphs);
-            cairo_fill(context);
-        }
-        x += static_cast<double>(pango_glyph_string_get_width(run.glyphs)) / PANGO_SCALE;
+/// A run of emoji at the context's origin, as a picture. A document would take them at the few pixels of a
+/// plain screen, although they are pictures of over a hundred.
+void paintEmoji(cairo_t* context, PangoLayoutRun const& run) {
+    constexpr double sharpness = 8;
+    PangoRectangle bounds;
+    pango_glyph_string_extents(run.glyphs, run.item->analysis.font, &bounds, nullptr);
+    pango_extents_to_pixels(&bounds, nullptr);
+    Owned<cairo_surface_t> const image(
+        cairo_image_surface_create(CAIRO_FORMAT_ARGB32, static_cast<int>(bounds.width * sharpness),
+                                   static_cast<int>(bounds.height * sharpness)));
+    cairo_surface_set_device_scale(image.get(), sharpness, sharpness);
+    Owned<cairo_t> const brush(cairo_create(image.get()));
+    cairo_move_to(brush.get(), -bounds.x, -bounds.y);
+    pango_cairo_show_glyph_string(brush.get(), run.item->analysis.font, run.glyphs);
+
+    cairo_save(context);
+    cairo_set_source_surface(context, image.get(), bounds.x, bounds.y);
+    cairo_paint(context);
+    cairo_restore(context);
+}
+
+/// Draws one run at the context's origin, `text` being that of its layout.
+void drawRun(cairo_t* context, PangoLayoutRun const& run, char const* text) {
+    bool const isEmoji = hasColor(*run.glyphs);
+    bool const asText = keepsText(context);
+    cairo_move_to(context, 0, 0);
+    if (isEmoji && asText) {
+        paintEmoji(context, run);
+    } else if (isEmoji) {
+        pango_cairo_show_glyph_string(context, run.item->analysis.font, run.glyphs);
+    } else if (asText) {
+        // Pango only reads the run, but its declaration does not say so.
+        pango_cairo_show_glyph_item(context, text, const_cast<PangoLayoutRun*>(&run));
+    } else {
+        // By their outlines: shown as glyphs, letters would snap to whole pixels, each on its own, and small
+        // texts on a plain screen would look unevenly spaced.
+        pango_cairo_glyph_string_path(context, run.item->analysis.font, run.glyphs);
+        cairo_fill(context);
     }
 }
 
 /// Draws a line from `x` on, with its baseline at `y`.
 void drawLine(cairo_t* context, PangoLayoutLine* line, double x, double y, double scale) {
-    bool const asText = keepsText(context);
+    char const* text = pango_layout_get_text(line->layout);
     cairo_save(context);
-    cairo_translate(context, x, asText ? y : onPixels(context, y));
+    cairo_translate(context, x, keepsText(context) ? y : onPixels(context, y));
     cairo_scale(context, scale, scale);
-    if (asText) {
-        cairo_move_to(context, 0, 0);
-        pango_cairo_show_layout_line(context, line);
-    } else {
-        fillLine(context, line);
+    for (auto const* entry = line->runs; entry; entry = entry->next) {
+        auto const& run = *static_cast<PangoLayoutRun const*>(entry->data);
+        drawRun(context, run, text);
+        double const advance = pango_glyph_string_get_width(run.glyphs);
+        cairo_translate(context, advance / PANGO_SCALE, 0);
     }
     cairo_restore(context);
 }
