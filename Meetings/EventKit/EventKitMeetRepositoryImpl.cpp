@@ -5,6 +5,7 @@
 #include "Meetings/MeetConfigEnum.h"
 
 #include <algorithm>
+#include <array>
 #include <exception>
 #include <memory>
 #include <utility>
@@ -22,6 +23,25 @@ std::string description(Platform::EKAuthorizationStatus status) {
     }
     return "unknown(" + std::to_string(static_cast<std::int64_t>(status)) + ")";
 }
+
+// Asks the desktop at most once, and only when a calendar has no colour: a desktop that answers slowly must
+// not be waited for once an event.
+class AppearanceOfOneFetch final : public Platform::Appearance {
+public:
+    explicit AppearanceOfOneFetch(Platform::Appearance const& desktop) : desktop(desktop) {}
+
+    [[nodiscard]] std::optional<Platform::ColorScheme> colorScheme() const override {
+        if (!scheme) scheme = desktop.colorScheme();
+        return *scheme;
+    }
+    [[nodiscard]] std::optional<std::array<double, 3>> accentColor() const override {
+        return desktop.accentColor();
+    }
+
+private:
+    Platform::Appearance const& desktop;
+    mutable std::optional<std::optional<Platform::ColorScheme>> scheme;
+};
 
 // Runs one change of the store; whatever it throws becomes `saveFailed` with its text.
 template <typename Change>
@@ -59,8 +79,9 @@ Foundation::Task<std::vector<MeetEntity>> EventKitMeetRepositoryImpl::fetchAllMe
     auto const predicate = eventStore->predicateForEvents(start, end, calendars);
 
     std::vector<MeetEntity> meets;
+    AppearanceOfOneFetch const appearance(*surroundings.appearance);
     for (auto const& event : eventStore->eventsMatching(predicate))
-        meets.push_back(toMeet(event));
+        meets.push_back(toMeet(event, appearance));
     co_return meets;
 }
 
@@ -73,7 +94,7 @@ Foundation::Task<MeetEntity> EventKitMeetRepositoryImpl::create(MeetEntity meet)
     EventKitMeetMapper::applyRecurrence(meet.metRecurrenceFrequency, meet.metRecurringWeekdays, event,
                                         settings.calendar);
     save(event);
-    co_return toMeet(event);
+    co_return toMeet(event, *surroundings.appearance);
 }
 
 Foundation::Task<MeetEntity> EventKitMeetRepositoryImpl::update(MeetEntity meet) {
@@ -88,7 +109,7 @@ Foundation::Task<MeetEntity> EventKitMeetRepositoryImpl::update(MeetEntity meet)
     EventKitMeetMapper::applyRecurrence(meet.metRecurrenceFrequency, meet.metRecurringWeekdays, event,
                                         settings.calendar);
     save(event);
-    co_return toMeet(event);
+    co_return toMeet(event, *surroundings.appearance);
 }
 
 Foundation::Task<void> EventKitMeetRepositoryImpl::deleteMeet(MeetEntity meet) {
@@ -108,7 +129,8 @@ Foundation::Task<void> EventKitMeetRepositoryImpl::deleteMeet(MeetEntity meet) {
 Foundation::Task<std::vector<EventKitAccountCalendarsEntity>>
 EventKitMeetRepositoryImpl::listAvailableCalendars() {
     co_await requestAccessIfNeeded();
-    co_return EventKitMeetMapper::buildAccountCalendars(eventStore->sources(), *surroundings.appearance);
+    AppearanceOfOneFetch const appearance(*surroundings.appearance);
+    co_return EventKitMeetMapper::buildAccountCalendars(eventStore->sources(), appearance);
 }
 
 Foundation::Task<void> EventKitMeetRepositoryImpl::requestAccessIfNeeded() {
@@ -186,10 +208,11 @@ void EventKitMeetRepositoryImpl::remove(Platform::EKEvent const& event, Platform
     reportingRefusal([&] { eventStore->remove(event, span); });
 }
 
-MeetEntity EventKitMeetRepositoryImpl::toMeet(Platform::EKEvent const& event) const {
+MeetEntity EventKitMeetRepositoryImpl::toMeet(Platform::EKEvent const& event,
+                                              Platform::Appearance const& appearance) const {
     auto info = EventKitMeetMapper::recurrenceInfo(event);
     return EventKitMeetMapper::toMeetEntity(event, info.frequency, std::move(info.weekdays),
-                                            *surroundings.texts, *surroundings.appearance);
+                                            *surroundings.texts, appearance);
 }
 
 } // namespace Meetings

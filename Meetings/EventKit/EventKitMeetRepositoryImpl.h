@@ -72,7 +72,8 @@ private:
     void write(MeetEntity const& meet, Platform::EKEvent& event) const;
     void save(Platform::EKEvent& event) const;
     void remove(Platform::EKEvent const& event, Platform::EKSpan span) const;
-    [[nodiscard]] MeetEntity toMeet(Platform::EKEvent const& event) const;
+    [[nodiscard]] MeetEntity toMeet(Platform::EKEvent const& event,
+                                    Platform::Appearance const& appearance) const;
 
     std::shared_ptr<EventKitStoring> eventStore;
     EventKitMeetRepositorySettings settings;

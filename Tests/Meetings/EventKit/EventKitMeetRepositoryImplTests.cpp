@@ -13,6 +13,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstdint>
 #include <limits>
 #include <memory>
@@ -249,6 +250,39 @@ TEST_F(EventKitMeetRepositoryImplTests, withEveryCalendarHiddenNoCalendarIsLooke
     with.hiddenCalendarIdentifiers = {"a1/work", "a1/home"};
     EXPECT_TRUE(runTask(repository(std::move(with)).fetchAllMeets()).empty());
     EXPECT_EQ(store->queries().front().calendars, std::vector<std::string>{});
+}
+
+TEST_F(EventKitMeetRepositoryImplTests, aFetchAsksTheDesktopOnceAndOnlyForCalendarsWithoutColour) {
+    class CountingAppearance final : public Platform::Appearance {
+    public:
+        [[nodiscard]] std::optional<Platform::ColorScheme> colorScheme() const override {
+            ++questions;
+            return std::nullopt;
+        }
+        [[nodiscard]] std::optional<std::array<double, 3>> accentColor() const override {
+            return std::nullopt;
+        }
+        mutable int questions = 0;
+    };
+    auto const desktop = std::make_shared<CountingAppearance>();
+    EventKitMeetRepositoryImpl repo(std::make_shared<LiveEventKitStore>(store), settings(),
+                                    {.clock = clock, .texts = texts, .appearance = desktop, .logSink = log});
+    store->addEvent(eventAt(friday, "coloured"));
+    runTask(repo.fetchAllMeets());
+    EXPECT_EQ(desktop->questions, 0);
+
+    auto colourless = someCalendar();
+    colourless.cgColor = {.components = std::nullopt};
+    for (auto const* uid : {"u1", "u2", "u3"}) {
+        auto event = eventAt(friday, uid);
+        event.calendar = std::make_shared<Platform::EKCalendar const>(colourless);
+        store->addEvent(event);
+    }
+    auto const meets = runTask(repo.fetchAllMeets());
+    EXPECT_EQ(desktop->questions, 1);
+    EXPECT_EQ(meets.back().metColor.hexValue, "#5CC2C6");
+    runTask(repo.fetchAllMeets());
+    EXPECT_EQ(desktop->questions, 2);
 }
 
 TEST_F(EventKitMeetRepositoryImplTests, aReadThatFailsPassesOnAsItIs) {
