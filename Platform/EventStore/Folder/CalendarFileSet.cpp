@@ -14,38 +14,31 @@ void CalendarFileSet::update(std::filesystem::path const& folder, std::vector<st
         while (known != entries.end() && known->name < name)
             ++known;
         bool const isKnown = known != entries.end() && known->name == name;
-        next.push_back(refreshed(isKnown ? &*known : nullptr, folder, name, now));
+        auto entry = isKnown ? std::move(*known) : Entry{.name = name, .path = folder / name};
+        if (isKnown) ++known;
+        refresh(entry, now);
+        next.push_back(std::move(entry));
     }
     entries = std::move(next);
 }
 
-CalendarFileSet::Entry CalendarFileSet::refreshed(Entry const* known, std::filesystem::path const& folder,
-                                                  std::string const& name, std::int64_t now) {
-    auto path = folder / name;
-    auto const failed = [&](std::string reason) {
-        return Entry{.name = name,
-                     .path = path,
-                     .stamp = {},
-                     .wasYoung = true,
-                     .file = nullptr,
-                     .failure = std::move(reason)};
+void CalendarFileSet::refresh(Entry& entry, std::int64_t now) {
+    auto const fail = [&](std::string reason) {
+        entry.file = nullptr;
+        entry.failure = std::move(reason);
     };
-    auto const stamp = stampOfRegularFile(path);
-    if (!stamp) return failed(stamp.error());
-    if (known && known->file && !known->wasYoung && known->stamp == *stamp) return *known;
+    auto const stamp = stampOfRegularFile(entry.path);
+    if (!stamp) return fail(stamp.error());
+    if (entry.file && !entry.wasYoung && entry.stamp == *stamp) return;
 
     ++readCount;
-    auto read = readRegularFile(path);
-    if (!read) return failed(read.error());
+    auto read = readRegularFile(entry.path);
+    if (!read) return fail(read.error());
+    entry.stamp = read->stamp;
+    entry.wasYoung = read->stamp.isYoung(now);
     // The same bytes give the same file: an object that stays spares the caller to sort it in again.
-    bool const isSame = known && known->file && *known->file->bytes == read->content;
-    auto file = isSame ? known->file : ICalendar::read(std::move(read->content), path.string());
-    return {.name = name,
-            .path = std::move(path),
-            .stamp = read->stamp,
-            .wasYoung = read->stamp.isYoung(now),
-            .file = std::move(file),
-            .failure = {}};
+    if (entry.file && *entry.file->bytes == read->content) return;
+    entry.file = ICalendar::read(std::move(read->content), entry.path.string());
 }
 
 std::vector<std::shared_ptr<ICalendar::CalendarFile const>> CalendarFileSet::files() const {

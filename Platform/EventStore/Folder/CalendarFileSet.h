@@ -34,14 +34,13 @@ private:
     struct Entry {
         std::string name;
         std::filesystem::path path;
-        FileStamp stamp;
-        bool wasYoung;
-        std::shared_ptr<ICalendar::CalendarFile const> file; ///< Null when it could not be read.
-        std::string failure;                                 ///< Why not.
+        FileStamp stamp = {};
+        bool wasYoung = true;
+        std::shared_ptr<ICalendar::CalendarFile const> file = nullptr; ///< Null when it could not be read.
+        std::string failure = {};                                      ///< Why not.
     };
 
-    Entry refreshed(Entry const* known, std::filesystem::path const& folder, std::string const& name,
-                    std::int64_t now);
+    void refresh(Entry& entry, std::int64_t now);
 
     std::vector<Entry> entries;
     std::int64_t readCount = 0;
