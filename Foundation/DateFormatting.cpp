@@ -147,6 +147,11 @@ std::optional<Date> dateFromISO8601(std::string_view text) {
 
 std::optional<Date> momentFromISO8601(std::string_view text, Calendar const& calendar) {
     if (auto const instant = dateFromISO8601(text)) return instant;
+    // "2026-03-11T09:00Z": the seconds may be left out before an offset, too.
+    constexpr std::size_t minutesEnd = 16;
+    if (text.size() > minutesEnd && text[minutesEnd] != ':')
+        return dateFromISO8601(std::string(text.substr(0, minutesEnd)) + ":00" +
+                               std::string(text.substr(minutesEnd)));
 
     FixedFormReader reader(text);
     auto components = readDay(reader);

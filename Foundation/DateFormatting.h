@@ -31,9 +31,9 @@ std::string iso8601(Date date);
 /// for anything else, fractions of a second included.
 std::optional<Date> dateFromISO8601(std::string_view text);
 
-/// Reads a moment as a person types it: an ISO 8601 instant as above, or without an offset
-/// ("2026-03-11T09:00", seconds optional, a day alone is its first instant), which is then read on the
-/// calendar's clocks. Absent for anything else.
+/// Reads a moment as a person types it: an ISO 8601 instant as above, its seconds optional, or one without
+/// an offset ("2026-03-11T09:00"; a day alone is its first instant), which is then read on the calendar's
+/// clocks. Absent for anything else.
 std::optional<Date> momentFromISO8601(std::string_view text, Calendar const& calendar);
 
 } // namespace Foundation

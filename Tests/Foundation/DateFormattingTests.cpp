@@ -73,6 +73,8 @@ TEST(MomentTests, aMomentWithoutOffsetLiesOnTheCalendarsClocks) {
     EXPECT_EQ(momentFromISO8601("2026-03-11T09:00", madrid), at(1773216000));
     EXPECT_EQ(momentFromISO8601("2026-03-11T09:00:30", madrid), at(1773216030));
     EXPECT_EQ(momentFromISO8601("2026-03-11T09:00:00Z", madrid), at(1773219600));
+    EXPECT_EQ(momentFromISO8601("2026-03-11T09:00Z", madrid), at(1773219600));
+    EXPECT_EQ(momentFromISO8601("2026-03-11T05:00-04:00", madrid), at(1773219600));
     EXPECT_EQ(momentFromISO8601("2026-03-11", madrid), at(1773183600));
     EXPECT_EQ(momentFromISO8601("2018-11-04", calendarIn("America/Sao_Paulo")), at(1541300400));
 }
