@@ -1,0 +1,155 @@
+#include "PrivateHome.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <ostream>
+
+namespace {
+
+namespace JSON = Foundation::JSON;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+std::string const oneEvent = calendarFile(event("u1", "Tea", ":20260311T090000Z", ":20260311T093000Z"));
+
+// A home in use, with one calendar and the widget two days ahead.
+class BadInputJourneys : public testing::Test {
+protected:
+    void SetUp() override {
+        home.write(home.calendars() / "home" / "tea.ics", oneEvent);
+        home.setUp();
+        home.write(home.container() / "scheduleWidgetDayOffset.json", "2");
+    }
+
+    PrivateHome home;
+    std::vector<std::string> const look = {"--at", "2026-03-09T08:00"};
+};
+
+struct WrongUse {
+    char const* name;
+    std::vector<std::string> words;
+    char const* mentions; // What the one line must name.
+};
+
+void PrintTo(WrongUse const& wrongUse, std::ostream* stream) {
+    *stream << wrongUse.name;
+}
+
+class WrongUseJourneys : public BadInputJourneys, public testing::WithParamInterface<WrongUse> {};
+
+TEST_P(WrongUseJourneys, isOneLineAndChangesNothing) {
+    auto const before = home.snapshot();
+    auto const result = home.quillora(GetParam().words);
+    EXPECT_EQ(result.exitCode, 2);
+    EXPECT_EQ(result.output, "");
+    EXPECT_THAT(result.errors, StartsWith("quillora: "));
+    EXPECT_THAT(result.errors, HasSubstr(GetParam().mentions));
+    EXPECT_EQ(std::ranges::count(result.errors, '\n'), 1);
+    EXPECT_TRUE(result.errors.ends_with('\n'));
+    EXPECT_EQ(home.snapshot(), before);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    CommandLines, WrongUseJourneys,
+    testing::Values(
+        WrongUse{"command", {"dya"}, "\"dya\""}, WrongUse{"option", {"day", "--frob"}, "\"--frob\""},
+        WrongUse{"optionWithAPicture", {"day", "--png", "a.png", "--frob"}, "\"--frob\""},
+        WrongUse{"family", {"day", "--family", "huge", "--png", "a.png"}, "\"huge\""},
+        WrongUse{"familyNotOffered", {"day", "--family", "extraLarge"}, "\"extraLarge\""},
+        WrongUse{"offset", {"day", "--offset", "two"}, "\"two\""},
+        WrongUse{"offsetWithAFraction", {"day", "--offset", "1.5"}, "\"1.5\""},
+        WrongUse{"offsetPastTheCalendar", {"day", "--offset", "9223372036854775807"}, "9223372036854775807"},
+        WrongUse{"date", {"day", "--day", "2026-02-30", "--png", "a.png"}, "\"2026-02-30\""},
+        WrongUse{"dateWithATime", {"day", "--day", "2026-02-03T10:00"}, "\"2026-02-03T10:00\""},
+        WrongUse{"dateInWords", {"day", "--day", "tomorrow"}, "\"tomorrow\""},
+        WrongUse{"moment", {"day", "--at", "noon"}, "\"noon\""},
+        WrongUse{"scheme", {"day", "--scheme", "blue"}, "\"blue\""},
+        WrongUse{"scale", {"day", "--scale", "0", "--png", "a.png"}, "\"0\""},
+        WrongUse{"scaleNotANumber", {"day", "--scale", "nan", "--png", "a.png"}, "\"nan\""},
+        WrongUse{"scaleTooLarge", {"day", "--scale", "1000", "--png", "a.png"}, "\"1000\""},
+        WrongUse{"folderOfAPicture", {"day", "--svg", "a.svg", "--png", "none/a.png"}, "/none"},
+        WrongUse{"folderAsAPicture", {"day", "--png", "."}, "is a folder"},
+        WrongUse{"twoOutputsAtOnce", {"day", "--json", "--png", "-"}, "standard output"},
+        WrongUse{"missingSource", {"sources", "add", "/none/at/all"}, "/none/at/all"},
+        WrongUse{"fileAsSource", {"sources", "add", "calendars/home/tea.ics"}, "tea.ics is not a folder"},
+        WrongUse{"sourceTwice", {"sources", "add", "calendars"}, "is a source already"},
+        WrongUse{"sourceTwiceByAnotherWay", {"sources", "add", "calendars/home/.."}, "is a source already"},
+        WrongUse{"sourceWithABlankTitle", {"sources", "add", "data", "--title", " "}, "--title"},
+        WrongUse{"sourceWithALineBreak", {"sources", "add", "a\nb"}, "a b"},
+        WrongUse{"unknownSource", {"sources", "remove", "zzzz"}, "\"zzzz\""},
+        WrongUse{"unknownCalendar", {"calendars", "hide", "zzzz/none"}, "\"zzzz/none\""},
+        WrongUse{"oneUnknownCalendar", {"calendars", "hide", "quillora-native-calendar", "zzzz"}, "\"zzzz\""},
+        WrongUse{"unknownCalendarToShow", {"calendars", "show", "zzzz"}, "\"zzzz\""},
+        WrongUse{"accessWord", {"access", "maybe"}, "\"access maybe\""},
+        WrongUse{"argumentOfSetup", {"setup", "now"}, "\"now\""},
+        WrongUse{"occurrencesOfNothing",
+                 {"occurrences", "none.ics", "--from", "2026-03-01", "--to", "2026-03-02"},
+                 "none.ics"},
+        WrongUse{"occurrencesFromNever",
+                 {"occurrences", "calendars", "--from", "never", "--to", "2026-03-02"},
+                 "\"never\""},
+        WrongUse{"occurrencesBackwards",
+                 {"occurrences", "calendars", "--from", "2026-03-03", "--to", "2026-03-02"},
+                 "--to"},
+        WrongUse{
+            "occurrencesNowhere",
+            {"occurrences", "calendars", "--from", "2026-03-01", "--to", "2026-03-02", "--zone", "Mars/Base"},
+            "\"Mars/Base\""}),
+    [](auto const& instance) { return instance.param.name; });
+
+TEST_F(BadInputJourneys, aDamagedListOfSourcesIsNamedAndKeepsNobodyFromTheRest) {
+    home.write(home.configuration() / "calendar-store.json", "{\"sources\":");
+    auto const day = home.quillora({"day", "--at", "2026-03-09T08:00"});
+    EXPECT_EQ(day.exitCode, 0);
+    EXPECT_EQ(day.output, "Wednesday 11\n\nNo events\n");
+    EXPECT_THAT(day.errors, HasSubstr("calendar-store.json"));
+    auto const list = home.quillora({"sources", "list"});
+    EXPECT_EQ(list.exitCode, 1);
+    EXPECT_THAT(list.errors, HasSubstr("calendar-store.json"));
+}
+
+TEST_F(BadInputJourneys, aDamagedSetOfHiddenCalendarsHidesNothing) {
+    for (auto const* content : {"{}", "[\"a\",3]", "hidden", "", "\xff"}) {
+        home.write(home.container() / "hiddenCalendarIdentifiers.json", content);
+        EXPECT_THAT(meetNames(home.dayJSON(look)), ElementsAre("Tea")) << content;
+    }
+}
+
+TEST_F(BadInputJourneys, aDamagedSetOfAccountsIsAnEmptyDay) {
+    home.write(home.container() / "enabledCalendarAccounts.json", "[\"eventKit\"");
+    EXPECT_THAT(meetNames(home.dayJSON(look)), testing::IsEmpty());
+    home.write(home.container() / "enabledCalendarAccounts.json", "[\"eventKit\",\"other\"]");
+    EXPECT_THAT(meetNames(home.dayJSON(look)), ElementsAre("Tea"));
+}
+
+TEST_F(BadInputJourneys, aDamagedConsentIsNoConsent) {
+    home.write(home.configuration() / "calendar-access.json", "yes");
+    EXPECT_EQ(home.outputOf({"access", "status"}), "Calendar access: not asked yet\n");
+    EXPECT_EQ(*home.dayJSON(look).member("hasAccessError"), JSON::Value(true));
+    home.write(home.configuration() / "calendar-access.json", "7");
+    EXPECT_EQ(home.outputOf({"access", "status"}), "Calendar access: unknown (7), which counts as denied\n");
+    EXPECT_EQ(*home.dayJSON(look).member("hasAccessError"), JSON::Value(true));
+}
+
+TEST_F(BadInputJourneys, aFolderInPlaceOfAPreferenceFileIsNoFile) {
+    std::filesystem::remove(home.container() / "scheduleWidgetDayOffset.json");
+    std::filesystem::create_directory(home.container() / "scheduleWidgetDayOffset.json");
+    EXPECT_EQ(*home.dayJSON(look).member("dayOffset"), JSON::Value(0));
+    EXPECT_EQ(home.quillora({"next"}).exitCode, 1);
+}
+
+TEST_F(BadInputJourneys, helpIsThereForEveryWordOfThePath) {
+    for (auto const& words : std::vector<std::vector<std::string>>{
+             {}, {"--help"}, {"day", "--help"}, {"sources", "--help"}, {"sources", "add", "--help"}}) {
+        auto const result = home.quillora(words);
+        EXPECT_EQ(result.exitCode, 0);
+        EXPECT_THAT(result.output, HasSubstr("Usage:\n  quillora "));
+        EXPECT_EQ(result.errors, "");
+    }
+    EXPECT_THAT(home.outputOf({"--version"}), testing::MatchesRegex("quillora [0-9]+\\.[0-9]+\\.[0-9]+\n"));
+}
+
+} // namespace

@@ -1,0 +1,178 @@
+#include "PrivateHome.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <sys/stat.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+using testing::Not;
+
+std::string const oneEvent = calendarFile(event("u1", "Tea", ":20260311T090000Z", ":20260311T093000Z"));
+
+unsigned modeOf(fs::path const& path) {
+    struct stat status{};
+    EXPECT_EQ(::stat(path.c_str(), &status), 0) << path;
+    return status.st_mode & 07777U;
+}
+
+TEST(SetupJourneys, aNewHomeIsPreparedWithoutAQuestion) {
+    PrivateHome const home;
+    auto const own = (home.folder() / "data/Quillora/Calendars/quillora-native-calendar").string();
+    EXPECT_EQ(home.outputOf({"setup", "--yes"}),
+              "Made Quillora's own calendar: " + own +
+                  "\n"
+                  "The calendars of this computer are switched on\n"
+                  "Calendar access: granted\n"
+                  "Add calendars with \"quillora sources add DIR\"; see your day with \"quillora day\"\n");
+    EXPECT_EQ(home.contentOf(home.container() / "enabledCalendarAccounts.json"), R"(["eventKit"])");
+    EXPECT_EQ(home.contentOf(home.configuration() / "calendar-access.json"), "3");
+    EXPECT_TRUE(fs::is_directory(own));
+    EXPECT_EQ(home.outputOf({"access", "status"}), "Calendar access: granted\n");
+}
+
+TEST(SetupJourneys, whatItMakesIsForThePersonAlone) {
+    PrivateHome const home;
+    home.setUp();
+    for (auto const& folder : {home.container(), home.configuration(), home.folder() / "data" / "Quillora"})
+        EXPECT_EQ(modeOf(folder), 0700U) << folder;
+    for (auto const& file :
+         {home.container() / "enabledCalendarAccounts.json", home.configuration() / "calendar-access.json",
+          home.configuration() / "calendar-store.json"})
+        EXPECT_EQ(modeOf(file), 0600U) << file;
+}
+
+TEST(SetupJourneys, asSecondTimeItChangesNothing) {
+    PrivateHome const home;
+    home.write(home.folder() / ".calendars" / "home" / "tea.ics", oneEvent);
+    ASSERT_EQ(home.quillora({"setup", "--yes"}).exitCode, 0);
+    auto const before = home.snapshot();
+    auto const output = home.outputOf({"setup", "--yes"});
+    EXPECT_THAT(output, HasSubstr("Quillora's own calendar is there: "));
+    EXPECT_THAT(output, HasSubstr("The calendars in " + (home.folder() / ".calendars").string() +
+                                  " are shown already\n"));
+    EXPECT_EQ(home.snapshot(), before);
+}
+
+TEST(SetupJourneys, foldersOfOtherProgramsAreFoundAndShown) {
+    PrivateHome const home;
+    home.write(home.folder() / ".calendars" / "home" / "tea.ics", oneEvent);
+    home.write(home.folder() / "data" / "calendars" / "tea.ics", oneEvent);
+    fs::create_directories(home.folder() / "data" / "khal" / "calendars" / "empty");
+    auto const output = home.outputOf({"setup", "--yes"});
+    EXPECT_THAT(output,
+                HasSubstr("Added \".calendars\" (" + (home.folder() / ".calendars").string() + ") as "));
+    EXPECT_THAT(output,
+                HasSubstr("Added \"calendars\" (" + (home.folder() / "data/calendars").string() + ") as "));
+    EXPECT_THAT(output, Not(HasSubstr("khal")));
+    EXPECT_EQ(meetNames(home.dayJSON({"--at", "2026-03-11T08:00"})),
+              (std::vector<std::string>{"Tea", "Tea"}));
+}
+
+TEST(SetupJourneys, withNobodyToAskItSaysSoAndFails) {
+    PrivateHome const home;
+    home.write(home.folder() / ".calendars" / "home" / "tea.ics", oneEvent);
+    auto const result = home.quillora({"setup"});
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_THAT(result.output, HasSubstr("Calendar access: not asked yet\n"));
+    EXPECT_THAT(result.output, HasSubstr("Left out the calendars in "));
+    EXPECT_EQ(result.errors, "quillora: calendar access was not granted, because nobody could be asked; run "
+                             "\"quillora setup\" in a terminal, or \"quillora setup --yes\"\n");
+    EXPECT_FALSE(fs::exists(home.configuration() / "calendar-access.json"));
+}
+
+TEST(SetupJourneys, onATerminalThePersonIsAsked) {
+    PrivateHome const home;
+    home.write(home.folder() / ".calendars" / "home" / "tea.ics", oneEvent);
+    auto const granted = home.quillora({"setup"}, ProgramRun::Output::terminal, "yes\ny\n");
+    EXPECT_EQ(granted.exitCode, 0) << granted.output;
+    EXPECT_THAT(granted.output, HasSubstr("Calendar access: granted"));
+    EXPECT_THAT(granted.output, HasSubstr("Added \".calendars\""));
+    EXPECT_EQ(home.contentOf(home.configuration() / "calendar-access.json"), "3");
+}
+
+TEST(SetupJourneys, aNoIsRememberedAndCanBeTakenBack) {
+    PrivateHome const home;
+    auto const denied = home.quillora({"setup"}, ProgramRun::Output::terminal, "no\n");
+    EXPECT_EQ(denied.exitCode, 0) << denied.output;
+    EXPECT_EQ(home.contentOf(home.configuration() / "calendar-access.json"), "2");
+    EXPECT_EQ(home.outputOf({"access", "status"}), "Calendar access: denied\n");
+    EXPECT_EQ(home.outputOf({"access", "reset"}), "Calendar access: not asked yet\n");
+    EXPECT_FALSE(fs::exists(home.configuration() / "calendar-access.json"));
+    auto const granted = home.quillora({"setup"}, ProgramRun::Output::terminal, "yes\n");
+    EXPECT_EQ(granted.exitCode, 0) << granted.output;
+    EXPECT_EQ(home.outputOf({"access", "status"}), "Calendar access: granted\n");
+}
+
+TEST(SetupJourneys, beforeTheSetupTheDayIsEmptyAndTheHintNamesIt) {
+    PrivateHome const home;
+    auto const result = home.quillora({"day", "--at", "2026-03-11T08:00"});
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.output, "Wednesday 11\n\nNo events\n");
+    EXPECT_EQ(result.errors,
+              "quillora: the calendars of this computer are not switched on yet; run \"quillora setup\"\n");
+}
+
+TEST(SetupJourneys, withoutAHomeItSaysWhatIsMissing) {
+    PrivateHome home;
+    for (auto const* variable : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME"})
+        home.environment.erase(variable);
+    for (auto const& words : std::vector<std::vector<std::string>>{
+             {"setup", "--yes"}, {"access", "status"}, {"sources", "list"}, {"sources", "add", "/"}}) {
+        auto const result = home.quillora(words);
+        EXPECT_EQ(result.exitCode, 1) << words.front();
+        EXPECT_EQ(result.errors,
+                  "quillora: neither HOME nor XDG_CONFIG_HOME and XDG_DATA_HOME name a folder, so there is "
+                  "no place for Quillora's files; set HOME\n");
+    }
+}
+
+TEST(SourcesJourneys, aFolderIsAddedListedAndRemoved) {
+    PrivateHome const home;
+    home.setUp();
+    auto const list = home.outputOf({"sources", "list"});
+    EXPECT_THAT(list, HasSubstr("  Cal  " + home.calendars().string() + "\n"));
+    auto const removed = home.outputOf({"sources", "remove", "calendars"}); // Relative to the working folder.
+    EXPECT_EQ(removed, "Removed \"Cal\" (" + home.calendars().string() + "); its files stay\n");
+    EXPECT_EQ(home.outputOf({"sources", "list"}),
+              "No folder was added yet; add one with \"quillora sources add DIR\"\n");
+    EXPECT_EQ(home.outputOf({"sources", "list", "--json"}), "{\"version\":1,\"sources\":[]}\n");
+    EXPECT_TRUE(fs::is_directory(home.calendars()));
+}
+
+TEST(SourcesJourneys, aSourceWhoseFolderIsGoneCanBeRemoved) {
+    PrivateHome const home;
+    home.setUp();
+    fs::remove_all(home.calendars());
+    EXPECT_EQ(home.quillora({"day"}).exitCode, 0);
+    EXPECT_EQ(home.quillora({"sources", "remove", home.calendars().string()}).exitCode, 0);
+}
+
+TEST(SourcesJourneys, anEmptyFolderIsAddedWithAWord) {
+    PrivateHome const home;
+    fs::create_directories(home.calendars());
+    ASSERT_EQ(home.quillora({"setup", "--yes"}).exitCode, 0);
+    auto const result = home.quillora({"sources", "add", home.calendars().string()});
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.errors, "quillora: " + home.calendars().string() +
+                                 " holds no .ics file yet, neither itself nor in a folder directly below\n");
+}
+
+TEST(SourcesJourneys, aFolderThatCannotBeReadIsRefused) {
+    if (!canGiveUpOverride()) GTEST_SKIP() << "here root cannot give up its power to read everything";
+    PrivateHome const home;
+    home.setUp();
+    fs::create_directories(home.folder() / "locked");
+    fs::permissions(home.folder() / "locked", fs::perms::none);
+    auto const before = home.contentOf(home.configuration() / "calendar-store.json");
+    auto const result = home.quilloraWithoutOverride({"sources", "add", (home.folder() / "locked").string()});
+    EXPECT_EQ(result.exitCode, 2);
+    EXPECT_EQ(result.errors, "quillora: the folder " + (home.folder() / "locked").string() +
+                                 " cannot be read: Permission denied\n");
+    EXPECT_EQ(home.contentOf(home.configuration() / "calendar-store.json"), before);
+}
+
+} // namespace
