@@ -246,7 +246,7 @@ void SeriesExpansion::addInstance(Instance const& instance, CalendarDuration len
     auto end = endInstant(instance.local, instance.instant, length, clock);
     if (instance.period != nullptr && !master.component->isAllDay()) {
         auto const& period = *instance.period;
-        end = period.end ? master.instant(*period.end, viewer)
+        end = period.end ? instantOfName(*period.end, master)
                          : endInstant(instance.local, instance.instant, *period.duration, clock);
     }
     addOccurrence(master, instance.local, instance.instant, end, length, keyOfInstance(instance.local));
@@ -328,12 +328,15 @@ std::string SeriesExpansion::keyOfOverride(ClockedEvent const& event) const {
     auto const& id = *event.component->recurrenceId;
     if (!series.master()) return id.text();
     auto const& masterStart = series.master()->component->start;
-    auto const& clock = series.master()->clock(viewer);
-    bool const isLocal = masterStart.form == TimeForm::date || id.form == TimeForm::date ||
-                         id.form == TimeForm::floating ||
-                         (id.form == masterStart.form && event.clock(viewer).local(0) == clock.local(0) &&
-                          id.zone == masterStart.zone);
-    auto local = isLocal ? id.localSeconds : clock.local(instantOfName(id, event));
+    auto const zoneName = [](ClockedEvent const& owner, CalendarTime const& time) {
+        return time.form == TimeForm::zoned ? std::string_view(owner.clocks->file->zoneNames[time.zone]) : "";
+    };
+    // The same clock shows the time as it stands; through the instant a time in a gap would come out moved.
+    bool const isSameClock =
+        id.form == masterStart.form && zoneName(event, id) == zoneName(*series.master(), masterStart);
+    bool const isLocal = isSameClock || masterStart.form == TimeForm::date || id.form == TimeForm::date ||
+                         id.form == TimeForm::floating;
+    auto local = isLocal ? id.localSeconds : series.master()->clock(viewer).local(instantOfName(id, event));
     if (id.form == TimeForm::date && masterStart.form != TimeForm::date) {
         local += floorModulo(masterStart.localSeconds, secondsPerDay);
     }

@@ -63,7 +63,7 @@ INSTANTIATE_TEST_SUITE_P(
         Bomb{"impossibleMonthDay",
              "DTSTART:20050103T080000Z\nRRULE:FREQ=MONTHLY;BYMONTHDAY=31;BYMONTH=2,4,6,9,11;COUNT=5\n",
              100'000}),
-    [](auto const& info) { return info.param.name; });
+    [](auto const& sample) { return sample.param.name; });
 
 TEST(BombTests, aRuleOfTooManyTimesIsCutAndReported) {
     auto const found = threeWeeks("DTSTART:20050103T080000Z\nRRULE:FREQ=SECONDLY\n");

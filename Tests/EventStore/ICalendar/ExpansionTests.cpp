@@ -195,6 +195,53 @@ TEST(ExpansionTests, aFloatingTimeIsReadOnTheViewersClock) {
               (Lines{"2026-03-11T12:00:00Z/2026-03-11T12:30:00Z Breakfast"}));
 }
 
+TEST(ExpansionTests, theKeyOfAnOverrideHasTheFormOfTheStart) {
+    std::string const master =
+        eventWith("DTSTART;TZID=Europe/Berlin:20260328T023000\nRRULE:FREQ=DAILY;COUNT=2\n");
+    for (auto const* id :
+         {"RECURRENCE-ID:20260329T013000Z", "RECURRENCE-ID;TZID=America/New_York:20260328T213000"}) {
+        auto const series = seriesOf(master + eventWith(std::string(id) + "\nDTSTART:20260329T100000Z\n"));
+        EXPECT_EQ(keys(series, "2026-03-29T00:00:00Z", "2026-03-30T00:00:00Z"), (Lines{"20260329T033000"}))
+            << id;
+    }
+    for (auto const* id : {"RECURRENCE-ID;TZID=Europe/Berlin:20260329T023000",
+                           "RECURRENCE-ID:20260329T023000", "RECURRENCE-ID;VALUE=DATE:20260329"}) {
+        auto const series = seriesOf(master + eventWith(std::string(id) + "\nDTSTART:20260329T100000Z\n"));
+        EXPECT_EQ(keys(series, "2026-03-29T00:00:00Z", "2026-03-30T00:00:00Z"), (Lines{"20260329T023000"}))
+            << id;
+    }
+}
+
+TEST(ExpansionTests, anAddedPeriodWithoutAZoneIsReadInTheZoneOfTheStart) {
+    auto const series = seriesOf(eventWith("DTSTART;TZID=Europe/Berlin:20260311T090000\n"
+                                           "RDATE;VALUE=PERIOD:20260312T090000/20260312T113000\n"));
+    EXPECT_EQ(happenings(series, "2026-03-12T00:00:00Z", "2026-03-13T00:00:00Z", "Asia/Tokyo"),
+              (Lines{"2026-03-12T08:00:00Z/2026-03-12T10:30:00Z Event"}));
+}
+
+TEST(ExpansionTests, anAddedDayHappensAtTheTimeOfTheStart) {
+    auto const series =
+        seriesOf(eventWith("DTSTART;TZID=Europe/Berlin:20260311T090000\nRDATE;VALUE=DATE:20260330\n"));
+    EXPECT_EQ(happenings(series, "2026-03-12T00:00:00Z", "2026-04-13T00:00:00Z"),
+              (Lines{"2026-03-30T07:00:00Z/2026-03-30T07:00:00Z Event"}));
+}
+
+TEST(ExpansionTests, aUniversalUntilOfADayIsTheDayThatItNames) {
+    auto const series = seriesOf(eventWith("DTSTART:20260309\nRRULE:FREQ=DAILY;UNTIL=20260311T235959Z\n"));
+    EXPECT_EQ(keys(series, "2026-03-01T00:00:00Z", "2026-04-01T00:00:00Z", "Asia/Tokyo"),
+              (Lines{"20260309", "20260310", "20260311"}));
+}
+
+TEST(ExpansionTests, twoTimesThatAGapBringsTogetherHappenOnce) {
+    auto const series = seriesOf(eventWith("DTSTART;TZID=Europe/Berlin:20260328T020000\n"
+                                           "RRULE:FREQ=DAILY;BYHOUR=2,3;COUNT=5\n"));
+    EXPECT_EQ(happenings(series, "2026-03-28T00:00:00Z", "2026-04-01T00:00:00Z"),
+              (Lines{"2026-03-28T01:00:00Z/2026-03-28T01:00:00Z Event",
+                     "2026-03-28T02:00:00Z/2026-03-28T02:00:00Z Event",
+                     "2026-03-29T01:00:00Z/2026-03-29T01:00:00Z Event",
+                     "2026-03-30T00:00:00Z/2026-03-30T00:00:00Z Event"}));
+}
+
 TEST(ExpansionTests, yearsOfExceptionsLeaveTheOneDayThatIsNotExcepted) {
     EXPECT_EQ(
         keys(sampleSeries("ten-years-of-exceptions.ics"), "2026-03-02T00:00:00Z", "2026-03-28T00:00:00Z"),

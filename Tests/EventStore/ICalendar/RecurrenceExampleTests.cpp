@@ -214,7 +214,7 @@ auto const examples = std::vector<Example>{
 };
 
 INSTANTIATE_TEST_SUITE_P(RFC5545, RecurrenceExampleTests, testing::ValuesIn(examples),
-                         [](auto const& info) { return info.param.name; });
+                         [](auto const& sample) { return sample.param.name; });
 
 std::vector<std::string> newYorkKeys(std::string const& start, std::string const& rule, std::string_view from,
                                      std::string_view to) {

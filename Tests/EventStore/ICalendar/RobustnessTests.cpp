@@ -84,7 +84,7 @@ INSTANTIATE_TEST_SUITE_P(
                     WrongValue{"emptyList", "RRULE:FREQ=DAILY;BYHOUR="},
                     WrongValue{"unknownPart", "RRULE:FREQ=DAILY;BYEASTER=0"},
                     WrongValue{"lunarCalendar", "RRULE:RSCALE=CHINESE;FREQ=YEARLY"}),
-    [](auto const& info) { return info.param.name; });
+    [](auto const& sample) { return sample.param.name; });
 
 TEST(RobustnessTests, anEndBeforeTheStartIsNoEnd) {
     auto const series = sampleSeries("end-before-start.ics");

@@ -131,7 +131,7 @@ INSTANTIATE_TEST_SUITE_P(
         ClockChange{"whereWinterTimeIsTheException", "Europe/Dublin", "20260329T013000",
                     "2026-03-29T01:30:00Z"},
         ClockChange{"longAfterTheTables", "Europe/Berlin", "20990701T120000", "2099-07-01T10:00:00Z"}),
-    [](auto const& info) { return info.param.name; });
+    [](auto const& sample) { return sample.param.name; });
 
 } // namespace
 } // namespace Platform::ICalendar
