@@ -1,0 +1,155 @@
+#include "Platform/Keychain/SecretServiceKeychain.h"
+#include "Tests/Keychain/PrivateKeyring.h"
+#include "Tests/Keychain/StubSecretService.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <future>
+
+namespace {
+
+using namespace std::chrono_literals;
+using Foundation::SecretBytes;
+using Platform::GenericPasswordIdentity;
+using Platform::KeychainStatus;
+using Platform::SecretServiceKeychain;
+
+GenericPasswordIdentity const theKey{.service = "Tests.Provider", .account = "Key"};
+SecretBytes const theBytes = SecretBytes::filledBy(64, [](auto bytes) { bytes[3] = std::byte{200}; });
+
+/// Far below a minute, and more than a busy computer needs to answer.
+SecretServiceKeychain::Patience const shortPatience{.answer = 300ms, .person = 300ms};
+constexpr auto wellBelowAMinute = 20s;
+
+void everythingAnswers(SecretServiceKeychain keychain, KeychainStatus status) {
+    auto const match = keychain.copyMatching(theKey);
+    EXPECT_EQ(match.status, status);
+    EXPECT_FALSE(match.data.has_value());
+    EXPECT_EQ(keychain.deleteMatching(theKey), status);
+    EXPECT_EQ(keychain.add(theKey, theBytes), status);
+}
+
+template <typename Work>
+std::chrono::steady_clock::duration timeOf(Work work) {
+    auto const start = std::chrono::steady_clock::now();
+    work();
+    return std::chrono::steady_clock::now() - start;
+}
+
+} // namespace
+
+TEST(SecretServiceKeychainTests, waitsTenSecondsForAnAnswerAndLongerForAPerson) {
+    SecretServiceKeychain::Patience const patience;
+    EXPECT_EQ(patience.answer, 10s);
+    EXPECT_EQ(patience.person, 120s);
+}
+
+TEST(SecretServiceKeychainTests, noBusIsAFailureAndNotAMissingItem) {
+    ::setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent/bus", 1);
+    everythingAnswers(SecretServiceKeychain(), KeychainStatus::ioErr);
+}
+
+TEST(SecretServiceKeychainTests, noServiceIsAFailureAndNotAMissingItem) {
+    PrivateBus const bus;
+    everythingAnswers(SecretServiceKeychain(), KeychainStatus::ioErr);
+}
+
+TEST(SecretServiceKeychainTests, aKeyOutlivesTheDaemon) {
+    PrivateBus const bus;
+    PrivateKeyring keyring(bus);
+    keyring.start(PrivateKeyring::Login::unlocked);
+    SecretServiceKeychain keychain;
+    ASSERT_EQ(keychain.add(theKey, theBytes), KeychainStatus::success);
+    keyring.stop();
+    EXPECT_EQ(keychain.copyMatching(theKey).status, KeychainStatus::ioErr);
+    keyring.start(PrivateKeyring::Login::unlocked);
+    EXPECT_EQ(keychain.copyMatching(theKey).data, theBytes);
+}
+
+TEST(SecretServiceKeychainTests, aDaemonThatStartsLockedDoesNotSayThatTheKeyIsMissing) {
+    PrivateBus const bus;
+    PrivateKeyring keyring(bus);
+    keyring.start(PrivateKeyring::Login::unlocked);
+    SecretServiceKeychain keychain;
+    ASSERT_EQ(keychain.add(theKey, theBytes), KeychainStatus::success);
+    keyring.stop();
+    keyring.start(PrivateKeyring::Login::locked);
+    everythingAnswers(keychain, KeychainStatus::interactionNotAllowed);
+    keyring.stop();
+    keyring.start(PrivateKeyring::Login::unlocked);
+    EXPECT_EQ(keychain.copyMatching(theKey).data, theBytes);
+}
+
+TEST(SecretServiceKeychainTests, aKeyThatAKillFollowsIsKept) {
+    PrivateBus const bus;
+    PrivateKeyring keyring(bus);
+    keyring.start(PrivateKeyring::Login::unlocked);
+    SecretServiceKeychain keychain;
+    ASSERT_EQ(keychain.add(theKey, theBytes), KeychainStatus::success);
+    keyring.kill();
+    keyring.start(PrivateKeyring::Login::unlocked);
+    EXPECT_EQ(keychain.copyMatching(theKey).data, theBytes);
+}
+
+TEST(SecretServiceKeychainTests, aFrozenDaemonIsAFailureInGoodTime) {
+    PrivateBus const bus;
+    PrivateKeyring keyring(bus);
+    keyring.start(PrivateKeyring::Login::unlocked);
+    SecretServiceKeychain keychain;
+    ASSERT_EQ(keychain.add(theKey, theBytes), KeychainStatus::success);
+    keyring.freeze();
+    auto const taken =
+        timeOf([] { everythingAnswers(SecretServiceKeychain(shortPatience), KeychainStatus::ioErr); });
+    EXPECT_LT(taken, wellBelowAMinute);
+}
+
+TEST(SecretServiceKeychainTests, aDaemonThatIsKilledWhileItIsAskedIsAFailureAtOnce) {
+    PrivateBus const bus;
+    PrivateKeyring keyring(bus);
+    keyring.start(PrivateKeyring::Login::unlocked);
+    keyring.freeze();
+    auto asking = std::async(std::launch::async, [] { return SecretServiceKeychain().copyMatching(theKey); });
+    keyring.kill();
+    EXPECT_EQ(asking.get().status, KeychainStatus::ioErr);
+}
+
+TEST(SecretServiceKeychainTests, theEndOfTheBusIsAFailureAndEndsNobodyElse) {
+    PrivateBus bus;
+    PrivateKeyring keyring(bus);
+    keyring.start(PrivateKeyring::Login::unlocked);
+    SecretServiceKeychain keychain;
+    ASSERT_EQ(keychain.copyMatching(theKey).status, KeychainStatus::itemNotFound);
+    keyring.freeze();
+    auto asking = std::async(std::launch::async, [&] { return keychain.copyMatching(theKey); });
+    bus.stop();
+    EXPECT_EQ(asking.get().status, KeychainStatus::ioErr);
+    EXPECT_EQ(keychain.copyMatching(theKey).status, KeychainStatus::ioErr);
+}
+
+TEST(SecretServiceKeychainTests, aServiceThatRefusesIsToldApart) {
+    PrivateBus const bus;
+    StubSecretService const service(bus.address(), StubSecretService::Manner::denies);
+    everythingAnswers(SecretServiceKeychain(), KeychainStatus::authFailed);
+}
+
+TEST(SecretServiceKeychainTests, aServiceThatNeverAnswersIsAFailureInGoodTime) {
+    PrivateBus const bus;
+    StubSecretService const service(bus.address(), StubSecretService::Manner::staysSilent);
+    auto const taken =
+        timeOf([] { everythingAnswers(SecretServiceKeychain(shortPatience), KeychainStatus::ioErr); });
+    EXPECT_LT(taken, wellBelowAMinute);
+}
+
+TEST(SecretServiceKeychainTests, aServiceThatDiesOnTheCallIsAFailure) {
+    PrivateBus const bus;
+    StubSecretService const service(bus.address(), StubSecretService::Manner::diesOnCall);
+    everythingAnswers(SecretServiceKeychain(), KeychainStatus::ioErr);
+}
+
+TEST(SecretServiceKeychainTests, anErrorThatNobodyKnowsIsAFailure) {
+    PrivateBus const bus;
+    StubSecretService const service(bus.address(), StubSecretService::Manner::failsOddly);
+    everythingAnswers(SecretServiceKeychain(), KeychainStatus::ioErr);
+}
