@@ -8,7 +8,7 @@ END
 }
 
 dev_fuzz() {
-    local seconds=${1:-60} target name corpus
+    local seconds=${1:-60} target name corpus words
     [[ $seconds =~ ^[1-9][0-9]*$ ]] || wrong_use "\"$seconds\" is not a number of seconds"
     need build
     build_preset fuzz quillora_fuzzers
@@ -16,8 +16,11 @@ dev_fuzz() {
         name=$(basename "$target")
         corpus=build/fuzz-corpus/$name
         mkdir -p "$corpus"
+        words=()
+        [ ! -f "Fuzzing/Seeds/$name.dict" ] || words=(-dict="Fuzzing/Seeds/$name.dict")
         say "Fuzzing: $name, $seconds s"
-        "$target" -max_total_time="$seconds" -timeout=5 -dict="Fuzzing/Seeds/$name.dict" -artifact_prefix="$corpus/" "$corpus" "Fuzzing/Seeds/$name" ||
+        "$target" -max_total_time="$seconds" -timeout=5 "${words[@]}" -artifact_prefix="$corpus/" \
+            "$corpus" "Fuzzing/Seeds/$name" ||
             fail "$name found something; the input is the newest file in $corpus"
     done
 }
