@@ -112,9 +112,9 @@ int runWidget(Widget::WidgetOptions const& options, Foundation::Environment cons
     auto const places = services.calendarPlaces();
     watches.emplace(*services.files(),
                     places.transform([](auto const& known) { return known.configurationDirectory; }), reload);
-    Platform::ReloadListener const listener(reload);
-    Platform::PortalAppearanceWatch const appearanceWatch(Platform::sessionBusAddress(environment),
-                                                          [&] { looks.askAgain(); });
+    auto const bus = Platform::sessionBusAddress(environment);
+    Platform::ReloadListener const listener(bus, reload);
+    Platform::PortalAppearanceWatch const appearanceWatch(bus, [&] { looks.askAgain(); });
     auto const interrupted = Platform::GLibSource::onSignal(SIGINT, quit);
     auto const terminated = Platform::GLibSource::onSignal(SIGTERM, quit);
 

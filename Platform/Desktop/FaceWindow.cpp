@@ -58,7 +58,11 @@ public:
           previous(makeDayButton()),
           next(makeDayButton()) {
         gtk_window_set_title(GTK_WINDOW(window), texts.title.c_str());
-        gtk_window_set_icon_name(GTK_WINDOW(window), iconName);
+        if (placement == WindowPlacement::window) {
+            // Finding an icon reads the icon themes, which costs as much as drawing the face; on the desktop
+            // no list of windows shows it.
+            gtk_window_set_icon_name(GTK_WINDOW(window), iconName);
+        }
         gtk_window_set_resizable(GTK_WINDOW(window), FALSE);
         placeWindow(GTK_WINDOW(window), placement);
         gtk_container_add(GTK_CONTAINER(container), previous);
@@ -182,12 +186,18 @@ private:
         if (gtk_widget_get_realized(window) == FALSE || !content) {
             return;
         }
-        if (gdk_screen_is_composited(gtk_widget_get_screen(window)) != FALSE) {
-            gtk_widget_shape_combine_region(window, nullptr);
+        bool const isComposited = gdk_screen_is_composited(gtk_widget_get_screen(window)) != FALSE;
+        auto const wanted = isComposited ? std::pair(0, 0)
+                                         : std::pair(static_cast<int>(std::ceil(geometry.width)),
+                                                     static_cast<int>(std::ceil(geometry.height)));
+        if (std::exchange(cutSize, wanted) == wanted) {
             return;
         }
-        cutCorners(window, static_cast<int>(std::ceil(geometry.width)),
-                   static_cast<int>(std::ceil(geometry.height)), geometry.cornerRadius);
+        if (isComposited) {
+            gtk_widget_shape_combine_region(window, nullptr);
+        } else {
+            cutCorners(window, wanted.first, wanted.second, geometry.cornerRadius);
+        }
     }
 
     bool fillTooltip(int x, int y, GtkTooltip* tooltip) const {
@@ -267,6 +277,7 @@ private:
     FaceGeometry geometry{.width = 0, .height = 0, .cornerRadius = 0, .rows = {}, .buttons = {}};
     std::function<void()> paintedHandler;
     bool hasPainted = false;
+    std::pair<int, int> cutSize{0, 0}; // Nothing while the window is not cut.
 
     GtkWidget* window; // Owned by the toolkit until it is destroyed; the others live with it.
     GtkWidget* container;

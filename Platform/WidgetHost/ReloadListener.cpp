@@ -48,8 +48,13 @@ struct ReloadListener::State {
     guint subscription = 0;
 };
 
-ReloadListener::ReloadListener(std::function<void()> onRequest)
-    : state(std::make_unique<State>(std::move(onRequest))) {}
+ReloadListener::ReloadListener(std::optional<std::string> const& busAddress,
+                               std::function<void()> onRequest) {
+    // The library would start a bus of its own where there is none, and leave it behind.
+    if (busAddress) {
+        state = std::make_unique<State>(std::move(onRequest));
+    }
+}
 
 ReloadListener::~ReloadListener() = default;
 

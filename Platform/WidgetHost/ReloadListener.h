@@ -2,6 +2,8 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
+#include <string>
 
 namespace Platform {
 
@@ -9,8 +11,9 @@ namespace Platform {
 /// requests that were sent before are not heard.
 class ReloadListener final {
 public:
-    /// `onRequest` is called on GLib's default main context.
-    explicit ReloadListener(std::function<void()> onRequest);
+    /// `onRequest` is called on GLib's default main context. `busAddress` is that of the process's own
+    /// session bus; without one nothing is heard, and none is started.
+    ReloadListener(std::optional<std::string> const& busAddress, std::function<void()> onRequest);
     ReloadListener(ReloadListener const&) = delete;
     ReloadListener& operator=(ReloadListener const&) = delete;
     ~ReloadListener();
