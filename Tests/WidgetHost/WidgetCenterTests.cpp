@@ -32,8 +32,9 @@ public:
         g_object_unref(bus);
     }
 
+    [[nodiscard]] std::string address() const { return g_test_dbus_get_bus_address(bus); }
     [[nodiscard]] Environment environment() const {
-        return Environment().setting("DBUS_SESSION_BUS_ADDRESS", g_test_dbus_get_bus_address(bus));
+        return Environment().setting("DBUS_SESSION_BUS_ADDRESS", address());
     }
 
 private:
@@ -54,8 +55,8 @@ TEST(SessionBusWidgetCenterTests, requestReachesEveryListener) {
     Platform::SessionBusWidgetCenter center(bus.environment());
     int first = 0;
     int second = 0;
-    Platform::ReloadListener const firstListener([&] { ++first; });
-    Platform::ReloadListener const secondListener([&] { ++second; });
+    Platform::ReloadListener const firstListener(bus.address(), [&] { ++first; });
+    Platform::ReloadListener const secondListener(bus.address(), [&] { ++second; });
     sendUntilHeard(center, first);
     ASSERT_TRUE(LoopDriver::runUntil([&] { return second > 0; }));
 
@@ -69,11 +70,11 @@ TEST(SessionBusWidgetCenterTests, listenerThatHasGoneHearsNothing) {
     Platform::SessionBusWidgetCenter center(bus.environment());
     int gone = 0;
     int stays = 0;
-    auto listener = std::make_unique<Platform::ReloadListener>([&] { ++gone; });
+    auto listener = std::make_unique<Platform::ReloadListener>(bus.address(), [&] { ++gone; });
     sendUntilHeard(center, gone);
     listener.reset();
     int const before = gone;
-    Platform::ReloadListener const other([&] { ++stays; });
+    Platform::ReloadListener const other(bus.address(), [&] { ++stays; });
     sendUntilHeard(center, stays);
     EXPECT_EQ(gone, before);
 }
@@ -82,7 +83,7 @@ TEST(SessionBusWidgetCenterTests, listenerMayGoBeforeItHasConnected) {
     PrivateBus const bus;
     int heard = 0;
     {
-        Platform::ReloadListener const listener([&] { ++heard; });
+        Platform::ReloadListener const listener(bus.address(), [&] { ++heard; });
     }
     Platform::SessionBusWidgetCenter center(bus.environment());
     center.reloadAllTimelines();

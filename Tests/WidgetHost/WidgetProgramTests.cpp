@@ -1,0 +1,353 @@
+#include "ChildProcess.h"
+#include "DisplayServer.h"
+#include "VirtualScreen.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <memory>
+#include <string>
+#include <vector>
+
+// The program itself, in a home and on a display of its own.
+namespace {
+
+constexpr char const* title = "Quillora";
+constexpr std::uint32_t wednesdayColor = 0xD1495B;
+constexpr std::uint32_t thursdayColor = 0x2E86AB;
+constexpr std::uint32_t lightBrand = 0x5CC2C6;
+constexpr std::uint32_t darkBrand = 0x696F9B;
+
+char const* searchPath() {
+    char const* const path = std::getenv("PATH");
+    return path == nullptr ? "/usr/local/bin:/usr/bin:/bin" : path;
+}
+
+std::string readFile(std::filesystem::path const& path) {
+    std::ifstream file(path);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+class WidgetProgramTests : public testing::Test {
+protected:
+    WidgetProgramTests() {
+        std::string pattern = testing::TempDir() + "widget-XXXXXX";
+        home = mkdtemp(pattern.data());
+        for (char const* const folder : {"config/quillora", "data/group.quillora", "cache", "run"}) {
+            std::filesystem::create_directories(home / folder);
+        }
+        std::filesystem::permissions(home / "run", std::filesystem::perms::owner_all);
+        environment = {
+            {"PATH", searchPath()},
+            {"HOME", home.native()},
+            {"XDG_CONFIG_HOME", home / "config"},
+            {"XDG_DATA_HOME", home / "data"},
+            {"XDG_CACHE_HOME", home / "cache"},
+            {"XDG_RUNTIME_DIR", home / "run"},
+            {"DISPLAY", display.name()},
+            {"GDK_BACKEND", "x11"},
+            {"NO_AT_BRIDGE", "1"},
+            {"GSETTINGS_BACKEND", "memory"},
+            {"LANG", "C.UTF-8"},
+            {"TZ", "Europe/Berlin"},
+        };
+        giveAccess();
+        addCalendar("Wednesday", "D1495B", "20260311T100000", "20260311T110000");
+        addCalendar("Thursday", "2E86AB", "20260312T100000", "20260312T110000");
+    }
+    ~WidgetProgramTests() override {
+        widget.reset();
+        std::filesystem::remove_all(home);
+    }
+
+    void write(std::filesystem::path const& path, std::string const& text) const {
+        auto const aside = path.parent_path() / ".aside";
+        std::ofstream(aside) << text;
+        std::filesystem::rename(aside, path);
+    }
+
+    void giveAccess() const {
+        write(home / "config/quillora/calendar-access.json", "3");
+        write(home / "data/group.quillora/enabledCalendarAccounts.json", R"(["eventKit"])");
+        write(home / "config/quillora/calendar-store.json",
+              R"({"version":1,"sources":[{"kind":"folder","id":"k3fa","path":")" +
+                  (home / "calendars").native() + R"(","title":"Test"}]})");
+    }
+
+    void addCalendar(std::string const& name, std::string const& color, std::string const& start,
+                     std::string const& end) const {
+        auto const folder = home / "calendars" / name;
+        std::filesystem::create_directories(folder);
+        std::ofstream(folder / "color") << "#" + color;
+        std::ofstream(folder / "event.ics")
+            << "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:test\r\nBEGIN:VEVENT\r\nUID:" + name +
+                   "\r\nSUMMARY:" + name + "\r\nDTSTAMP:20260101T000000Z\r\nDTSTART:" + start +
+                   "\r\nDTEND:" + end + "\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n";
+    }
+
+    static std::vector<std::string> command(std::vector<std::string> options) {
+        options.insert(options.begin(), QUILLORA_BUILD_DIR "/bin/quillora-widget");
+        return options;
+    }
+
+    /// Starts the widget, at nine on Wednesday unless the options say otherwise, and waits for its day.
+    void open(std::vector<std::string> options = {"--at", "2026-03-11T09:00"}) {
+        options.emplace_back("--print-first-frame");
+        widget = std::make_unique<ChildProcess>(command(std::move(options)), environment);
+        ASSERT_TRUE(widget->readLine().has_value()) << widget->errorText();
+    }
+
+    [[nodiscard]] std::optional<VirtualScreen::Picture> dayWith(std::uint32_t color,
+                                                                std::uint32_t without) const {
+        return screen.pictureWhen(
+            title, [=](auto const& shown) { return shown.count(color) > 0 && shown.count(without) == 0; });
+    }
+    [[nodiscard]] bool showsWednesday() const { return dayWith(wednesdayColor, thursdayColor).has_value(); }
+    [[nodiscard]] bool showsThursday() const { return dayWith(thursdayColor, wednesdayColor).has_value(); }
+
+    [[nodiscard]] std::filesystem::path offsetFile() const {
+        return home / "data/group.quillora/scheduleWidgetDayOffset.json";
+    }
+
+    std::filesystem::path home;
+    DisplayServer display;
+    VirtualScreen screen{display.name()};
+    ChildProcess::Environment environment;
+    std::unique_ptr<ChildProcess> widget;
+};
+
+TEST_F(WidgetProgramTests, eachFamilyHasItsSizeAndShowsTheDay) {
+    struct Row {
+        char const* family;
+        int width;
+        int height;
+    };
+    for (auto const& row : {Row{.family = "small", .width = 170, .height = 170},
+                            Row{.family = "medium", .width = 364, .height = 170},
+                            Row{.family = "large", .width = 364, .height = 382}}) {
+        SCOPED_TRACE(row.family);
+        open({"--at", "2026-03-11T09:00", "--family", row.family});
+        auto const shown = dayWith(wednesdayColor, thursdayColor);
+        ASSERT_TRUE(shown.has_value());
+        EXPECT_EQ(shown->width, row.width);
+        EXPECT_EQ(shown->height, row.height);
+        EXPECT_GT(shown->count(lightBrand), 50);
+        EXPECT_GT(shown->count(0xFFFFFF), row.width * row.height / 2);
+    }
+}
+
+TEST_F(WidgetProgramTests, schemeDarkIsDark) {
+    open({"--at", "2026-03-11T09:00", "--scheme", "dark"});
+    auto const shown = dayWith(wednesdayColor, thursdayColor);
+    ASSERT_TRUE(shown.has_value());
+    EXPECT_GT(shown->count(darkBrand), 50);
+    EXPECT_GT(shown->count(0x000000), shown->width * shown->height / 2);
+}
+
+TEST_F(WidgetProgramTests, keysMoveTheDayAndStoreIt) {
+    open();
+    ASSERT_TRUE(showsWednesday());
+    screen.press(title, "Right");
+    EXPECT_TRUE(showsThursday());
+    EXPECT_EQ(readFile(offsetFile()), "1");
+    screen.press(title, "Prior");
+    EXPECT_TRUE(showsWednesday());
+    EXPECT_EQ(readFile(offsetFile()), "0");
+    screen.press(title, "Next");
+    EXPECT_TRUE(showsThursday());
+    screen.press(title, "Home");
+    EXPECT_TRUE(showsWednesday());
+    EXPECT_EQ(readFile(offsetFile()), "0");
+}
+
+TEST_F(WidgetProgramTests, buttonsAnswerThePointerInAllOfTheirArea) {
+    open();
+    auto const before = dayWith(wednesdayColor, thursdayColor);
+    ASSERT_TRUE(before.has_value());
+    // The corner of the right button's area, well away from its sign.
+    screen.pointAt(title, before->width - 14, 16);
+    auto const hovered = screen.pictureWhen(title, [&](auto const& shown) { return shown != *before; });
+    ASSERT_TRUE(hovered.has_value()) << "the button does not answer the pointer";
+    screen.click();
+    EXPECT_TRUE(showsThursday());
+    EXPECT_EQ(readFile(offsetFile()), "1");
+    screen.pointAt(title, 14, 16);
+    screen.click();
+    EXPECT_TRUE(showsWednesday());
+    EXPECT_EQ(readFile(offsetFile()), "0");
+}
+
+TEST_F(WidgetProgramTests, buttonsAreReachedAndPressedByTheKeyboard) {
+    open();
+    ASSERT_TRUE(showsWednesday());
+    // The left button has the focus from the start; Tab shows it on the right one.
+    screen.press(title, "Tab");
+    screen.press(title, "space");
+    EXPECT_TRUE(showsThursday());
+    screen.press(title, "Tab", "Shift_L");
+    screen.press(title, "Return");
+    EXPECT_TRUE(showsWednesday());
+}
+
+TEST_F(WidgetProgramTests, escapeDoesNothingAndControlQQuits) {
+    open();
+    ASSERT_TRUE(showsWednesday());
+    screen.press(title, "Escape");
+    screen.press(title, "Right");
+    EXPECT_TRUE(showsThursday());
+    screen.press(title, "q", "Control_L");
+    EXPECT_EQ(widget->wait(), 0);
+    EXPECT_EQ(widget->errorText(), "");
+}
+
+TEST_F(WidgetProgramTests, pressInAnotherProcessIsFollowedWithoutABus) {
+    open();
+    ASSERT_TRUE(showsWednesday());
+    write(offsetFile(), "1");
+    EXPECT_TRUE(showsThursday());
+}
+
+TEST_F(WidgetProgramTests, storedDayIsShownFromTheStart) {
+    write(offsetFile(), "1");
+    open();
+    EXPECT_TRUE(showsThursday());
+}
+
+TEST_F(WidgetProgramTests, damagedPreferenceFilesShowToday) {
+    for (std::string const content : {"", "{}", "3.5", "\xFF\xFE", "[1"}) {
+        SCOPED_TRACE(content);
+        write(offsetFile(), content);
+        open();
+        EXPECT_TRUE(showsWednesday());
+    }
+}
+
+TEST_F(WidgetProgramTests, hiddenCalendarLeavesAtOnce) {
+    open();
+    ASSERT_TRUE(showsWednesday());
+    write(home / "data/group.quillora/hiddenCalendarIdentifiers.json", R"(["k3fa\/Wednesday"])");
+    EXPECT_TRUE(screen
+                    .pictureWhen(title,
+                                 [](auto const& shown) {
+                                     return shown.count(wednesdayColor) == 0 && shown.count(lightBrand) > 0;
+                                 })
+                    .has_value());
+}
+
+TEST_F(WidgetProgramTests, accessThatIsTakenBackShowsNoMeets) {
+    open();
+    ASSERT_TRUE(showsWednesday());
+    write(home / "config/quillora/calendar-access.json", "2");
+    EXPECT_TRUE(screen.pictureWhen(title, [](auto const& shown) { return shown.count(wednesdayColor) == 0; })
+                    .has_value());
+}
+
+TEST_F(WidgetProgramTests, terminationIsACleanEnd) {
+    for (int const number : {SIGTERM, SIGINT}) {
+        open();
+        widget->signal(number);
+        EXPECT_EQ(widget->wait(), 0);
+        EXPECT_EQ(widget->errorText(), "");
+    }
+}
+
+TEST_F(WidgetProgramTests, quitAfterFirstFrameEnds) {
+    open({"--at", "2026-03-11T09:00", "--quit-after-first-frame"});
+    EXPECT_EQ(widget->wait(), 0);
+}
+
+TEST_F(WidgetProgramTests, withoutADisplayItSaysSo) {
+    environment.erase("DISPLAY");
+    ChildProcess failing(command({}), environment);
+    EXPECT_EQ(failing.wait(), 1);
+    EXPECT_EQ(failing.errorText(),
+              "quillora-widget: There is no display to open the window on, so nothing is "
+              "shown; \"quillora day\" prints the day.\n");
+}
+
+TEST_F(WidgetProgramTests, wrongUseChangesNothing) {
+    ChildProcess failing(command({"--family", "huge"}), environment);
+    EXPECT_EQ(failing.wait(), 2);
+    EXPECT_EQ(failing.errorText(),
+              "quillora-widget: There is no family \"huge\"; use small, medium or large.\n");
+    EXPECT_FALSE(std::filesystem::exists(offsetFile()));
+}
+
+TEST_F(WidgetProgramTests, nothingIsWrittenButTheOffset) {
+    auto const filesIn = [](std::filesystem::path const& folder) {
+        std::vector<std::string> names;
+        for (auto const& entry : std::filesystem::recursive_directory_iterator(folder)) {
+            if (entry.is_regular_file()) {
+                names.push_back(entry.path().lexically_relative(folder));
+            }
+        }
+        std::ranges::sort(names);
+        return names;
+    };
+    auto before = filesIn(home);
+    open();
+    ASSERT_TRUE(showsWednesday());
+    screen.press(title, "Right");
+    ASSERT_TRUE(showsThursday());
+    screen.press(title, "q", "Control_L");
+    ASSERT_EQ(widget->wait(), 0);
+    before.emplace_back("data/group.quillora/scheduleWidgetDayOffset.json");
+    std::ranges::sort(before);
+    auto after = filesIn(home);
+    // The drawing library's own font cache is not ours.
+    std::erase_if(after, [](auto const& name) { return name.starts_with("cache/fontconfig"); });
+    EXPECT_EQ(after, before);
+}
+
+class WidgetOnABusTests : public WidgetProgramTests {
+protected:
+    WidgetOnABusTests() : bus({"dbus-daemon", "--session", "--nofork", "--print-address=3"}, environment) {
+        auto const address = bus.readLine();
+        EXPECT_TRUE(address.has_value()) << bus.errorText();
+        environment["DBUS_SESSION_BUS_ADDRESS"] = address.value_or("");
+    }
+
+    ChildProcess bus;
+};
+
+TEST_F(WidgetOnABusTests, secondStartHandsItsFamilyOver) {
+    open({});
+    ASSERT_TRUE(screen.pictureWhen(title, [](auto const& shown) { return shown.width == 364; }).has_value());
+    ChildProcess second(command({"--family", "small"}), environment);
+    EXPECT_EQ(second.wait(), 0) << second.errorText();
+    EXPECT_TRUE(
+        screen.pictureWhen(title, [](auto const& shown) { return shown.width == 170 && shown.height == 170; })
+            .has_value());
+}
+
+TEST_F(WidgetOnABusTests, actionsOnTheBusMoveTheDay) {
+    open({});
+    auto const activate = [&](std::string const& action) {
+        ChildProcess call({"gdbus", "call", "--session", "--dest", "com.zentorik.quillora.Widget",
+                           "--object-path", "/com/zentorik/quillora/Widget", "--method",
+                           "org.gtk.Actions.Activate", action, "[]", "{}"},
+                          environment);
+        EXPECT_EQ(call.wait(), 0) << call.errorText();
+    };
+    auto const storedDayIs = [&](std::string const& day) {
+        return screen.pictureWhen(title, [&](auto const&) { return readFile(offsetFile()) == day; })
+            .has_value();
+    };
+    activate("next");
+    EXPECT_TRUE(storedDayIs("1"));
+    activate("previous");
+    EXPECT_TRUE(storedDayIs("0"));
+    activate("previous");
+    EXPECT_TRUE(storedDayIs("-1"));
+    activate("today");
+    EXPECT_TRUE(storedDayIs("0"));
+    activate("quit");
+    EXPECT_EQ(widget->wait(), 0);
+}
+
+} // namespace
