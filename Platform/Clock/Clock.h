@@ -11,4 +11,4 @@ public:
     [[nodiscard]] virtual Foundation::Date now() const = 0;
 };
 
-}  // namespace Platform
+} // namespace Platform

@@ -16,4 +16,4 @@ private:
     Foundation::Date moment;
 };
 
-}  // namespace Platform
+} // namespace Platform

@@ -10,7 +10,8 @@ namespace Platform {
 class FixedRegionSettings final : public RegionSettings {
 public:
     FixedRegionSettings(Foundation::Calendar calendar, Foundation::Locale locale)
-        : calendar(std::move(calendar)), locale(std::move(locale)) {}
+        : calendar(std::move(calendar)),
+          locale(std::move(locale)) {}
 
     [[nodiscard]] Foundation::Calendar currentCalendar() const override { return calendar; }
     [[nodiscard]] Foundation::Locale currentLocale() const override { return locale; }
@@ -20,4 +21,4 @@ private:
     Foundation::Locale locale;
 };
 
-}  // namespace Platform
+} // namespace Platform

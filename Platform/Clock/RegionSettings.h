@@ -17,4 +17,4 @@ public:
     [[nodiscard]] virtual Foundation::Locale currentLocale() const = 0;
 };
 
-}  // namespace Platform
+} // namespace Platform

@@ -9,4 +9,4 @@ Foundation::Date SystemClock::now() const {
     return {.secondsSince1970 = sinceEpoch.count()};
 }
 
-}  // namespace Platform
+} // namespace Platform

@@ -10,4 +10,4 @@ public:
     [[nodiscard]] Foundation::Date now() const override;
 };
 
-}  // namespace Platform
+} // namespace Platform

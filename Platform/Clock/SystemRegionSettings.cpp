@@ -15,4 +15,4 @@ Foundation::Locale SystemRegionSettings::currentLocale() const {
     return Foundation::Locale::forFormats(environment);
 }
 
-}  // namespace Platform
+} // namespace Platform

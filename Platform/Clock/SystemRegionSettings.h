@@ -18,4 +18,4 @@ private:
     Foundation::Environment environment;
 };
 
-}  // namespace Platform
+} // namespace Platform

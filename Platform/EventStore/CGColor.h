@@ -13,4 +13,4 @@ struct CGColor {
     bool operator==(CGColor const&) const = default;
 };
 
-}  // namespace Platform
+} // namespace Platform

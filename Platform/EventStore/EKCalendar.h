@@ -8,7 +8,7 @@ namespace Platform {
 
 /// One calendar of the store.
 struct EKCalendar {
-    std::string calendarIdentifier;  ///< Stable across restarts.
+    std::string calendarIdentifier; ///< Stable across restarts.
     std::string title;
     CGColor cgColor;
     std::string sourceIdentifier;
@@ -17,4 +17,4 @@ struct EKCalendar {
     bool operator==(EKCalendar const&) const = default;
 };
 
-}  // namespace Platform
+} // namespace Platform

@@ -23,7 +23,7 @@ struct EKEvent {
     std::optional<std::string> calendarItemIdentifier = std::nullopt;
     std::optional<std::string> title = std::nullopt;
     std::optional<Foundation::Date> startDate = std::nullopt;
-    std::optional<Foundation::Date> endDate = std::nullopt;  ///< Exclusive.
+    std::optional<Foundation::Date> endDate = std::nullopt; ///< Exclusive.
     bool isAllDay = false;
     std::optional<std::string> notes = std::nullopt;
     std::optional<std::string> location = std::nullopt;
@@ -39,4 +39,4 @@ struct EKEvent {
     std::int64_t sourceLine = 0;
 };
 
-}  // namespace Platform
+} // namespace Platform

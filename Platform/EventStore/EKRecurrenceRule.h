@@ -12,7 +12,7 @@ enum class EKRecurrenceFrequency : std::uint8_t { daily = 0, weekly = 1, monthly
 
 /// One weekday of a rule; `weekNumber` 0 is every week, 2 the second, -1 the last of the period.
 struct EKRecurrenceDayOfWeek {
-    std::int64_t dayOfTheWeek;  ///< 1 = Sunday … 7 = Saturday; not checked here
+    std::int64_t dayOfTheWeek; ///< 1 = Sunday … 7 = Saturday; not checked here
     std::int64_t weekNumber = 0;
 
     bool operator==(EKRecurrenceDayOfWeek const&) const = default;
@@ -30,4 +30,4 @@ struct EKRecurrenceRule {
     bool operator==(EKRecurrenceRule const&) const = default;
 };
 
-}  // namespace Platform
+} // namespace Platform

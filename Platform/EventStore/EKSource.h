@@ -28,4 +28,4 @@ struct EKSource {
     bool operator==(EKSource const&) const = default;
 };
 
-}  // namespace Platform
+} // namespace Platform

@@ -39,7 +39,8 @@ public:
                                             std::string_view content) const = 0;
 
     /// Adds to the end of a file in one write; a new file has mode 0600. Not atomic, and not synced.
-    virtual std::error_code appendToItem(std::filesystem::path const& path, std::string_view content) const = 0;
+    virtual std::error_code appendToItem(std::filesystem::path const& path,
+                                         std::string_view content) const = 0;
 
     /// Unlinks a file. A folder stays and is an error.
     virtual std::error_code removeItem(std::filesystem::path const& path) const = 0;

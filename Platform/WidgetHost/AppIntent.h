@@ -18,4 +18,4 @@ public:
     virtual Foundation::Task<void> perform() = 0;
 };
 
-}  // namespace Platform
+} // namespace Platform

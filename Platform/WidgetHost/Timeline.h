@@ -24,4 +24,4 @@ struct Timeline {
     TimelineReloadPolicy policy;
 };
 
-}  // namespace Platform
+} // namespace Platform

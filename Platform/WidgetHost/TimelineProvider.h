@@ -28,4 +28,4 @@ public:
                              std::function<void(Timeline<Entry>)> completion) = 0;
 };
 
-}  // namespace Platform
+} // namespace Platform

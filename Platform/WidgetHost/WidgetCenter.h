@@ -11,4 +11,4 @@ public:
     virtual void reloadAllTimelines() = 0;
 };
 
-}  // namespace Platform
+} // namespace Platform

@@ -15,4 +15,4 @@ struct StaticConfiguration {
     std::vector<WidgetFamily> supportedFamilies;
 };
 
-}  // namespace Platform
+} // namespace Platform

@@ -10,7 +10,7 @@ namespace Platform {
 /// The sizes that a widget may be shown in.
 enum class WidgetFamily : std::uint8_t { systemSmall, systemMedium, systemLarge, systemExtraLarge };
 
-}  // namespace Platform
+} // namespace Platform
 
 template <>
 inline constexpr auto Foundation::rawValues<Platform::WidgetFamily> =

@@ -118,8 +118,7 @@ TEST_F(DayJourneys, anotherDayIsLookedAtWithoutMovingTheWidget) {
     EXPECT_THAT(meetNames(home.dayJSON({"--at", at, "--day", "2026-03-12"})), ElementsAre("Dentist"));
     EXPECT_THAT(meetNames(home.dayJSON({"--at", at, "--offset", "-2"})), ElementsAre("Stand-up"));
     EXPECT_EQ(home.snapshot(), before);
-    EXPECT_EQ(*home.dayJSON({"--at", at, "--offset", "-2"}).member("dayOffset"),
-              JSON::Value(-2));
+    EXPECT_EQ(*home.dayJSON({"--at", at, "--offset", "-2"}).member("dayOffset"), JSON::Value(-2));
 }
 
 TEST_F(DayJourneys, aDayBeyondTheButtonsIsShownWhole) {

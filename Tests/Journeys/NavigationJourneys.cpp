@@ -64,9 +64,8 @@ INSTANTIATE_TEST_SUITE_P(
     Files, StoredDayTests,
     testing::Values(StoredDay{"number", "3", 3}, StoredDay{"fractionOfZero", "3.0", 3},
                     StoredDay{"beyondTheButtons", "25", 25}, StoredDay{"text", "\"3\"", 0},
-                    StoredDay{"fraction", "3.5", 0}, StoredDay{"object", "{}", 0},
-                    StoredDay{"empty", "", 0}, StoredDay{"notText", "\xff\xfe", 0},
-                    StoredDay{"tooLarge", "9223372036854775808", 0},
+                    StoredDay{"fraction", "3.5", 0}, StoredDay{"object", "{}", 0}, StoredDay{"empty", "", 0},
+                    StoredDay{"notText", "\xff\xfe", 0}, StoredDay{"tooLarge", "9223372036854775808", 0},
                     StoredDay{"endOfTheType", "9223372036854775807", 9223372036854775807}),
     [](auto const& instance) { return instance.param.name; });
 
