@@ -69,41 +69,64 @@ struct GTimeZoneDeleter {
 using GTimeZonePointer = std::unique_ptr<GTimeZone, GTimeZoneDeleter>;
 
 // Finds every change of a zone by asking in which interval an instant lies. The library answers only that,
-// and slowly, so it is asked once.
+// and slowly: it goes through the intervals from the first one. So it is asked as seldom as can be.
 class ChangeFinder {
 public:
     explicit ChangeFinder(GTimeZone* zone) : zone(zone) {}
 
     std::vector<Change> find() {
-        auto const first = intervalAt(tableStart);
-        changes.push_back({.start = tableStart, .offset = offset(first)});
-        collect(tableStart, first, tableEnd + 2 * secondsPerDay, intervalAt(tableEnd + 2 * secondsPerDay));
+        auto const lastInterval = intervalAt(searchEnd);
+        auto interval = intervalAt(tableStart);
+        changes.push_back({.start = tableStart, .offset = offset(interval)});
+        for (auto known = tableStart; interval != lastInterval;) {
+            known = startOfNext(known, interval);
+            interval = intervalAt(known);
+            starts.push_back(known);
+            // A change of name or of daylight saving alone moves no clock.
+            if (changes.back().offset != offset(interval))
+                changes.push_back({.start = known, .offset = offset(interval)});
+        }
         return std::move(changes);
     }
 
 private:
-    // Appends the changes in (low, high]. Nearly all lie on a quarter of an hour, so that grid comes first.
-    void collect(std::int64_t low, gint lowInterval, std::int64_t high, gint highInterval) {
-        if (lowInterval == highInterval) return;
-        if (high - low == 1) {
-            append(high, offset(highInterval));
-            return;
+    static constexpr std::int64_t searchEnd = tableEnd + 2 * secondsPerDay;
+
+    // The first instant after `known` that lies in another interval.
+    std::int64_t startOfNext(std::int64_t known, gint interval) const {
+        if (auto const guess = guessedStart(known, interval)) return *guess;
+        auto low = known;
+        auto step = 256 * secondsPerDay;
+        auto high = std::min(low + step, searchEnd);
+        while (intervalAt(high) == interval) {
+            low = high;
+            step *= 2;
+            high = std::min(low + step, searchEnd);
         }
-        if (high - low <= 900 && highInterval == lowInterval + 1 && intervalAt(high - 1) == lowInterval) {
-            append(high, offset(highInterval));
-            return;
-        }
-        auto middle = low + (high - low) / 2;
-        if (high - low > 900) middle = floorDivide(middle, 900) * 900;
-        if (middle <= low) middle = low + (high - low) / 2;
-        auto const middleInterval = intervalAt(middle);
-        collect(low, lowInterval, middle, middleInterval);
-        collect(middle, middleInterval, high, highInterval);
+        return startBetween(low, high, interval);
     }
 
-    // A change of name or of daylight saving alone moves no clock.
-    void append(std::int64_t start, std::int32_t newOffset) {
-        if (changes.back().offset != newOffset) changes.push_back({.start = start, .offset = newOffset});
+    // Rules name a weekday, so the change before the last one comes again after 52 or 53 whole weeks.
+    std::optional<std::int64_t> guessedStart(std::int64_t known, gint interval) const {
+        if (starts.size() < 2) return std::nullopt;
+        for (auto const weeks : {52, 53}) {
+            auto const guess = starts[starts.size() - 2] + weeks * 7 * secondsPerDay;
+            if (guess > known && guess <= searchEnd && intervalAt(guess) != interval &&
+                intervalAt(guess - 1) == interval)
+                return guess;
+        }
+        return std::nullopt;
+    }
+
+    // `low` lies in `interval`, `high` no longer does. Nearly all changes lie on a quarter of an hour.
+    std::int64_t startBetween(std::int64_t low, std::int64_t high, gint interval) const {
+        while (high - low > 1) {
+            if (high - low <= 900 && intervalAt(high - 1) == interval) return high;
+            auto middle = low + (high - low) / 2;
+            if (high - low > 900) middle = std::max(floorDivide(middle, 900) * 900, low + 1);
+            (intervalAt(middle) == interval ? low : high) = middle;
+        }
+        return high;
     }
 
     gint intervalAt(std::int64_t seconds) const {
@@ -113,6 +136,7 @@ private:
 
     GTimeZone* zone;
     std::vector<Change> changes;
+    std::vector<std::int64_t> starts; // Of all intervals but the first, whether clocks moved or not.
 };
 
 } // namespace
