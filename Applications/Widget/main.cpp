@@ -1,4 +1,5 @@
 #include "Applications/Composition/LiveServices.h"
+#include "Applications/Widget/CalendarWatches.h"
 #include "Applications/Widget/DayPresses.h"
 #include "Applications/Widget/DesktopLooks.h"
 #include "Applications/Widget/EntryChanges.h"
@@ -20,6 +21,8 @@
 #include "Platform/WidgetHost/TaskThread.h"
 #include "Platform/WidgetHost/TimerfdWallClockTimer.h"
 #include "WidgetExtension/QuilloraWidgetBundle.h"
+
+#include <malloc.h>
 
 #include <csignal>
 #include <cstdio>
@@ -110,8 +113,18 @@ int runWidget(Widget::WidgetOptions const& options, Foundation::Environment cons
     auto const center = std::make_shared<Platform::LocalWidgetCenter>(mainLoop, reload);
     Widget::DayPresses const presses(taskThread.executor(), services.files(), center);
     auto const places = services.calendarPlaces();
+    std::optional<Widget::CalendarWatches> calendars;
+    if (places) {
+        calendars.emplace(*places, services.calendarConfiguration(), taskThread.executor(), mainLoop, reload);
+        calendars->update();
+    }
     watches.emplace(*services.files(),
-                    places.transform([](auto const& known) { return known.configurationDirectory; }), reload);
+                    places.transform([](auto const& known) { return known.configurationDirectory; }), [&] {
+                        host->reload();
+                        if (calendars) {
+                            calendars->update();
+                        }
+                    });
     auto const bus = Platform::sessionBusAddress(environment);
     Platform::ReloadListener const listener(bus, reload);
     Platform::PortalAppearanceWatch const appearanceWatch(bus, [&] { looks.askAgain(); });
@@ -149,6 +162,8 @@ int runWidget(Widget::WidgetOptions const& options, Foundation::Environment cons
 } // namespace
 
 int main(int argc, char** argv) {
+    // One heap for all threads: they hardly ever want memory at once, and each heap of its own costs some.
+    mallopt(M_ARENA_MAX, 1);
     // Writing to a program that has gone, or to a full quota, is an error of that write and not our end.
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);

@@ -247,6 +247,17 @@ TEST_F(WidgetProgramTests, accessThatIsTakenBackShowsNoMeets) {
                     .has_value());
 }
 
+TEST_F(WidgetProgramTests, calendarsThatOtherProgramsWriteAreFollowed) {
+    open();
+    ASSERT_TRUE(showsWednesday());
+    addCalendar("Wednesday", "2E86AB", "20260311T100000", "20260311T110000");
+    EXPECT_TRUE(showsThursday()) << "a colour file written in place";
+    std::filesystem::remove(home / "calendars/Wednesday/event.ics");
+    EXPECT_TRUE(dayWith(lightBrand, thursdayColor).has_value()) << "an event removed";
+    addCalendar("New", "D1495B", "20260311T120000", "20260311T130000");
+    EXPECT_TRUE(showsWednesday()) << "a calendar that was not there";
+}
+
 TEST_F(WidgetProgramTests, terminationIsACleanEnd) {
     for (int const number : {SIGTERM, SIGINT}) {
         open();
