@@ -12,6 +12,7 @@
 #include "Platform/Face/FacePainter.h"
 #include "Platform/Face/FacePicture.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <utility>
@@ -113,6 +114,8 @@ std::string picture(std::string_view option, Platform::FacePainter const& painte
 void writePictures(Invocation const& invocation, WidgetExtension::ScheduleWidgetServices const& services,
                    Platform::FaceLayout const& layout, double scale) {
     Platform::FaceStyle style;
+    style.language = services.region->currentLocale().identifier;
+    std::ranges::replace(style.language, '_', '-'); // ICU's spelling to that of BCP 47.
     if (auto const accent = services.appearance->accentColor())
         style.accent = Platform::SRGBColor{(*accent)[0], (*accent)[1], (*accent)[2]};
     Platform::FacePainter const painter(style);
