@@ -30,4 +30,8 @@ ResultEntity failed(ResultFailure failure) {
     };
 }
 
+ResultEntity failedAbove(ResultEntity const& storage, std::string_view otherwise) {
+    return failed({.infrastructureMessage = storage.databaseMessage.value_or(std::string(otherwise))});
+}
+
 } // namespace CalendarProviders

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace CalendarProviders {
 
@@ -45,5 +46,9 @@ ResultEntity succeeded(std::any data = {});
 
 /// A failure without data.
 ResultEntity failed(ResultFailure failure);
+
+/// A failure of the infrastructure, which says what the storage below it said, or `otherwise` where that said
+/// nothing.
+ResultEntity failedAbove(ResultEntity const& storage, std::string_view otherwise);
 
 } // namespace CalendarProviders

@@ -68,5 +68,40 @@ TEST(CalendarProviderRealmMapperTests, aStoredKindThatIsNotKnownMapsToNothing) {
     EXPECT_FALSE(CalendarProviderRealmMapper::toEntity(CalendarProviderRealmModel{}).has_value());
 }
 
+TEST(CalendarProviderRealmModelTests, theDatabaseKeepsEveryFieldUnderItsName) {
+    auto const object = CalendarProviderRealmMapper::toRealmModel(someProvider()).toPersisted();
+    EXPECT_EQ(
+        object,
+        (Platform::PersistedObject{
+            .typeName = "CalendarProviderRealmModel",
+            .primaryKey = "eventKit",
+            .properties =
+                {
+                    {.name = "capProvider", .value = std::string("eventKit")},
+                    {.name = "capDisplayName", .value = std::string("Calendars on this computer")},
+                    {.name = "capDescription", .value = std::string("Work and home")},
+                    {.name = "capEmail", .value = std::string("ana@host")},
+                    {.name = "capIsEnabled", .value = true},
+                    {.name = "capRegisteredAt", .value = Foundation::Date{.secondsSince1970 = 1700000000.5}},
+                },
+        }));
+}
+
+TEST(CalendarProviderRealmModelTests, aPropertyThatIsMissingOrOfAnotherTypeStaysEmpty) {
+    auto const model = CalendarProviderRealmModel::fromPersisted({
+        .typeName = "CalendarProviderRealmModel",
+        .primaryKey = "a",
+        .properties = {{.name = "capEmail", .value = true},
+                       {.name = "capIsEnabled", .value = std::string("yes")}},
+    });
+    EXPECT_EQ(model.capId, "a");
+    EXPECT_EQ(model.capProvider, "");
+    EXPECT_EQ(model.capDisplayName, "");
+    EXPECT_EQ(model.capDescription, "");
+    EXPECT_EQ(model.capEmail, "");
+    EXPECT_FALSE(model.capIsEnabled);
+    EXPECT_EQ(model.capRegisteredAt, (Foundation::Date{.secondsSince1970 = 0}));
+}
+
 } // namespace
 } // namespace CalendarProviders

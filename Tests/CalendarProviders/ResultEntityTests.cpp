@@ -55,5 +55,24 @@ TEST(ResultEntityTests, aFailureCarriesTheMessageOfItsLayerAlone) {
     EXPECT_EQ(failed({.infrastructureMessage = "denied"}).domainMessage, std::nullopt);
 }
 
+TEST(ResultEntityTests, aLayerAboveTheStorageSaysWhatTheStorageSaid) {
+    auto const lifted = failedAbove(failed({.databaseMessage = "no location"}), "something else");
+    EXPECT_FALSE(lifted.result);
+    EXPECT_EQ(lifted.infrastructureMessage, "no location");
+    EXPECT_EQ(lifted.databaseMessage, std::nullopt);
+    EXPECT_EQ(lifted.domainMessage, std::nullopt);
+}
+
+TEST(ResultEntityTests, whereTheStorageSaidNothingTheLayerAboveHasItsOwnWords) {
+    // Also above a success that carried something else than was wanted.
+    for (auto const& silent : {failed({}), failed({.domainMessage = "a rule"}), succeeded(1)}) {
+        auto const above = failedAbove(silent, "Failed to open the database");
+        EXPECT_FALSE(above.result);
+        EXPECT_FALSE(above.data.has_value());
+        EXPECT_EQ(above.infrastructureMessage, "Failed to open the database");
+        EXPECT_EQ(above.domainMessage, std::nullopt);
+    }
+}
+
 } // namespace
 } // namespace CalendarProviders
