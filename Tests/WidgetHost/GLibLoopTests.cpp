@@ -148,17 +148,18 @@ TEST_F(TimerfdWallClockTimerTests, handlerMayScheduleAgain) {
     EXPECT_TRUE(LoopDriver::runUntil([&] { return count == 3; }));
 }
 
+Foundation::Task<void> noteWhereItRuns(std::thread::id& ranOn, std::promise<void>& started) {
+    started.set_value();
+    ranOn = std::this_thread::get_id();
+    co_return;
+}
+
 TEST(TaskThreadTests, taskRunsElsewhereAndItsStepIsAwaitedAtTheEnd) {
     std::thread::id ranOn;
+    std::promise<void> started;
     {
         Platform::TaskThread thread;
-        std::promise<void> started;
-        thread.executor().start(
-            [](std::thread::id& ranOn, std::promise<void>& started) -> Foundation::Task<void> {
-                started.set_value();
-                ranOn = std::this_thread::get_id();
-                co_return;
-            }(ranOn, started));
+        thread.executor().start(noteWhereItRuns(ranOn, started));
         started.get_future().wait();
     }
     EXPECT_NE(ranOn, std::thread::id());
