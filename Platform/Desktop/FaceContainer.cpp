@@ -168,15 +168,19 @@ AtkObject* refChild(AtkObject* object, int index) {
     return row < accessibles.size() ? ATK_OBJECT(g_object_ref(accessibles[row].get())) : nullptr;
 }
 
+void initializeAccessible(AtkObject* object, gpointer widget) {
+    containerAccessibleParent()->initialize(object, widget);
+    atk_object_set_role(object, ATK_ROLE_LIST); // The toolkit's own would be that of a panel.
+}
+
 void quillora_face_container_accessible_class_init(FaceContainerAccessibleClass* type) {
     auto* const object = ATK_OBJECT_CLASS(type);
+    object->initialize = initializeAccessible;
     object->get_n_children = childCount;
     object->ref_child = refChild;
 }
 
-void quillora_face_container_accessible_init(FaceContainerAccessible* accessible) {
-    atk_object_set_role(ATK_OBJECT(accessible), ATK_ROLE_LIST);
-}
+void quillora_face_container_accessible_init(FaceContainerAccessible*) {}
 
 void forgetRows(FaceContainerState& state) {
     for (auto const& accessible : state.accessibles) {

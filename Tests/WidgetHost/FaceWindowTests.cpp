@@ -134,6 +134,7 @@ TEST_F(FaceWindowTests, screenReaderFindsTheButtonsTheHeadingAndEachRow) {
     show(twoCards());
     EXPECT_EQ(names(), (std::vector<std::string>{"Previous day", "Next day", "Wednesday 18",
                                                  "Stand-up, 09:00 a.m., 15m", "Dentist, 05:30 p.m., 30m"}));
+    EXPECT_EQ(atk_object_get_role(face().get()), ATK_ROLE_LIST);
     std::vector<AtkRole> roles;
     for (auto const& child : children()) {
         roles.push_back(atk_object_get_role(child.get()));
