@@ -12,7 +12,9 @@ namespace Platform {
 namespace {
 
 // An instant is kept as the bits of its float: a column of floats has no place for a NaN.
+// Small pages, since the whole is written each time.
 constexpr char const* schema = R"(
+    PRAGMA page_size = 1024;
     CREATE TABLE version(number INTEGER NOT NULL);
     CREATE TABLE object(
         row INTEGER PRIMARY KEY,

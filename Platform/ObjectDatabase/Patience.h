@@ -32,7 +32,8 @@ auto outcomeOf(std::chrono::milliseconds patience, Attempt attempt) {
         if (!failed || !SystemFailure::mayPass(failed) || std::chrono::steady_clock::now() >= end)
             return outcome;
         std::this_thread::sleep_for(pause);
-        pause = std::min<std::chrono::milliseconds>(pause * 2, 32ms);
+        // Never long: a lock that a busy writer releases is free only for a moment.
+        pause = std::min<std::chrono::milliseconds>(pause * 2, 4ms);
     }
 }
 

@@ -59,16 +59,20 @@ std::optional<std::string> stampOf(std::string_view name, std::string_view datab
     return std::string(name.substr(mark.size(), stampSize));
 }
 
-/// A stamp that no copy has yet.
-std::string newStamp(std::set<std::string> const& names, std::string_view database, Foundation::Date now) {
+/// The stamp after the last one given to a copy in the same second; absent when there are too many.
+std::optional<std::string> newStamp(std::set<std::string> const& names, std::string_view database,
+                                    Foundation::Date now) {
     auto const moment = momentText(now);
-    for (int number = 0; number < 100; ++number) {
-        std::string stamp = moment + (number < 10 ? "-0" : "-") + std::to_string(number) + "-";
-        auto const isTaken =
-            std::ranges::any_of(names, [&](auto const& name) { return stampOf(name, database) == stamp; });
-        if (!isTaken) return stamp;
+    int next = 0;
+    for (auto const& name : names) {
+        auto const stamp = stampOf(name, database);
+        if (!stamp || !stamp->starts_with(moment)) continue;
+        // Two digits, between hyphens.
+        auto const digits = stamp->substr(moment.size() + 1, 2);
+        next = std::max(next, (digits[0] - '0') * 10 + (digits[1] - '0') + 1);
     }
-    return {};
+    if (next > 99) return std::nullopt;
+    return moment + (next < 10 ? "-0" : "-") + std::to_string(next) + "-";
 }
 
 /// Best effort: an old copy too many harms nobody.
@@ -107,7 +111,7 @@ std::error_code moveAside(DatabaseFile const& database, Foundation::Date now) {
     auto const lock = database.lockPath().filename().string();
     auto const names = namesIn(folder);
     auto const stamp = newStamp(names, base, now);
-    if (stamp.empty()) return std::make_error_code(std::errc::file_exists);
+    if (!stamp) return std::make_error_code(std::errc::file_exists);
 
     // The lock goes last: whoever waits for it must not begin while the others are on their way.
     std::vector<std::string> moving;
@@ -115,11 +119,11 @@ std::error_code moveAside(DatabaseFile const& database, Foundation::Date now) {
                          [&](auto const& name) { return belongsTo(name, base) && name != lock; });
     if (names.contains(lock)) moving.push_back(lock);
     for (auto const& name : moving) {
-        auto const target = folder / (std::string(mark) + stamp + name);
+        auto const target = folder / (std::string(mark) + *stamp + name);
         if (auto const failed = moved(folder / name, target)) return failed;
     }
     if (auto const failed = database.syncFolder()) return failed;
-    prune(folder, base, stamp);
+    prune(folder, base, *stamp);
     return {};
 }
 

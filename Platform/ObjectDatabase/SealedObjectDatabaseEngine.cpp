@@ -23,7 +23,9 @@ std::unexpected<ObjectDatabaseError> failed(Kind kind) {
 std::unexpected<ObjectDatabaseError> failedToMove(std::error_code error) {
     auto failure = failed(Kind::quarantineFailed);
     failure.error().localizedDescription += ": ";
-    failure.error().localizedDescription += SystemFailure::text(error);
+    failure.error().localizedDescription += error == std::errc::resource_unavailable_try_again
+                                                ? "another program keeps the database locked"
+                                                : SystemFailure::text(error);
     return failure;
 }
 

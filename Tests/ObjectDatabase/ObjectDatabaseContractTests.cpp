@@ -318,4 +318,4 @@ INSTANTIATE_TEST_SUITE_P(
     Every, ObjectDatabaseContractTests,
     testing::Values(Implementation{.name = "Fake", .make = [] { return std::make_unique<FakeWorld>(); }},
                     Implementation{.name = "Sealed", .make = [] { return std::make_unique<SealedWorld>(); }}),
-    [](auto const& info) { return info.param.name; });
+    [](auto const& implementation) { return implementation.param.name; });
