@@ -110,8 +110,10 @@ TEST(HelpTests, aCommandsPageTellsAllThatItsTableHolds) {
 
 TEST(HelpTests, theProgramsPageNamesEveryCommandThatRuns) {
     auto const page = helpText(nullptr);
-    for (auto const& command : commandTable())
-        EXPECT_EQ(command.run != nullptr, page.find("\n  " + command.path + " ") != std::string::npos);
+    for (auto const& command : commandTable()) {
+        if (command.run == nullptr) continue; // A group is named by its members.
+        EXPECT_NE(page.find("\n  " + command.path + " "), std::string::npos) << command.path;
+    }
 }
 
 TEST(HelpTests, aSynopsisMarksWhatMayBeLeftOut) {
