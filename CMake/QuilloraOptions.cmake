@@ -30,6 +30,8 @@ target_compile_options(quillora_settings INTERFACE
     $<$<CXX_COMPILER_ID:Clang>:-Wshadow>
     $<$<CXX_COMPILER_ID:GNU>:-Wshadow=local>
     $<$<BOOL:${QUILLORA_WERROR}>:-Werror>
+    # GCC 12 takes the frames that Boost.Asio allocates for coroutines for ones that are freed wrongly.
+    $<$<AND:$<BOOL:${QUILLORA_WERROR}>,$<CXX_COMPILER_ID:GNU>>:-Wno-error=mismatched-new-delete>
     $<$<CONFIG:Debug>:-g1>)
 target_compile_definitions(quillora_settings INTERFACE
     BOOST_ASIO_SEPARATE_COMPILATION BOOST_ASIO_NO_DEPRECATED

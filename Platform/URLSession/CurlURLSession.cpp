@@ -334,16 +334,16 @@ Foundation::Task<URLResponse> CurlURLSession::data(URLRequest request) {
     bool const isFile = request.url.absoluteString.starts_with("file:");
     if (isFile) co_return URLResponse{.statusCode = std::nullopt, .data = {}};
 
-    auto initiate = [](auto handler, std::shared_ptr<Worker> worker, URLRequest request) {
+    auto initiate = [](auto handler, std::shared_ptr<Worker> worker, URLRequest asked) {
         namespace asio = boost::asio;
         using Handler = decltype(handler);
         auto slot = asio::get_associated_cancellation_slot(handler);
         auto executor = asio::get_associated_executor(handler);
         auto shared = std::make_shared<Handler>(std::move(handler));
         auto guard = asio::make_work_guard(executor);
-        auto const identifier = worker->submit(std::move(request), [shared = std::move(shared),
-                                                                    guard = std::move(guard), executor,
-                                                                    slot](Outcome outcome) mutable {
+        auto const identifier = worker->submit(std::move(asked), [shared = std::move(shared),
+                                                                  guard = std::move(guard), executor,
+                                                                  slot](Outcome outcome) mutable {
             asio::post(executor, [shared = std::move(shared), slot, outcome = std::move(outcome)]() mutable {
                 if (slot.is_connected()) slot.clear();
                 auto ready = std::move(*shared);
