@@ -8,11 +8,32 @@ namespace Companion {
 
 std::span<Command const> commandTable() {
     static std::vector<Command> const table = {
-        setupCommand(),         dayCommand(),         nextCommand(),          previousCommand(),
-        todayCommand(),         calendarsGroup(),     calendarsListCommand(), calendarsHideCommand(),
-        calendarsShowCommand(), sourcesGroup(),       sourcesListCommand(),   sourcesAddCommand(),
-        sourcesRemoveCommand(), accessGroup(),        accessStatusCommand(),  accessGrantCommand(),
-        accessDenyCommand(),    accessResetCommand(), occurrencesCommand(),
+        setupCommand(),
+        dayCommand(),
+        nextCommand(),
+        previousCommand(),
+        todayCommand(),
+        calendarsGroup(),
+        calendarsListCommand(),
+        calendarsHideCommand(),
+        calendarsShowCommand(),
+        sourcesGroup(),
+        sourcesListCommand(),
+        sourcesAddCommand(),
+        sourcesRemoveCommand(),
+        accessGroup(),
+        accessStatusCommand(),
+        accessGrantCommand(),
+        accessDenyCommand(),
+        accessResetCommand(),
+        providersGroup(),
+        providersListCommand(),
+        providersAddCommand(),
+        providersEditCommand(),
+        providersEnableCommand(),
+        providersDisableCommand(),
+        providersRemoveCommand(),
+        occurrencesCommand(),
     };
     return table;
 }

@@ -28,6 +28,14 @@ Command sourcesListCommand();
 Command sourcesAddCommand();
 Command sourcesRemoveCommand();
 
+Command providersGroup();
+Command providersListCommand();
+Command providersAddCommand();
+Command providersEditCommand();
+Command providersEnableCommand();
+Command providersDisableCommand();
+Command providersRemoveCommand();
+
 Command occurrencesCommand();
 
 } // namespace Companion

@@ -57,8 +57,11 @@ void Console::writeLine(std::string_view text) const {
 }
 
 void Console::report(std::string_view message) const {
-    std::string const line = "quillora: " + Foundation::Text::neutralized(message) + "\n";
-    writeAll(STDERR_FILENO, line);
+    reportExactly("quillora: " + std::string(message));
+}
+
+void Console::reportExactly(std::string_view text) const {
+    writeAll(STDERR_FILENO, Foundation::Text::neutralized(text) + "\n");
 }
 
 std::optional<bool> Console::ask(std::string_view question) const {

@@ -26,6 +26,10 @@ public:
     /// break the line made harmless. Never fails.
     void report(std::string_view message) const;
 
+    /// Writes one line to standard error that is `text` alone: what another part of Quillora says, exactly.
+    /// What could break the line is made harmless. Never fails.
+    void reportExactly(std::string_view text) const;
+
     /// Asks a yes-or-no question on the terminal. Absent when nobody sits there or the input ends.
     [[nodiscard]] std::optional<bool> ask(std::string_view question) const;
 

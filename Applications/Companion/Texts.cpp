@@ -289,6 +289,61 @@ std::string moreProblems(std::size_t count) {
     return fmt::format("{} more of these; QUILLORA_LOG=error shows them all", count);
 }
 
+std::string noProviders() {
+    return "No calendar provider is registered yet; register one with \"quillora providers add\"";
+}
+
+std::string providerState(bool isEnabled) {
+    return isEnabled ? "enabled" : "disabled";
+}
+
+std::string providersNotRead() {
+    return "the registered providers could not be read";
+}
+
+std::string providerNotRegistered(std::string_view id) {
+    return fmt::format("the provider {} was not registered", quoted(id));
+}
+
+std::string providerRegistered(std::string_view name, std::string_view email, std::string_view id) {
+    return fmt::format("Registered {} ({}) as {}", quoted(name), quoted(email), quoted(id));
+}
+
+std::string nothingToEdit() {
+    return "providers edit needs --email, --name or --description; see \"quillora providers edit --help\"";
+}
+
+std::string providerNotChanged(std::string_view id) {
+    return fmt::format("the provider {} was not changed", quoted(id));
+}
+
+std::string providerChanged(std::string_view name, std::string_view email) {
+    return fmt::format("The provider is now {} ({})", quoted(name), quoted(email));
+}
+
+std::string providerSwitched(std::string_view name, bool isEnabled) {
+    return fmt::format("{} {}", isEnabled ? "Enabled" : "Disabled", quoted(name));
+}
+
+std::string providerNotRemoved(std::string_view id) {
+    return fmt::format("the provider {} was not removed", quoted(id));
+}
+
+std::string providerRemoved(std::string_view name) {
+    return fmt::format("Removed {}", quoted(name));
+}
+
+std::string providerIsGone(std::string_view id) {
+    return fmt::format("No provider is registered as {}", quoted(id));
+}
+
+std::string mirrorNotSaved() {
+    return "the registered providers were changed, but the widget could not be told: the shared folder "
+           "cannot "
+           "be written; make it writable, then run the same \"quillora providers enable\" or \"disable\" "
+           "once more";
+}
+
 std::string dayShown(std::string_view weekday, std::string_view date, std::int64_t offset,
                      std::int64_t furthest) {
     if (offset == 0) return fmt::format("{} {} (today)", weekday, date);

@@ -101,6 +101,21 @@ std::string calendarShown(std::string_view title);
 std::string hiddenCalendarsNotSaved();
 std::string moreProblems(std::size_t count);
 
+// Providers.
+std::string noProviders();
+std::string providerState(bool isEnabled);
+std::string providersNotRead();
+std::string providerNotRegistered(std::string_view id);
+std::string providerRegistered(std::string_view name, std::string_view email, std::string_view id);
+std::string nothingToEdit();
+std::string providerNotChanged(std::string_view id);
+std::string providerChanged(std::string_view name, std::string_view email);
+std::string providerSwitched(std::string_view name, bool isEnabled);
+std::string providerNotRemoved(std::string_view id);
+std::string providerRemoved(std::string_view name);
+std::string providerIsGone(std::string_view id);
+std::string mirrorNotSaved();
+
 // The day.
 std::string dayShown(std::string_view weekday, std::string_view date, std::int64_t offset,
                      std::int64_t furthest);

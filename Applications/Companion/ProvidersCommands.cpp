@@ -1,0 +1,300 @@
+#include "Applications/Companion/Commands.h"
+#include "Applications/Companion/PlainJSON.h"
+#include "Applications/Companion/Support.h"
+#include "Applications/Companion/Texts.h"
+#include "Applications/Composition/LiveRegistryServices.h"
+#include "CalendarProviders/CalendarProviderRegistryApplication.h"
+#include "CalendarProviders/EnabledCalendarAccountsStore.h"
+#include "Foundation/DateFormatting.h"
+#include "Foundation/Text.h"
+#include "Platform/Clock/Clock.h"
+#include "Platform/WidgetHost/WidgetCenter.h"
+
+#include <functional>
+#include <set>
+#include <utility>
+
+namespace Companion {
+
+namespace JSON = Foundation::JSON;
+namespace AccountsStore = CalendarProviders::EnabledCalendarAccountsStore;
+using CalendarProviders::AccountProviderEnum;
+using CalendarProviders::CalendarProviderEntity;
+using CalendarProviders::ResultEntity;
+using Registry = CalendarProviders::CalendarProviderRegistryApplication;
+using Providers = std::vector<CalendarProviderEntity>;
+
+namespace {
+
+// The registry said no; its message ends what the program writes, exactly as it came.
+struct Refusal {
+    std::string whatWasNotDone;
+    std::string message;
+};
+
+std::string messageOf(ResultEntity const& result) {
+    for (auto const& message : {result.infrastructureMessage, result.domainMessage, result.databaseMessage})
+        if (message) return *message;
+    return result.message;
+}
+
+void require(ResultEntity const& result, std::string whatWasNotDone) {
+    if (!result.result) throw Refusal{std::move(whatWasNotDone), messageOf(result)};
+}
+
+template <typename Value>
+Value required(ResultEntity const& result, std::string whatWasNotDone) {
+    require(result, std::move(whatWasNotDone));
+    return result.dataAs<Value>().value();
+}
+
+// One run of a command on the registry.
+struct Session {
+    Invocation const& invocation;
+    Composition::LiveServices& services;
+
+    [[nodiscard]] Registry registry(std::string const& whatWasNotDone) const {
+        return required<Registry>(Composition::LiveRegistryServices(services).calendarProviderRegistry(),
+                                  whatWasNotDone);
+    }
+    void say(std::string const& text) const { invocation.console.writeLine(text); }
+};
+
+// A value as typed; a shell hands over any bytes.
+std::optional<std::string> typed(Invocation const& invocation, std::string_view option) {
+    auto const value = invocation.values.option(option);
+    if (!value) return std::nullopt;
+    return Foundation::Text::sanitizedUTF8(*value);
+}
+
+std::string typedId(Invocation const& invocation) {
+    return Foundation::Text::sanitizedUTF8(invocation.values.arguments().front());
+}
+
+ExitCode onRegistry(Invocation const& invocation, std::function<void(Session const&)> const& command) {
+    auto const services = liveServices(invocation);
+    // Without a home there is no place for anything below.
+    static_cast<void>(requiredConfiguration(*services));
+    try {
+        command({.invocation = invocation, .services = *services});
+    } catch (Refusal const& refusal) {
+        invocation.console.report(refusal.whatWasNotDone);
+        invocation.console.reportExactly(refusal.message);
+        return ExitCode::failed;
+    }
+    return ExitCode::done;
+}
+
+// The registry never says that the mirror could not be written, so the command looks.
+void checkMirror(Session const& session, Registry const& registry) {
+    std::set<AccountProviderEnum> enabled;
+    for (auto const& provider : required<Providers>(registry.getAll(), Texts::providersNotRead()))
+        if (provider.capIsEnabled) enabled.insert(provider.capProvider);
+    if (AccountsStore::load(*session.services.files()) != enabled)
+        throw CommandError::failed(Texts::mirrorNotSaved());
+}
+
+void finishChange(Session const& session, Registry const& registry, std::string const& whatWasDone) {
+    session.services.widgetCenter()->reloadAllTimelines();
+    session.say(whatWasDone);
+    checkMirror(session, registry);
+}
+
+JSON::Object providerValue(CalendarProviderEntity const& provider) {
+    return {{"capId", provider.capId},
+            {"capProvider", Foundation::rawValue(provider.capProvider)},
+            {"capDisplayName", provider.capDisplayName},
+            {"capDescription", provider.capDescription},
+            {"capEmail", provider.capEmail},
+            {"capIsEnabled", provider.capIsEnabled},
+            {"capRegisteredAt", Foundation::iso8601(provider.capRegisteredAt)}};
+}
+
+void listProviders(Session const& session) {
+    auto const registry = session.registry(Texts::providersNotRead());
+    auto const providers = required<Providers>(registry.getAll(), Texts::providersNotRead());
+    if (session.invocation.values.has("--json")) {
+        JSON::Array list;
+        for (auto const& provider : providers)
+            list.emplace_back(providerValue(provider));
+        session.say(plainJSON(JSON::Object{{"version", 1}, {"providers", std::move(list)}}));
+        return;
+    }
+    if (providers.empty()) {
+        session.say(Texts::noProviders());
+        return;
+    }
+    std::vector<std::vector<std::string>> rows;
+    for (auto const& provider : providers) {
+        rows.push_back({provider.capId, provider.capDisplayName, provider.capEmail,
+                        Texts::providerState(provider.capIsEnabled), provider.capDescription});
+    }
+    session.invocation.console.write(alignedColumns(rows));
+}
+
+void addProvider(Session const& session) {
+    auto const& invocation = session.invocation;
+    CalendarProviderEntity const provider = {
+        .capId = typed(invocation, "--id").value(),
+        .capProvider = AccountProviderEnum::eventKit,
+        .capDisplayName = typed(invocation, "--name").value(),
+        .capDescription = typed(invocation, "--description").value_or(""),
+        .capEmail = typed(invocation, "--email").value(),
+        .capIsEnabled = true,
+        .capRegisteredAt = session.services.clock()->now(),
+    };
+    auto const notDone = Texts::providerNotRegistered(provider.capId);
+    auto const registry = session.registry(notDone);
+    require(registry.newProvider(provider), notDone);
+    finishChange(session, registry,
+                 Texts::providerRegistered(provider.capDisplayName, provider.capEmail, provider.capId));
+}
+
+// Gives the registered provider of the typed id other fields, and yields it as it is then.
+CalendarProviderEntity changeProvider(Session const& session, Registry const& registry,
+                                      std::function<void(CalendarProviderEntity&)> const& change) {
+    auto const id = typedId(session.invocation);
+    auto const notDone = Texts::providerNotChanged(id);
+    auto provider = required<CalendarProviderEntity>(registry.getOne(id), notDone);
+    change(provider);
+    require(registry.update(provider), notDone);
+    return provider;
+}
+
+void editProvider(Session const& session) {
+    auto const email = typed(session.invocation, "--email");
+    auto const name = typed(session.invocation, "--name");
+    auto const description = typed(session.invocation, "--description");
+    if (!email && !name && !description) throw CommandError::wrongUse(Texts::nothingToEdit());
+
+    auto const registry = session.registry(Texts::providerNotChanged(typedId(session.invocation)));
+    auto const provider = changeProvider(session, registry, [&](CalendarProviderEntity& edited) {
+        if (email) edited.capEmail = *email;
+        if (name) edited.capDisplayName = *name;
+        if (description) edited.capDescription = *description;
+    });
+    finishChange(session, registry, Texts::providerChanged(provider.capDisplayName, provider.capEmail));
+}
+
+void switchProvider(Session const& session, bool isEnabled) {
+    auto const registry = session.registry(Texts::providerNotChanged(typedId(session.invocation)));
+    auto const provider = changeProvider(
+        session, registry, [&](CalendarProviderEntity& switched) { switched.capIsEnabled = isEnabled; });
+    finishChange(session, registry, Texts::providerSwitched(provider.capDisplayName, isEnabled));
+}
+
+void removeProvider(Session const& session) {
+    auto const id = typedId(session.invocation);
+    auto const notDone = Texts::providerNotRemoved(id);
+    auto const registry = session.registry(notDone);
+    auto const known = registry.getOne(id).dataAs<CalendarProviderEntity>();
+    require(registry.deleteProvider(id), notDone);
+    // That there was none is no failure, but nothing was removed then.
+    finishChange(session, registry,
+                 known ? Texts::providerRemoved(known->capDisplayName) : Texts::providerIsGone(id));
+}
+
+CommandArgument idArgument() {
+    return {.name = "ID", .help = "the id that \"quillora providers list\" shows"};
+}
+
+} // namespace
+
+Command providersGroup() {
+    return {
+        .path = "providers",
+        .summary = "the calendar providers that the widget shows",
+        .description = "A registered and enabled calendar provider switches the widget on. Registrations are "
+                       "kept in an encrypted database, whose key is in your keyring.",
+    };
+}
+
+Command providersListCommand() {
+    return {
+        .path = "providers list",
+        .summary = "list the registered providers",
+        .description = "Lists the registered providers, oldest first: id, name, e-mail address, whether it "
+                       "is enabled, and description.",
+        .options = {{.name = "--json", .help = "print one JSON document for programs"}},
+        .examples = {{"quillora providers list",
+                      "prints for example \"eventKit  Calendars on this computer  ann@host  enabled\""}},
+        .run = [](Invocation const& invocation) { return onRegistry(invocation, listProviders); },
+    };
+}
+
+Command providersAddCommand() {
+    return {
+        .path = "providers add",
+        .summary = "register a provider",
+        .description = "Registers the calendars of this computer as a provider and enables it. One can be "
+                       "registered.",
+        .options =
+            {{.name = "--id", .valueName = "ID", .help = "what to call it in commands", .isRequired = true},
+             {.name = "--email",
+              .valueName = "EMAIL",
+              .help = "the e-mail address of the account",
+              .isRequired = true},
+             {.name = "--name", .valueName = "NAME", .help = "its name", .isRequired = true},
+             {.name = "--description", .valueName = "TEXT", .help = "anything worth knowing"}},
+        .examples = {{"quillora providers add --id eventKit --email ann@host --name \"My calendars\"",
+                      "switches the widget on"}},
+        .run = [](Invocation const& invocation) { return onRegistry(invocation, addProvider); },
+    };
+}
+
+Command providersEditCommand() {
+    return {
+        .path = "providers edit",
+        .summary = "change a provider's name, address or description",
+        .description = "Changes what is given and leaves the rest as it is.",
+        .options = {{.name = "--email", .valueName = "EMAIL", .help = "the e-mail address of the account"},
+                    {.name = "--name", .valueName = "NAME", .help = "its name"},
+                    {.name = "--description", .valueName = "TEXT", .help = "anything worth knowing"}},
+        .arguments = {idArgument()},
+        .examples = {{"quillora providers edit eventKit --email ann@home", "changes its address"}},
+        .run = [](Invocation const& invocation) { return onRegistry(invocation, editProvider); },
+    };
+}
+
+Command providersEnableCommand() {
+    return {
+        .path = "providers enable",
+        .summary = "show a provider's calendars again",
+        .description = "Enables a registered provider. The widget shows its calendars at once.",
+        .arguments = {idArgument()},
+        .examples = {{"quillora providers enable eventKit", "its meets are shown again"}},
+        .run =
+            [](Invocation const& invocation) {
+                return onRegistry(invocation, [](Session const& session) { switchProvider(session, true); });
+            },
+    };
+}
+
+Command providersDisableCommand() {
+    return {
+        .path = "providers disable",
+        .summary = "stop showing a provider's calendars",
+        .description = "Disables a registered provider: the widget no longer shows its calendars. It stays "
+                       "registered.",
+        .arguments = {idArgument()},
+        .examples = {{"quillora providers disable eventKit", "its meets are no longer shown"}},
+        .run =
+            [](Invocation const& invocation) {
+                return onRegistry(invocation, [](Session const& session) { switchProvider(session, false); });
+            },
+    };
+}
+
+Command providersRemoveCommand() {
+    return {
+        .path = "providers remove",
+        .summary = "forget a provider",
+        .description = "Removes a registration. Your calendars themselves stay as they are. An id that is "
+                       "not registered is no error.",
+        .arguments = {idArgument()},
+        .examples = {{"quillora providers remove eventKit", "its meets are no longer shown"}},
+        .run = [](Invocation const& invocation) { return onRegistry(invocation, removeProvider); },
+    };
+}
+
+} // namespace Companion

@@ -1,0 +1,63 @@
+#include "Applications/Composition/LiveRegistryServices.h"
+
+#include "Applications/Composition/LiveServices.h"
+#include "CalendarProviders/CalendarProviderRegistryApplication.h"
+#include "CalendarProviders/EventKitPermissionRepositoryImpl.h"
+#include "CalendarProviders/LocalRegistryRepositoryImpl.h"
+#include "Platform/Clock/SystemClock.h"
+#include "Platform/EventStore/Folder/CalendarStorePlaces.h"
+#include "Platform/Keychain/FileKeychain.h"
+#include "Platform/Keychain/SecretServiceKeychain.h"
+#include "Platform/Keychain/SystemRandomSource.h"
+#include "Platform/ObjectDatabase/SealedObjectDatabaseEngine.h"
+
+#include <utility>
+
+namespace Composition {
+
+std::shared_ptr<KeychainSetting const> LiveRegistryServices::keychainSetting() {
+    auto const places = services.calendarPlaces();
+    if (!places) return nullptr;
+    return std::make_shared<KeychainSetting>(places->configurationDirectory, services.files());
+}
+
+std::expected<std::shared_ptr<Platform::Keychain>, std::string> LiveRegistryServices::keychain() {
+    auto const setting = keychainSetting();
+    if (!setting) {
+        return std::unexpected(std::string("neither HOME nor the XDG folders are set, so no keychain was "
+                                           "looked for; set HOME to your home folder"));
+    }
+    auto const kind = setting->load();
+    if (!kind) return std::unexpected(kind.error());
+    switch (*kind) {
+    case KeychainKind::secretService: break;
+    case KeychainKind::file:
+        return std::make_shared<Platform::FileKeychain>(services.files()->applicationSupportDirectory());
+    }
+    return std::make_shared<Platform::SecretServiceKeychain>();
+}
+
+std::shared_ptr<Platform::ObjectDatabaseEngine> LiveRegistryServices::objectDatabaseEngine() {
+    // One for all, since it remembers which file it could not open. What it sets aside bears the system's
+    // time also when the program's clock stands still.
+    if (!engine) {
+        engine = std::make_shared<Platform::SealedObjectDatabaseEngine>(
+            services.files()->applicationSupportDirectory(), std::make_shared<Platform::SystemClock>());
+    }
+    return engine;
+}
+
+CalendarProviders::ResultEntity LiveRegistryServices::calendarProviderRegistry() {
+    using namespace CalendarProviders;
+    auto const chosen = keychain();
+    if (!chosen) return failed({.infrastructureMessage = chosen.error()});
+    Platform::SystemRandomSource random;
+    auto const made = CalendarProviderDatabase::make(**chosen, random, objectDatabaseEngine());
+    auto database = made.dataAs<CalendarProviderDatabase>();
+    if (!database) return made;
+    return succeeded(CalendarProviderRegistryApplication(
+        std::make_shared<LocalRegistryRepositoryImpl>(*std::move(database)),
+        std::make_shared<EventKitPermissionRepositoryImpl>(services.eventStore()), services.files()));
+}
+
+} // namespace Composition
