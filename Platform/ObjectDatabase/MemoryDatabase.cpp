@@ -138,8 +138,9 @@ void MemoryDatabase::add(PersistedObject const& object) {
         .with(object.primaryKey)
         .step();
     auto const row = rowOf(object.typeName, object.primaryKey);
+    if (!row) throw std::runtime_error("the database's tables contradict each other");
     for (auto const& property : object.properties)
-        addProperty(row.value(), property);
+        addProperty(*row, property);
 }
 
 void MemoryDatabase::addProperty(std::int64_t row, PersistedProperty const& property) {
