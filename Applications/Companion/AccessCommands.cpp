@@ -1,6 +1,8 @@
 #include "Applications/Companion/Commands.h"
+#include "Applications/Companion/ProviderRegistry.h"
 #include "Applications/Companion/Support.h"
 #include "Applications/Companion/Texts.h"
+#include "CalendarProviders/EventKitPermissionRepositoryImpl.h"
 #include "Platform/WidgetHost/WidgetCenter.h"
 
 namespace Companion {
@@ -20,6 +22,18 @@ ExitCode record(Invocation const& invocation, Platform::EKAuthorizationStatus st
 ExitCode status(Invocation const& invocation) {
     auto const services = liveServices(invocation);
     invocation.console.writeLine(Texts::accessStatus(requiredConsent(*services)->status()));
+    return ExitCode::done;
+}
+
+ExitCode request(Invocation const& invocation) {
+    auto const services = liveServices(invocation);
+    auto const consent = requiredConsent(*services);
+    CalendarProviders::EventKitPermissionRepositoryImpl permission(services->eventStore());
+    auto const answered =
+        Foundation::runTask(permission.requestAccess(CalendarProviders::AccountProviderEnum::eventKit));
+    services->widgetCenter()->reloadAllTimelines();
+    require(answered, Texts::accessNotGranted());
+    invocation.console.writeLine(Texts::accessStatus(consent->status()));
     return ExitCode::done;
 }
 
@@ -60,6 +74,17 @@ Command accessStatusCommand() {
         .description = "Says what you answered: granted, denied, or not asked yet.",
         .examples = {{"quillora access status", "prints for example \"Calendar access: granted\""}},
         .run = status,
+    };
+}
+
+Command accessRequestCommand() {
+    return {
+        .path = "access request",
+        .summary = "ask for your calendars as the widget would",
+        .description = "Asks on the terminal whether Quillora may read your calendars, unless you have "
+                       "answered already.",
+        .examples = {{"quillora access request", "asks, and ends with 1 when access is not granted"}},
+        .run = request,
     };
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -22,10 +23,20 @@ public:
     static CommandError failed(std::string const& message) { return {ExitCode::failed, message}; }
     static CommandError wrongUse(std::string const& message) { return {ExitCode::wrongUse, message}; }
 
+    /// Something that another part of Quillora refused: what was not done, and then, as the last line, that
+    /// part's own message exactly as it came.
+    static CommandError refused(std::string const& whatWasNotDone, std::string message) {
+        auto error = failed(whatWasNotDone);
+        error.exactLastLine = std::move(message);
+        return error;
+    }
+
     [[nodiscard]] ExitCode code() const { return exitCode; }
+    [[nodiscard]] std::optional<std::string> const& lastLine() const { return exactLastLine; }
 
 private:
     ExitCode exitCode;
+    std::optional<std::string> exactLastLine;
 };
 
 } // namespace Companion

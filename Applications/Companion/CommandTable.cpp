@@ -23,6 +23,7 @@ std::span<Command const> commandTable() {
         sourcesRemoveCommand(),
         accessGroup(),
         accessStatusCommand(),
+        accessRequestCommand(),
         accessGrantCommand(),
         accessDenyCommand(),
         accessResetCommand(),

@@ -9,6 +9,7 @@ Command setupCommand();
 
 Command accessGroup();
 Command accessStatusCommand();
+Command accessRequestCommand();
 Command accessGrantCommand();
 Command accessDenyCommand();
 Command accessResetCommand();

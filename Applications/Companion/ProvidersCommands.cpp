@@ -1,52 +1,26 @@
 #include "Applications/Companion/Commands.h"
 #include "Applications/Companion/PlainJSON.h"
+#include "Applications/Companion/ProviderRegistry.h"
 #include "Applications/Companion/Support.h"
 #include "Applications/Companion/Texts.h"
-#include "Applications/Composition/LiveRegistryServices.h"
 #include "CalendarProviders/CalendarProviderRegistryApplication.h"
-#include "CalendarProviders/EnabledCalendarAccountsStore.h"
 #include "Foundation/DateFormatting.h"
 #include "Foundation/Text.h"
 #include "Platform/Clock/Clock.h"
 #include "Platform/WidgetHost/WidgetCenter.h"
 
 #include <functional>
-#include <set>
 #include <utility>
 
 namespace Companion {
 
 namespace JSON = Foundation::JSON;
-namespace AccountsStore = CalendarProviders::EnabledCalendarAccountsStore;
 using CalendarProviders::AccountProviderEnum;
 using CalendarProviders::CalendarProviderEntity;
-using CalendarProviders::ResultEntity;
 using Registry = CalendarProviders::CalendarProviderRegistryApplication;
 using Providers = std::vector<CalendarProviderEntity>;
 
 namespace {
-
-// The registry said no; its message ends what the program writes, exactly as it came.
-struct Refusal {
-    std::string whatWasNotDone;
-    std::string message;
-};
-
-std::string messageOf(ResultEntity const& result) {
-    for (auto const& message : {result.infrastructureMessage, result.domainMessage, result.databaseMessage})
-        if (message) return *message;
-    return result.message;
-}
-
-void require(ResultEntity const& result, std::string whatWasNotDone) {
-    if (!result.result) throw Refusal{std::move(whatWasNotDone), messageOf(result)};
-}
-
-template <typename Value>
-Value required(ResultEntity const& result, std::string whatWasNotDone) {
-    require(result, std::move(whatWasNotDone));
-    return result.dataAs<Value>().value();
-}
 
 // One run of a command on the registry.
 struct Session {
@@ -54,8 +28,7 @@ struct Session {
     Composition::LiveServices& services;
 
     [[nodiscard]] Registry registry(std::string const& whatWasNotDone) const {
-        return required<Registry>(Composition::LiveRegistryServices(services).calendarProviderRegistry(),
-                                  whatWasNotDone);
+        return requiredRegistry(services, whatWasNotDone);
     }
     void say(std::string const& text) const { invocation.console.writeLine(text); }
 };
@@ -73,31 +46,14 @@ std::string typedId(Invocation const& invocation) {
 
 ExitCode onRegistry(Invocation const& invocation, std::function<void(Session const&)> const& command) {
     auto const services = liveServices(invocation);
-    // Without a home there is no place for anything below.
-    static_cast<void>(requiredConfiguration(*services));
-    try {
-        command({.invocation = invocation, .services = *services});
-    } catch (Refusal const& refusal) {
-        invocation.console.report(refusal.whatWasNotDone);
-        invocation.console.reportExactly(refusal.message);
-        return ExitCode::failed;
-    }
+    command({.invocation = invocation, .services = *services});
     return ExitCode::done;
-}
-
-// The registry never says that the mirror could not be written, so the command looks.
-void checkMirror(Session const& session, Registry const& registry) {
-    std::set<AccountProviderEnum> enabled;
-    for (auto const& provider : required<Providers>(registry.getAll(), Texts::providersNotRead()))
-        if (provider.capIsEnabled) enabled.insert(provider.capProvider);
-    if (AccountsStore::load(*session.services.files()) != enabled)
-        throw CommandError::failed(Texts::mirrorNotSaved());
 }
 
 void finishChange(Session const& session, Registry const& registry, std::string const& whatWasDone) {
     session.services.widgetCenter()->reloadAllTimelines();
     session.say(whatWasDone);
-    checkMirror(session, registry);
+    checkMirror(session.services, registry);
 }
 
 JSON::Object providerValue(CalendarProviderEntity const& provider) {

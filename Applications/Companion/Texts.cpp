@@ -193,6 +193,10 @@ std::string accessIsMissing() {
            "grant\"";
 }
 
+std::string accessNotGranted() {
+    return "Quillora may not read your calendars; \"quillora access grant\" allows it without a question";
+}
+
 std::string calendarsAreNotSetUp() {
     return "the calendars of this computer are not switched on yet; run \"quillora setup\"";
 }

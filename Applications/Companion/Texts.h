@@ -73,6 +73,7 @@ std::string unexpectedFailure(std::string_view reason);
 // Access.
 std::string accessStatus(Platform::EKAuthorizationStatus status);
 std::string accessIsMissing();
+std::string accessNotGranted();
 std::string calendarsAreNotSetUp();
 std::string nobodyWasAsked();
 

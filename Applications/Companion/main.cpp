@@ -38,6 +38,7 @@ int main(int argc, char* argv[]) {
         return static_cast<int>(run({argv + 1, argv + argc}, console, environment));
     } catch (CommandError const& error) {
         console.report(error.what());
+        if (error.lastLine()) console.reportExactly(*error.lastLine());
         return static_cast<int>(error.code());
     } catch (std::exception const& error) {
         console.report(Texts::unexpectedFailure(error.what()));

@@ -1,0 +1,47 @@
+#include "Applications/Companion/ProviderRegistry.h"
+
+#include "Applications/Companion/CommandError.h"
+#include "Applications/Companion/Support.h"
+#include "Applications/Companion/Texts.h"
+#include "Applications/Composition/LiveRegistryServices.h"
+#include "CalendarProviders/EnabledCalendarAccountsStore.h"
+
+#include <set>
+#include <vector>
+
+namespace Companion {
+
+using namespace CalendarProviders;
+
+namespace {
+
+std::string messageOf(ResultEntity const& result) {
+    for (auto const& message : {result.infrastructureMessage, result.domainMessage, result.databaseMessage})
+        if (message) return *message;
+    return result.message;
+}
+
+} // namespace
+
+void require(ResultEntity const& result, std::string const& whatWasNotDone) {
+    if (!result.result) throw CommandError::refused(whatWasNotDone, messageOf(result));
+}
+
+CalendarProviderRegistryApplication requiredRegistry(Composition::LiveServices& services,
+                                                     std::string const& whatWasNotDone) {
+    // Without a home there is no place for anything below.
+    static_cast<void>(requiredConfiguration(services));
+    return required<CalendarProviderRegistryApplication>(
+        Composition::LiveRegistryServices(services).calendarProviderRegistry(), whatWasNotDone);
+}
+
+void checkMirror(Composition::LiveServices& services, CalendarProviderRegistryApplication const& registry) {
+    std::set<AccountProviderEnum> enabled;
+    for (auto const& provider :
+         required<std::vector<CalendarProviderEntity>>(registry.getAll(), Texts::providersNotRead()))
+        if (provider.capIsEnabled) enabled.insert(provider.capProvider);
+    if (EnabledCalendarAccountsStore::load(*services.files()) != enabled)
+        throw CommandError::failed(Texts::mirrorNotSaved());
+}
+
+} // namespace Companion
