@@ -48,11 +48,12 @@ Folders calendarFolders(Platform::CalendarStorePlaces const& places,
     return folders;
 }
 
-CalendarWatches::CalendarWatches(Platform::CalendarStorePlaces places,
+CalendarWatches::CalendarWatches(Platform::FolderEvents& events, Platform::CalendarStorePlaces places,
                                  std::shared_ptr<Platform::CalendarStoreConfiguration const> configuration,
                                  Foundation::TaskExecutor executor, Platform::MainLoop& mainLoop,
                                  std::function<void()> onChange)
-    : places(std::move(places)),
+    : events(events),
+      places(std::move(places)),
       configuration(std::move(configuration)),
       executor(std::move(executor)),
       mainLoop(mainLoop),
@@ -86,7 +87,7 @@ void CalendarWatches::watch(Folders const& folders) {
             continue;
         }
         watches.try_emplace(folder, std::make_unique<Platform::FolderWatch>(
-                                        folder, std::vector<std::string>{}, [this] { changed(); }));
+                                        events, folder, std::vector<std::string>{}, [this] { changed(); }));
         hasNew = true;
     }
     if (hasNew && !isFirst) {

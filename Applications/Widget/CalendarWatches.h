@@ -27,7 +27,7 @@ public:
     /// A program that brings many files tells of it many times; this is how long more of them are awaited.
     static constexpr unsigned settlingMilliseconds = 250;
 
-    CalendarWatches(Platform::CalendarStorePlaces places,
+    CalendarWatches(Platform::FolderEvents& events, Platform::CalendarStorePlaces places,
                     std::shared_ptr<Platform::CalendarStoreConfiguration const> configuration,
                     Foundation::TaskExecutor executor, Platform::MainLoop& mainLoop,
                     std::function<void()> onChange);
@@ -42,6 +42,7 @@ private:
     void watch(std::vector<std::filesystem::path> const& folders);
     void changed();
 
+    Platform::FolderEvents& events;
     Platform::CalendarStorePlaces places;
     std::shared_ptr<Platform::CalendarStoreConfiguration const> configuration;
     Foundation::TaskExecutor executor;

@@ -10,10 +10,9 @@ DesktopLooks::DesktopLooks(std::shared_ptr<Platform::Appearance const> appearanc
     : appearance(std::move(appearance)),
       fixedScheme(fixedScheme),
       mainLoop(mainLoop),
-      onChange(std::move(onChange)),
-      first(std::async(std::launch::async, [this] {
-          return Looks{.scheme = this->appearance->colorScheme(), .accent = this->appearance->accentColor()};
-      })) {}
+      onChange(std::move(onChange)) {
+    askAgain();
+}
 
 Platform::ColorScheme DesktopLooks::colorScheme() {
     return fixedScheme.value_or(current().scheme.value_or(Platform::ColorScheme::light));
@@ -27,20 +26,31 @@ std::optional<Platform::SRGBColor> DesktopLooks::accentColor() {
 
 void DesktopLooks::askAgain() {
     // Waits for a question that is still open; it was about looks that have changed since.
-    later = std::async(std::launch::async, [this] {
-        Looks const answer{.scheme = appearance->colorScheme(), .accent = appearance->accentColor()};
-        mainLoop.invoke([this, answer] {
-            looks = answer;
-            onChange();
-        });
+    question = std::async(std::launch::async, [this] {
+        Looks answer{.scheme = appearance->colorScheme(), .accent = std::nullopt};
+        if (answer.scheme) {
+            // A desktop that did not answer the first question is not asked a second one.
+            answer.accent = appearance->accentColor();
+        }
+        mainLoop.invoke([this, answer] { arrived(answer); });
+        return answer;
     });
 }
 
 DesktopLooks::Looks const& DesktopLooks::current() {
     if (!looks) {
-        looks = first.get();
+        bool const hasAnswered = question.wait_for(patience) == std::future_status::ready;
+        looks = hasAnswered ? question.get() : Looks{};
     }
     return *looks;
+}
+
+void DesktopLooks::arrived(Looks const& answer) {
+    bool const isNew = looks && *looks != answer;
+    looks = answer;
+    if (isNew) {
+        onChange();
+    }
 }
 
 } // namespace Widget

@@ -4,6 +4,8 @@
 #include "Platform/Face/FaceLayout.h"
 #include "Platform/WidgetHost/MainLoop.h"
 
+#include <array>
+#include <chrono>
 #include <functional>
 #include <future>
 #include <memory>
@@ -11,19 +13,22 @@
 
 namespace Widget {
 
-/// What the desktop says about its looks, asked off the window's thread: the first answer while the window is
-/// being made, later ones when something has changed.
+/// What the desktop says about its looks, asked off the window's thread.
 class DesktopLooks final {
 public:
+    /// How long the first picture waits for the first answer. A desktop that is just starting takes longer;
+    /// its looks come in when it has answered.
+    static constexpr std::chrono::milliseconds patience{60};
+
     /// Asks at once. `fixedScheme` stands in for the desktop's. `onChange` is called on the main loop's
-    /// thread for every answer but the first.
+    /// thread when an answer differs from what was told before.
     DesktopLooks(std::shared_ptr<Platform::Appearance const> appearance,
                  std::optional<Platform::ColorScheme> fixedScheme, Platform::MainLoop& mainLoop,
                  std::function<void()> onChange);
     DesktopLooks(DesktopLooks const&) = delete;
     DesktopLooks& operator=(DesktopLooks const&) = delete;
 
-    /// Light where no desktop answers. The first call waits for the first answer.
+    /// Light while no desktop has answered. The first call may wait.
     [[nodiscard]] Platform::ColorScheme colorScheme();
 
     /// As above; absent where the desktop has no accent colour.
@@ -36,16 +41,18 @@ private:
     struct Looks {
         std::optional<Platform::ColorScheme> scheme;
         std::optional<std::array<double, 3>> accent;
+
+        bool operator==(Looks const&) const = default;
     };
     Looks const& current();
+    void arrived(Looks const& answer);
 
     std::shared_ptr<Platform::Appearance const> appearance;
     std::optional<Platform::ColorScheme> fixedScheme;
     Platform::MainLoop& mainLoop;
     std::function<void()> onChange;
-    std::optional<Looks> looks;
-    std::future<Looks> first;
-    std::future<void> later; // The last: what it runs uses the members above.
+    std::optional<Looks> looks;  // Absent until somebody asks.
+    std::future<Looks> question; // The last: what it runs uses the members above.
 };
 
 } // namespace Widget

@@ -18,18 +18,18 @@ std::vector<std::string> calendarStoreFiles() {
 
 } // namespace
 
-PreferenceWatches::PreferenceWatches(Platform::FileManager const& files,
+PreferenceWatches::PreferenceWatches(Platform::FolderEvents& events, Platform::FileManager const& files,
                                      std::optional<std::filesystem::path> const& configurationDirectory,
                                      std::function<void()> const& onChange) {
     auto const container = files.containerURLForSecurityApplicationGroupIdentifier(applicationGroup);
-    watches.push_back(std::make_unique<Platform::FolderWatch>(container.value_or(files.temporaryDirectory()),
-                                                              sharedFiles(), onChange));
+    watches.push_back(std::make_unique<Platform::FolderWatch>(
+        events, container.value_or(files.temporaryDirectory()), sharedFiles(), onChange));
     if (configurationDirectory) {
-        watches.push_back(
-            std::make_unique<Platform::FolderWatch>(*configurationDirectory, calendarStoreFiles(), onChange));
+        watches.push_back(std::make_unique<Platform::FolderWatch>(events, *configurationDirectory,
+                                                                  calendarStoreFiles(), onChange));
     }
-    watches.push_back(
-        std::make_unique<Platform::FolderWatch>("/etc", std::vector<std::string>{"localtime"}, onChange));
+    watches.push_back(std::make_unique<Platform::FolderWatch>(
+        events, "/etc", std::vector<std::string>{"localtime"}, onChange));
 }
 
 void PreferenceWatches::renew() {

@@ -16,7 +16,7 @@ namespace Widget {
 class PreferenceWatches final {
 public:
     /// `onChange` is called on the main loop's thread.
-    PreferenceWatches(Platform::FileManager const& files,
+    PreferenceWatches(Platform::FolderEvents& events, Platform::FileManager const& files,
                       std::optional<std::filesystem::path> const& configurationDirectory,
                       std::function<void()> const& onChange);
 

@@ -50,6 +50,7 @@ int runWidget(Widget::WidgetOptions const& options, Foundation::Environment cons
     // The ground: the loop that owns the window, the thread that reads, and every live part of the product.
     Platform::GLibMainLoop mainLoop;
     auto const timer = makeTimer(options);
+    Platform::FolderEvents folderEvents;
     auto const consentDialog = std::make_shared<Platform::ConsentDialog>(mainLoop, Widget::Texts::consent());
     Composition::LiveServices services(environment,
                                        {.fixedMoment = options.fixedMoment, .consentPrompt = consentDialog});
@@ -115,10 +116,11 @@ int runWidget(Widget::WidgetOptions const& options, Foundation::Environment cons
     auto const places = services.calendarPlaces();
     std::optional<Widget::CalendarWatches> calendars;
     if (places) {
-        calendars.emplace(*places, services.calendarConfiguration(), taskThread.executor(), mainLoop, reload);
+        calendars.emplace(folderEvents, *places, services.calendarConfiguration(), taskThread.executor(),
+                          mainLoop, reload);
         calendars->update();
     }
-    watches.emplace(*services.files(),
+    watches.emplace(folderEvents, *services.files(),
                     places.transform([](auto const& known) { return known.configurationDirectory; }), [&] {
                         host->reload();
                         if (calendars) {

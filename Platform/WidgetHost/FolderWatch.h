@@ -1,10 +1,11 @@
 #pragma once
 
-#include "Platform/WidgetHost/GLibSource.h"
+#include "Platform/WidgetHost/FolderEvents.h"
 
 #include <filesystem>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace Platform {
@@ -14,9 +15,10 @@ namespace Platform {
 class FolderWatch final {
 public:
     /// `names` are the file names that matter; none means all but hidden ones. `onChange` is called on GLib's
-    /// default main context, once for changes that arrive together. A folder that is missing or cannot be
-    /// watched is tried again by renew().
-    FolderWatch(std::filesystem::path folder, std::vector<std::string> names, std::function<void()> onChange);
+    /// default main context, once for changes that arrive together, and may end this watch. A folder that is
+    /// missing or cannot be watched is tried again by renew(). `events` has to outlive the watch.
+    FolderWatch(FolderEvents& events, std::filesystem::path folder, std::vector<std::string> names,
+                std::function<void()> onChange);
     FolderWatch(FolderWatch const&) = delete;
     FolderWatch& operator=(FolderWatch const&) = delete;
     ~FolderWatch();
@@ -24,18 +26,20 @@ public:
     /// Watches again if the folder was missing or has gone since. Cheap when it is being watched.
     void renew();
 
-    [[nodiscard]] bool isWatching() const { return watch >= 0; }
+    [[nodiscard]] bool isWatching() const { return handle >= 0; }
 
 private:
-    void readEvents();
-    [[nodiscard]] bool matters(std::string_view name) const;
+    friend class FolderEvents;
 
+    void tell(bool isLost);
+    [[nodiscard]] bool matters(std::string_view name) const;
+    void letGo();
+
+    FolderEvents& events;
     std::filesystem::path folder;
     std::vector<std::string> names;
     std::function<void()> onChange;
-    int descriptor;
-    int watch = -1;
-    GLibSource readable;
+    int handle = -1;
 };
 
 } // namespace Platform

@@ -22,7 +22,8 @@ protected:
     ~FolderWatchTests() override { std::filesystem::remove_all(root); }
 
     void watchFor(std::vector<std::string> names) {
-        watch = std::make_unique<Platform::FolderWatch>(folder, std::move(names), [this] { ++changes; });
+        watch =
+            std::make_unique<Platform::FolderWatch>(events, folder, std::move(names), [this] { ++changes; });
     }
 
     static void write(std::filesystem::path const& path, std::string_view text) {
@@ -37,6 +38,7 @@ protected:
 
     std::filesystem::path root;
     std::filesystem::path folder;
+    Platform::FolderEvents events;
     std::unique_ptr<Platform::FolderWatch> watch;
     int changes = 0;
 };
@@ -136,8 +138,39 @@ TEST_F(FolderWatchTests, fileInPlaceOfTheFolderIsNotWatched) {
     EXPECT_FALSE(watch->isWatching());
 }
 
+TEST_F(FolderWatchTests, watchesOfOneFolderAreToldEachOfItsOwnFiles) {
+    int others = 0;
+    watchFor({"offset.json"});
+    auto other = std::make_unique<Platform::FolderWatch>(
+        events, folder, std::vector<std::string>{"other.json"}, [&] { ++others; });
+    write(folder / "other.json", "1");
+    LoopDriver::runPending();
+    EXPECT_EQ(changes, 0);
+    EXPECT_EQ(others, 1);
+    other.reset();
+    write(folder / "offset.json", "1");
+    LoopDriver::runPending();
+    EXPECT_EQ(changes, 1) << "the kernel's watch stays while one needs it";
+}
+
+TEST_F(FolderWatchTests, watchThatEndsInAnothersHandlerIsNotToldAnyMore) {
+    int calls = 0;
+    std::unique_ptr<Platform::FolderWatch> first;
+    std::unique_ptr<Platform::FolderWatch> second;
+    auto const endBoth = [&] {
+        ++calls;
+        first.reset();
+        second.reset();
+    };
+    first = std::make_unique<Platform::FolderWatch>(events, folder, std::vector<std::string>{}, endBoth);
+    second = std::make_unique<Platform::FolderWatch>(events, folder, std::vector<std::string>{}, endBoth);
+    write(folder / "file", "1");
+    LoopDriver::runPending();
+    EXPECT_EQ(calls, 1);
+}
+
 TEST_F(FolderWatchTests, handlerMayEndTheWatch) {
-    watch = std::make_unique<Platform::FolderWatch>(folder, std::vector<std::string>{}, [this] {
+    watch = std::make_unique<Platform::FolderWatch>(events, folder, std::vector<std::string>{}, [this] {
         ++changes;
         watch.reset();
     });

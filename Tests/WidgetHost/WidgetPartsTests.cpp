@@ -17,8 +17,10 @@
 
 #include <boost/asio/io_context.hpp>
 
+#include <future>
 #include <memory>
 #include <string>
+#include <thread>
 #include <variant>
 #include <vector>
 
@@ -223,20 +225,48 @@ TEST_F(DesktopLooksTests, fixedSchemeStandsInForTheDesktops) {
     EXPECT_EQ(asked.colorScheme(), Platform::ColorScheme::light);
 }
 
-TEST(DesktopLooksChangeTests, laterAnswerReplacesTheFirstAndIsTold) {
-    auto const appearance = std::make_shared<Platform::FixedAppearance>(Platform::ColorScheme::light);
-    Platform::QueuedMainLoop mainLoop;
-    int changes = 0;
-    {
-        Widget::DesktopLooks looks(appearance, std::nullopt, mainLoop, [&] { ++changes; });
-        EXPECT_EQ(looks.colorScheme(), Platform::ColorScheme::light);
-        appearance->set(Platform::ColorScheme::dark);
-        looks.askAgain();
-        while (mainLoop.runPending() == 0) {
-            std::this_thread::yield();
-        }
-        EXPECT_EQ(looks.colorScheme(), Platform::ColorScheme::dark);
+/// A desktop that is still starting: it answers when the test lets it.
+class SlowAppearance final : public Platform::Appearance {
+public:
+    [[nodiscard]] std::optional<Platform::ColorScheme> colorScheme() const override {
+        mayAnswer.wait();
+        return Platform::ColorScheme::dark;
     }
+    [[nodiscard]] std::optional<std::array<double, 3>> accentColor() const override { return std::nullopt; }
+
+    std::promise<void> permission;
+
+private:
+    std::shared_future<void> mayAnswer{permission.get_future()};
+};
+
+void runUntilChanged(Platform::QueuedMainLoop& mainLoop, int const& changes) {
+    while (changes == 0) {
+        mainLoop.runPending();
+        std::this_thread::yield();
+    }
+}
+
+TEST_F(DesktopLooksTests, laterAnswerReplacesTheFirstAndIsToldOnce) {
+    auto asked =
+        std::make_unique<Widget::DesktopLooks>(appearance, std::nullopt, mainLoop, [&] { ++changes; });
+    EXPECT_EQ(asked->colorScheme(), Platform::ColorScheme::dark);
+    appearance->set(Platform::ColorScheme::light);
+    asked->askAgain();
+    runUntilChanged(mainLoop, changes);
+    EXPECT_EQ(asked->colorScheme(), Platform::ColorScheme::light);
+    mainLoop.runPending();
+    EXPECT_EQ(changes, 1);
+}
+
+TEST_F(DesktopLooksTests, slowDesktopIsLightUntilItAnswers) {
+    auto const slow = std::make_shared<SlowAppearance>();
+    Widget::DesktopLooks asked(slow, std::nullopt, mainLoop, [&] { ++changes; });
+    EXPECT_EQ(asked.colorScheme(), Platform::ColorScheme::light);
+    EXPECT_EQ(changes, 0);
+    slow->permission.set_value();
+    runUntilChanged(mainLoop, changes);
+    EXPECT_EQ(asked.colorScheme(), Platform::ColorScheme::dark);
     EXPECT_EQ(changes, 1);
 }
 
