@@ -6,11 +6,12 @@ namespace Widget {
 
 DesktopLooks::DesktopLooks(std::shared_ptr<Platform::Appearance const> appearance,
                            std::optional<Platform::ColorScheme> fixedScheme, Platform::MainLoop& mainLoop,
-                           std::function<void()> onChange)
+                           std::function<void()> onChange, std::chrono::milliseconds patience)
     : appearance(std::move(appearance)),
       fixedScheme(fixedScheme),
       mainLoop(mainLoop),
-      onChange(std::move(onChange)) {
+      onChange(std::move(onChange)),
+      patience(patience) {
     askAgain();
 }
 

@@ -18,13 +18,13 @@ class DesktopLooks final {
 public:
     /// How long the first picture waits for the first answer. A desktop that is just starting takes longer;
     /// its looks come in when it has answered.
-    static constexpr std::chrono::milliseconds patience{60};
+    static constexpr std::chrono::milliseconds usualPatience{60};
 
     /// Asks at once. `fixedScheme` stands in for the desktop's. `onChange` is called on the main loop's
     /// thread when an answer differs from what was told before.
     DesktopLooks(std::shared_ptr<Platform::Appearance const> appearance,
                  std::optional<Platform::ColorScheme> fixedScheme, Platform::MainLoop& mainLoop,
-                 std::function<void()> onChange);
+                 std::function<void()> onChange, std::chrono::milliseconds patience = usualPatience);
     DesktopLooks(DesktopLooks const&) = delete;
     DesktopLooks& operator=(DesktopLooks const&) = delete;
 
@@ -51,6 +51,7 @@ private:
     std::optional<Platform::ColorScheme> fixedScheme;
     Platform::MainLoop& mainLoop;
     std::function<void()> onChange;
+    std::chrono::milliseconds patience;
     std::optional<Looks> looks;  // Absent until somebody asks.
     std::future<Looks> question; // The last: what it runs uses the members above.
 };

@@ -178,6 +178,8 @@ TEST_F(FaceWindowTests, newDayReplacesTheRowsAndTheOldOnesAreDefunct) {
     g_signal_connect_swapped(parent.get(), "children-changed::remove",
                              G_CALLBACK(+[](int* count) { ++*count; }), &removed);
     show(SampleFaces::empty(WidgetFamily::systemLarge, ColorScheme::light));
+    g_signal_handlers_disconnect_by_data(parent.get(), &added);
+    g_signal_handlers_disconnect_by_data(parent.get(), &removed);
     EXPECT_EQ(removed, 3);
     EXPECT_EQ(added, 2);
     EXPECT_TRUE(hasState(old.back(), ATK_STATE_DEFUNCT));

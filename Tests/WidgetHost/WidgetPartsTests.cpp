@@ -17,6 +17,7 @@
 
 #include <boost/asio/io_context.hpp>
 
+#include <chrono>
 #include <future>
 #include <memory>
 #include <string>
@@ -196,13 +197,16 @@ TEST_F(DayPressesTests, pressThatCannotBeStoredStillReloads) {
 
 class DesktopLooksTests : public testing::Test {
 protected:
+    /// Longer than any machine takes, so that the first answer is always there.
+    static constexpr std::chrono::hours forever{1};
+
     std::shared_ptr<Platform::FixedAppearance> appearance =
         std::make_shared<Platform::FixedAppearance>(Platform::ColorScheme::dark, std::array{0.25, 0.5, 1.0});
     Platform::QueuedMainLoop mainLoop;
     int changes = 0;
 
     Widget::DesktopLooks looks(std::optional<Platform::ColorScheme> fixedScheme) {
-        return Widget::DesktopLooks(appearance, fixedScheme, mainLoop, [this] { ++changes; });
+        return Widget::DesktopLooks(appearance, fixedScheme, mainLoop, [this] { ++changes; }, forever);
     }
 };
 
@@ -248,8 +252,8 @@ void runUntilChanged(Platform::QueuedMainLoop& mainLoop, int const& changes) {
 }
 
 TEST_F(DesktopLooksTests, laterAnswerReplacesTheFirstAndIsToldOnce) {
-    auto asked =
-        std::make_unique<Widget::DesktopLooks>(appearance, std::nullopt, mainLoop, [&] { ++changes; });
+    auto asked = std::make_unique<Widget::DesktopLooks>(
+        appearance, std::nullopt, mainLoop, [&] { ++changes; }, forever);
     EXPECT_EQ(asked->colorScheme(), Platform::ColorScheme::dark);
     appearance->set(Platform::ColorScheme::light);
     asked->askAgain();
@@ -261,7 +265,8 @@ TEST_F(DesktopLooksTests, laterAnswerReplacesTheFirstAndIsToldOnce) {
 
 TEST_F(DesktopLooksTests, slowDesktopIsLightUntilItAnswers) {
     auto const slow = std::make_shared<SlowAppearance>();
-    Widget::DesktopLooks asked(slow, std::nullopt, mainLoop, [&] { ++changes; });
+    Widget::DesktopLooks asked(
+        slow, std::nullopt, mainLoop, [&] { ++changes; }, std::chrono::milliseconds(1));
     EXPECT_EQ(asked.colorScheme(), Platform::ColorScheme::light);
     EXPECT_EQ(changes, 0);
     slow->permission.set_value();

@@ -56,6 +56,12 @@ protected:
             {"LANG", "C.UTF-8"},
             {"TZ", "Europe/Berlin"},
         };
+        // What a sanitizer is to pass over holds for the program as for its tests.
+        for (char const* const name : {"ASAN_OPTIONS", "LSAN_OPTIONS", "TSAN_OPTIONS", "UBSAN_OPTIONS"}) {
+            if (char const* const value = std::getenv(name)) {
+                environment[name] = value;
+            }
+        }
         giveAccess();
         addCalendar("Wednesday", "D1495B", "20260311T100000", "20260311T110000");
         addCalendar("Thursday", "2E86AB", "20260312T100000", "20260312T110000");
