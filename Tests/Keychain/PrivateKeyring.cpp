@@ -131,9 +131,14 @@ void PrivateKeyring::placeText(Platform::GenericPasswordIdentity const& identity
     schema.attributes[0] = {.name = "service", .type = SECRET_SCHEMA_ATTRIBUTE_STRING};
     schema.attributes[1] = {.name = "account", .type = SECRET_SCHEMA_ATTRIBUTE_STRING};
     GError* error = nullptr;
-    auto const stored = secret_password_store_sync(
-        &schema, SECRET_COLLECTION_DEFAULT, "by hand", text.c_str(), nullptr, &error, "service",
-        identity.service.c_str(), "account", identity.account.c_str(), nullptr);
+    auto* service = openService();
+    auto* attributes = secret_attributes_build(&schema, "service", identity.service.c_str(), "account",
+                                               identity.account.c_str(), nullptr);
+    auto* value = secret_value_new(text.c_str(), -1, "text/plain");
+    auto const stored = secret_service_store_sync(service, &schema, attributes, SECRET_COLLECTION_DEFAULT,
+                                                  "by hand", value, nullptr, &error);
+    secret_value_unref(value);
+    g_hash_table_unref(attributes);
+    g_object_unref(service);
     require(stored != FALSE, error, "the text cannot be stored");
-    secret_service_disconnect();
 }
