@@ -1,19 +1,40 @@
 #include "Applications/Companion/CalendarFolders.h"
 #include "Applications/Companion/Commands.h"
+#include "Applications/Companion/ProviderRegistry.h"
 #include "Applications/Companion/Support.h"
 #include "Applications/Companion/Texts.h"
+#include "Applications/Composition/LiveRegistryServices.h"
 #include "CalendarProviders/EnabledCalendarAccountsStore.h"
+#include "Foundation/Text.h"
+#include "Platform/Clock/Clock.h"
 #include "Platform/EventStore/Folder/CalendarStorePlaces.h"
 #include "Platform/EventStore/Folder/FolderEventStore.h"
 #include "Platform/WidgetHost/WidgetCenter.h"
+
+#include <algorithm>
+#include <array>
+#include <unistd.h>
 
 namespace Companion {
 
 namespace AccountsStore = CalendarProviders::EnabledCalendarAccountsStore;
 using CalendarProviders::AccountProviderEnum;
+using CalendarProviders::CalendarProviderEntity;
 using Platform::EKAuthorizationStatus;
 
 namespace {
+
+constexpr std::string_view providerId = "eventKit";
+
+// Something to tell one computer's registration from another's; the person may edit it.
+std::string personsAddress(Foundation::Environment const& environment) {
+    auto user = environment.value("USER").value_or("");
+    if (user.empty()) user = environment.value("LOGNAME").value_or("");
+    if (user.empty()) user = "me";
+    std::array<char, 256> host{};
+    bool const isNamed = ::gethostname(host.data(), host.size() - 1) == 0 && host.front() != '\0';
+    return Foundation::Text::sanitizedUTF8(user + "@" + (isNamed ? host.data() : "localhost"));
+}
 
 // One run of the set-up; each step says what it did and may be repeated at any time.
 class Setup {
@@ -26,9 +47,11 @@ public:
     ExitCode run() {
         auto const places = services.calendarPlaces();
         if (!places) throw CommandError::failed(Texts::noHome());
+        auto const keychain = invocation.values.option("--keychain");
         makeOwnCalendar(*places);
-        enableCalendarAccount();
+        if (!keychain) enableCalendarAccount();
         settleAccess();
+        if (keychain) registerProvider(*keychain);
         for (auto const& folder : foundCalendarFolders(invocation.environment))
             offer(folder);
         services.widgetCenter()->reloadAllTimelines();
@@ -56,6 +79,44 @@ private:
         if (!AccountsStore::load(*services.files()).contains(AccountProviderEnum::eventKit))
             throw CommandError::failed(Texts::accountsNotSaved());
         say(Texts::accountEnabled());
+    }
+
+    // Under the keychain that the person names: the calendars are then switched on by a registration.
+    void registerProvider(std::string const& keychain) const {
+        Composition::LiveRegistryServices registryServices(services);
+        auto const kind = Foundation::fromRawValue<Composition::KeychainKind>(keychain).value();
+        auto const chosen = registryServices.chooseKeychain(kind);
+        if (!chosen) throw CommandError::failed(chosen.error());
+        say(Texts::keychainChosen(kind == Composition::KeychainKind::file));
+
+        auto const notDone = Texts::providerNotRegistered(providerId);
+        auto const registry = requiredRegistry(services, notDone);
+        auto const known = registered(registry);
+        auto provider = known.value_or(thisComputer());
+        provider.capIsEnabled = true;
+        require(known ? registry.update(provider) : registry.newProvider(provider), notDone);
+        checkMirror(services, registry);
+        say(Texts::providerRegistered(provider.capDisplayName, provider.capEmail, provider.capId));
+    }
+
+    static std::optional<CalendarProviderEntity>
+    registered(CalendarProviders::CalendarProviderRegistryApplication const& registry) {
+        auto const providers =
+            required<std::vector<CalendarProviderEntity>>(registry.getAll(), Texts::providersNotRead());
+        auto const found =
+            std::ranges::find(providers, AccountProviderEnum::eventKit, &CalendarProviderEntity::capProvider);
+        if (found == providers.end()) return std::nullopt;
+        return *found;
+    }
+
+    [[nodiscard]] CalendarProviderEntity thisComputer() const {
+        return {.capId = std::string(providerId),
+                .capProvider = AccountProviderEnum::eventKit,
+                .capDisplayName = Texts::thisComputersCalendars(),
+                .capDescription = "",
+                .capEmail = personsAddress(invocation.environment),
+                .capIsEnabled = true,
+                .capRegisteredAt = services.clock()->now()};
     }
 
     void settleAccess() const {
@@ -124,9 +185,15 @@ Command setupCommand() {
             "this computer on, and offers the folders in which it finds calendars of other programs. It says "
             "what it did, and can be run again at any time: what is done already stays.",
         .options = {{.name = "--yes",
-                     .help = "ask nothing: allow access and add every folder that was found"}},
+                     .help = "ask nothing: allow access and add every folder that was found"},
+                    {.name = "--keychain",
+                     .valueName = "KEYCHAIN",
+                     .help = "register the calendars as a provider, and keep the key of the registrations in "
+                             "the desktop's keyring or in a file that only you can read",
+                     .choices = {"secret-service", "file"}}},
         .examples = {{"quillora setup", "asks and prepares"},
-                     {"quillora setup --yes", "prepares without a question, for scripts"}},
+                     {"quillora setup --yes", "prepares without a question, for scripts"},
+                     {"quillora setup --keychain file", "the same where no keyring runs"}},
         .run = run,
     };
 }

@@ -223,6 +223,17 @@ std::string accountsNotSaved() {
     return "the calendars of this computer could not be switched on: the shared folder cannot be written";
 }
 
+std::string keychainChosen(bool isFile) {
+    if (!isFile) return "The key of the registrations is kept in the desktop's keyring";
+    return "The key of the registrations is kept in a file that only you can read. That protects them from "
+           "other users of this computer, but not from the programs that you run, nor from who gets hold of "
+           "its disk or of a backup";
+}
+
+std::string thisComputersCalendars() {
+    return "Calendars on this computer";
+}
+
 std::string offerFolder(std::string_view path) {
     return fmt::format("There are calendars in {}. Show them?", path);
 }

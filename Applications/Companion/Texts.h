@@ -82,6 +82,8 @@ std::string ownCalendarMade(std::string_view path);
 std::string ownCalendarIsThere(std::string_view path);
 std::string accountEnabled();
 std::string accountsNotSaved();
+std::string keychainChosen(bool isFile);
+std::string thisComputersCalendars();
 std::string offerFolder(std::string_view path);
 std::string folderIsAdded(std::string_view path);
 std::string folderLeftOut(std::string_view path);

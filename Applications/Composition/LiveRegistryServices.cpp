@@ -1,9 +1,12 @@
 #include "Applications/Composition/LiveRegistryServices.h"
 
+#include "Applications/Composition/KeychainItem.h"
 #include "Applications/Composition/LiveServices.h"
 #include "CalendarProviders/CalendarProviderRegistryApplication.h"
 #include "CalendarProviders/EventKitPermissionRepositoryImpl.h"
 #include "CalendarProviders/LocalRegistryRepositoryImpl.h"
+#include "CalendarProviders/RealmEncryptionKeyStore.h"
+#include "Foundation/Text.h"
 #include "Platform/Clock/SystemClock.h"
 #include "Platform/EventStore/Folder/CalendarStorePlaces.h"
 #include "Platform/Keychain/FileKeychain.h"
@@ -11,6 +14,7 @@
 #include "Platform/Keychain/SystemRandomSource.h"
 #include "Platform/ObjectDatabase/SealedObjectDatabaseEngine.h"
 
+#include <filesystem>
 #include <utility>
 
 namespace Composition {
@@ -29,12 +33,52 @@ std::expected<std::shared_ptr<Platform::Keychain>, std::string> LiveRegistryServ
     }
     auto const kind = setting->load();
     if (!kind) return std::unexpected(kind.error());
-    switch (*kind) {
+    return keychainOf(*kind);
+}
+
+std::shared_ptr<Platform::Keychain> LiveRegistryServices::keychainOf(KeychainKind kind) {
+    switch (kind) {
     case KeychainKind::secretService: break;
     case KeychainKind::file:
         return std::make_shared<Platform::FileKeychain>(services.files()->applicationSupportDirectory());
     }
     return std::make_shared<Platform::SecretServiceKeychain>();
+}
+
+std::expected<void, std::string> LiveRegistryServices::chooseKeychain(KeychainKind kind) {
+    auto const setting = keychainSetting();
+    auto const current = setting->load();
+    // A choice that cannot be read is mended by making it anew; there is no telling where a key would be.
+    if (current && *current != kind) {
+        auto carried = carryKey(*current, kind);
+        if (!carried) return carried;
+    }
+    if (auto const error = setting->save(kind)) {
+        return std::unexpected(Foundation::Text::sanitizedUTF8(setting->file().string()) +
+                               " could not be written, and the keychain stays as it was: " + error.message());
+    }
+    return {};
+}
+
+std::expected<void, std::string> LiveRegistryServices::carryKey(KeychainKind from, KeychainKind to) {
+    using CalendarProviders::CalendarProviderDatabase;
+    auto const defaultFile = objectDatabaseEngine()->defaultFileURL();
+    if (!defaultFile) return {};
+    auto const database =
+        defaultFile->parent_path() / (std::string(CalendarProviderDatabase::keychainService) + ".realm");
+    std::error_code error;
+    if (!std::filesystem::exists(database, error) && !error) return {};
+
+    auto const status =
+        copyItem(*keychainOf(from), *keychainOf(to),
+                 {.service = std::string(CalendarProviderDatabase::keychainService),
+                  .account = std::string(CalendarProviders::RealmEncryptionKeyStore::defaultAccount)});
+    if (status == Platform::KeychainStatus::success || status == Platform::KeychainStatus::itemNotFound)
+        return {};
+    return std::unexpected("the key of the registered providers could not be copied into the other keychain "
+                           "(status " +
+                           std::to_string(static_cast<std::int32_t>(status)) +
+                           "), so the keychain stays as it was; see that both can be used, and try again");
 }
 
 std::shared_ptr<Platform::ObjectDatabaseEngine> LiveRegistryServices::objectDatabaseEngine() {

@@ -30,6 +30,11 @@ public:
     /// cannot be read, or the environment names no home.
     std::expected<std::shared_ptr<Platform::Keychain>, std::string> keychain();
 
+    /// Records the person's choice. Where a database of providers exists, its key is first copied from the
+    /// keychain in use, or else the choice is refused: no registration is lost to a change of keychain. The
+    /// error is a sentence for the person. Only where the environment names a home.
+    std::expected<void, std::string> chooseKeychain(KeychainKind kind);
+
     std::shared_ptr<Platform::ObjectDatabaseEngine> objectDatabaseEngine();
 
     /// Yields a `CalendarProviders::CalendarProviderRegistryApplication` over the person's keychain and
@@ -37,6 +42,9 @@ public:
     CalendarProviders::ResultEntity calendarProviderRegistry();
 
 private:
+    std::shared_ptr<Platform::Keychain> keychainOf(KeychainKind kind);
+    std::expected<void, std::string> carryKey(KeychainKind from, KeychainKind to);
+
     LiveServices& services;
     std::shared_ptr<Platform::ObjectDatabaseEngine> engine;
 };

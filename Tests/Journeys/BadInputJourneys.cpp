@@ -89,6 +89,7 @@ INSTANTIATE_TEST_SUITE_P(
         WrongUse{"providerWithoutAName", {"providers", "add", "--id", "a", "--email", "a@b"}, "--name"},
         WrongUse{"providerEditOfNothing", {"providers", "edit", "a"}, "--description"},
         WrongUse{"providerOfNoId", {"providers", "enable"}, "ID"},
+        WrongUse{"keychain", {"setup", "--yes", "--keychain", "purse"}, "\"purse\""},
         WrongUse{"argumentOfSetup", {"setup", "now"}, "\"now\""},
         WrongUse{"occurrencesOfNothing",
                  {"occurrences", "none.ics", "--from", "2026-03-01", "--to", "2026-03-02"},

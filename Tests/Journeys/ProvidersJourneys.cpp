@@ -236,6 +236,51 @@ TEST_F(ProvidersJourneys, aWidgetThatCannotBeToldIsReported) {
     EXPECT_EQ(listed(), onlyCal);
 }
 
+TEST_F(ProvidersJourneys, theSetUpRegistersUnderTheKeychainThatIsNamed) {
+    std::filesystem::remove(home.configuration() / "keychain.json");
+    home.environment["USER"] = "ann";
+    auto const output = home.outputOf({"setup", "--yes", "--keychain", "file"});
+    EXPECT_THAT(output,
+                HasSubstr("kept in a file that only you can read. That protects them from other users "
+                          "of this computer, but not from the programs that you run"));
+    EXPECT_THAT(output, HasSubstr("Registered \"Calendars on this computer\" (\"ann@"));
+    EXPECT_EQ(home.contentOf(home.configuration() / "keychain.json"), "\"file\"");
+    EXPECT_EQ(home.contentOf(mirror()), R"(["eventKit"])");
+    auto const providers = listed();
+    ASSERT_EQ(providers.size(), 1U);
+    EXPECT_EQ(providers[0][0], "eventKit");
+    EXPECT_TRUE(providers[0][3].starts_with("ann@")) << providers[0][3];
+}
+
+TEST_F(ProvidersJourneys, aSecondSetUpEnablesWhatIsRegisteredAndLeavesTheRest) {
+    static_cast<void>(home.outputOf(addition));
+    static_cast<void>(home.outputOf({"providers", "disable", "cal"}));
+    static_cast<void>(home.outputOf({"setup", "--yes", "--keychain", "file"}));
+    EXPECT_EQ(listed(), onlyCal);
+    EXPECT_EQ(home.contentOf(mirror()), R"(["eventKit"])");
+}
+
+TEST_F(ProvidersJourneys, aKeychainThatCannotTakeTheKeyIsNotChanged) {
+    static_cast<void>(home.outputOf(addition));
+    auto const result = home.quillora({"setup", "--yes", "--keychain", "secret-service"});
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_EQ(result.errors,
+              "quillora: the key of the registered providers could not be copied into the other keychain "
+              "(status -36), so the keychain stays as it was; see that both can be used, and try again\n");
+    EXPECT_EQ(home.contentOf(home.configuration() / "keychain.json"), "\"file\"");
+    EXPECT_EQ(listed(), onlyCal);
+}
+
+TEST_F(ProvidersJourneys, withoutAKeyringTheSetUpForOneSaysSo) {
+    std::filesystem::remove(home.configuration() / "keychain.json");
+    auto const result = home.quillora({"setup", "--yes", "--keychain", "secret-service"});
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_EQ(result.errors,
+              "quillora: the provider \"eventKit\" was not registered\n"
+              "Keychain lookup failed with status -36; refusing to regenerate the encryption key\n");
+    EXPECT_FALSE(fs::exists(mirror()));
+}
+
 TEST_F(ProvidersJourneys, textsOfAnyKindAreKeptAndShownHarmlessly) {
     static_cast<void>(home.outputOf({"providers", "add", "--id", "a b/ñ", "--email", "\"ann\"@host", "--name",
                                      "Rot\x1b[31m\n漢", "--description", "\xff"}));

@@ -1,0 +1,24 @@
+#include "Applications/Composition/KeychainItem.h"
+
+namespace Composition {
+
+using Platform::KeychainStatus;
+
+KeychainStatus copyItem(Platform::Keychain const& from, Platform::Keychain& to,
+                        Platform::GenericPasswordIdentity const& identity) {
+    auto const original = from.copyMatching(identity);
+    if (original.status != KeychainStatus::success) return original.status;
+    if (!original.data) return KeychainStatus::ioErr; // A text: no bytes to copy.
+
+    auto const present = to.copyMatching(identity);
+    if (present.status != KeychainStatus::success && present.status != KeychainStatus::itemNotFound)
+        return present.status;
+    if (present.data == original.data) return KeychainStatus::success;
+    if (present.status == KeychainStatus::success) {
+        auto const deleted = to.deleteMatching(identity);
+        if (deleted != KeychainStatus::success) return deleted;
+    }
+    return to.add(identity, *original.data);
+}
+
+} // namespace Composition
