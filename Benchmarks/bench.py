@@ -8,6 +8,7 @@ import glob
 import os
 import sys
 
+import database
 import network
 import reader
 import table
@@ -52,6 +53,7 @@ def main(build, peers):
         rows += network.measure(
             session, f"{programs}/quillora-backend", f"{benchmarks}/quillora_bench_client_requests"
         )
+        rows += database.measure(session, f"{benchmarks}/quillora_bench_database_operations")
     table.show(rows)
 
 

@@ -27,7 +27,8 @@ constexpr char const* schema = R"(
         position INTEGER NOT NULL,
         kind INTEGER NOT NULL,
         value NOT NULL,
-        PRIMARY KEY(object, name)) WITHOUT ROWID;
+        PRIMARY KEY(object, position),
+        UNIQUE(object, name)) WITHOUT ROWID;
 )";
 
 constexpr std::string_view selection =
@@ -38,7 +39,8 @@ enum class ValueKind : std::uint8_t { text = 0, boolean = 1, date = 2 };
 
 sqlite3* opened() {
     sqlite3* made = nullptr;
-    auto const flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_MEMORY;
+    // One thread has it at a time: the library need not guard it.
+    auto const flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_MEMORY | SQLITE_OPEN_NOMUTEX;
     auto const code = sqlite3_open_v2(":memory:", &made, flags, nullptr);
     if (code == SQLITE_OK) return made;
     sqlite3_close(made);
@@ -175,7 +177,7 @@ void MemoryDatabase::remove(std::string_view typeName, std::string_view primaryK
 
 std::vector<PersistedObject> MemoryDatabase::objects(std::string_view typeName) const {
     SQLiteStatement rows(connection.get(), std::string(selection) +
-                                               "WHERE typeName = ? ORDER BY object.row, property.position");
+                                               "WHERE +typeName = ? ORDER BY object.row, property.position");
     rows.with(typeName);
     return objectsIn(rows);
 }

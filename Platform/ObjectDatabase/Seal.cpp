@@ -29,6 +29,7 @@ static_assert(nonceStart + sizeof(Freshness::nonce) == headSize);
 
 struct Release {
     void operator()(EVP_CIPHER_CTX* context) const { EVP_CIPHER_CTX_free(context); }
+    void operator()(EVP_CIPHER* algorithm) const { EVP_CIPHER_free(algorithm); }
     void operator()(EVP_KDF* function) const { EVP_KDF_free(function); }
     void operator()(EVP_KDF_CTX* context) const { EVP_KDF_CTX_free(context); }
 };
@@ -48,12 +49,24 @@ unsigned char* raw(std::span<std::byte> bytes) {
     return reinterpret_cast<unsigned char*>(bytes.data());
 }
 
+// Looked up once: finding an algorithm costs the library more than using it on a small file.
+EVP_KDF* derivation() {
+    static Owned<EVP_KDF> const found(EVP_KDF_fetch(nullptr, OSSL_KDF_NAME_HKDF, nullptr));
+    require(found != nullptr);
+    return found.get();
+}
+
+EVP_CIPHER const* cipher() {
+    static Owned<EVP_CIPHER> const found(EVP_CIPHER_fetch(nullptr, "AES-256-GCM", nullptr));
+    require(found != nullptr);
+    return found.get();
+}
+
 /// The cipher's own key, wiped when it goes.
 class CipherKey {
 public:
     CipherKey(SecretBytes const& key, std::span<std::byte const> salt) {
-        Owned<EVP_KDF> const function(EVP_KDF_fetch(nullptr, OSSL_KDF_NAME_HKDF, nullptr));
-        Owned<EVP_KDF_CTX> const context(function ? EVP_KDF_CTX_new(function.get()) : nullptr);
+        Owned<EVP_KDF_CTX> const context(EVP_KDF_CTX_new(derivation()));
         require(context != nullptr);
         // The library's parameters are not const, though it only reads them.
         auto const octets = [](char const* name, void const* start, std::size_t size) {
@@ -107,7 +120,7 @@ std::vector<std::byte> seal(std::span<std::byte const> image, SecretBytes const&
     Owned<EVP_CIPHER_CTX> const context(EVP_CIPHER_CTX_new());
     require(context != nullptr);
     int length = 0;
-    require(EVP_EncryptInit_ex2(context.get(), EVP_aes_256_gcm(), cipherKey.data(),
+    require(EVP_EncryptInit_ex2(context.get(), cipher(), cipherKey.data(),
                                 raw(std::span<std::byte const>(freshness.nonce)), nullptr) == 1);
     require(EVP_EncryptUpdate(context.get(), nullptr, &length, raw(whole.first(headSize)), headSize) == 1);
     require(EVP_EncryptUpdate(context.get(), raw(whole.subspan(headSize)), &length, raw(image),
@@ -138,8 +151,7 @@ std::expected<std::vector<std::byte>, Kind> open(std::span<std::byte const> file
     require(context != nullptr);
     std::vector<std::byte> image(hidden.size());
     int length = 0;
-    require(EVP_DecryptInit_ex2(context.get(), EVP_aes_256_gcm(), cipherKey.data(), raw(nonce), nullptr) ==
-            1);
+    require(EVP_DecryptInit_ex2(context.get(), cipher(), cipherKey.data(), raw(nonce), nullptr) == 1);
     require(EVP_DecryptUpdate(context.get(), nullptr, &length, raw(head), headSize) == 1);
     require(EVP_DecryptUpdate(context.get(), raw(std::span(image)), &length, raw(hidden), lengthOf(hidden)) ==
             1);
