@@ -9,6 +9,7 @@ import os
 import sys
 
 import database
+import html_reader
 import network
 import reader
 import table
@@ -54,6 +55,7 @@ def main(build, peers):
             session, f"{programs}/quillora-backend", f"{benchmarks}/quillora_bench_client_requests"
         )
         rows += database.measure(session, f"{benchmarks}/quillora_bench_database_operations")
+        rows += html_reader.measure(session, f"{benchmarks}/quillora_bench_read_html")
     table.show(rows)
 
 

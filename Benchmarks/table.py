@@ -30,6 +30,10 @@ class Row(NamedTuple):
         return cls(what, f"{number(value)} {unit}".strip(), "", "", f"at most {bar}", value <= bar)
 
     @classmethod
+    def at_least(cls, what, value, unit, bar):
+        return cls(what, f"{number(value)} {unit}", "", "", f"at least {bar}", value >= bar)
+
+    @classmethod
     def plain(cls, what, value, unit):
         return cls(what, f"{number(value)} {unit}", "", "", "", None)
 
