@@ -16,6 +16,7 @@ class ConsentPrompt;
 class ConsentRecord;
 class EKEventStore;
 class FileManager;
+class HTMLReader;
 class LogSink;
 class NotificationCenter;
 class RegionSettings;
@@ -64,6 +65,7 @@ public:
     std::shared_ptr<Platform::Clock const> clock();
     std::shared_ptr<Platform::RegionSettings const> region();
     std::shared_ptr<Platform::FileManager const> files();
+    std::shared_ptr<Platform::HTMLReader const> htmlReader();
     std::shared_ptr<Platform::LogSink> logSink();
     std::shared_ptr<Platform::NotificationCenter> notifications();
     std::shared_ptr<Platform::Appearance const> appearance();

@@ -1,6 +1,7 @@
 #include "Applications/Widget/FaceContent.h"
 
-#include "Foundation/DateFormatting.h"
+#include "Foundation/Text.h"
+#include "WidgetExtension/MeetSummary.h"
 
 #include <cstddef>
 #include <string>
@@ -13,20 +14,15 @@ namespace {
 
 using Meetings::MeetEntity;
 
-std::string withPlace(std::string text, MeetEntity const& meeting) {
-    if (meeting.metLocation && !meeting.metLocation->empty()) {
-        text += "\n" + *meeting.metLocation;
+std::string joined(std::vector<std::string> const& lines) {
+    std::string text;
+    for (auto const& line : lines) {
+        if (!text.empty()) {
+            text += '\n';
+        }
+        text += Foundation::Text::neutralized(line);
     }
     return text;
-}
-
-std::string tooltipOfTimed(MeetEntity const& meeting, Foundation::Calendar const& calendar) {
-    auto const end = meeting.metDate.addingTimeInterval(meeting.metDuration);
-    auto times = Foundation::twelveHourTimeWithMarker(meeting.metDate, calendar);
-    if (end > meeting.metDate) {
-        times += " – " + Foundation::twelveHourTimeWithMarker(end, calendar);
-    }
-    return withPlace(meeting.metName + "\n" + times, meeting);
 }
 
 /// The next of the meets that have a row of their kind; rows stand in the meets' order.
@@ -42,18 +38,22 @@ private:
 };
 
 std::vector<std::string> tooltips(WidgetExtension::ScheduleWidgetView const& view,
-                                  Platform::FaceLayout const& layout) {
+                                  Platform::FaceLayout const& layout, Platform::HTMLReader const& reader,
+                                  Platform::MainExecutor& mainExecutor) {
+    auto const told = [&](MeetEntity const& meeting) {
+        return joined(WidgetExtension::meetSummaryLines(meeting, view.calendar, reader, mainExecutor));
+    };
     InOrder allDay(view.allDayMeetings());
     InOrder timed(view.visibleMeetings());
     std::vector<std::string> texts(layout.rows.size());
     for (std::size_t index = 0; index < layout.rows.size(); ++index) {
         if (std::holds_alternative<Platform::BarRow>(layout.rows[index])) {
             if (auto const* const meeting = allDay.next()) {
-                texts[index] = withPlace(meeting->metName, *meeting);
+                texts[index] = told(*meeting);
             }
         } else if (std::holds_alternative<Platform::CardRow>(layout.rows[index])) {
             if (auto const* const meeting = timed.next()) {
-                texts[index] = tooltipOfTimed(*meeting, view.calendar);
+                texts[index] = told(*meeting);
             }
         }
     }
@@ -63,13 +63,14 @@ std::vector<std::string> tooltips(WidgetExtension::ScheduleWidgetView const& vie
 } // namespace
 
 Platform::FaceWindowContent faceContent(WidgetExtension::ScheduleWidgetView const& view,
-                                        Platform::EntryKind kind) {
+                                        Platform::EntryKind kind, Platform::HTMLReader const& reader,
+                                        Platform::MainExecutor& mainExecutor) {
     auto layout = view.layout();
     if (kind == Platform::EntryKind::placeholder) {
         std::erase_if(layout.rows,
                       [](auto const& row) { return !std::holds_alternative<Platform::HeaderRow>(row); });
     }
-    auto texts = tooltips(view, layout);
+    auto texts = tooltips(view, layout, reader, mainExecutor);
     return {.layout = std::move(layout), .tooltips = std::move(texts)};
 }
 

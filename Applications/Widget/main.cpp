@@ -15,6 +15,7 @@
 #include "Platform/EventStore/Folder/CalendarStorePlaces.h"
 #include "Platform/WidgetHost/GLibMainLoop.h"
 #include "Platform/WidgetHost/LocalWidgetCenter.h"
+#include "Platform/WidgetHost/MainLoopExecutor.h"
 #include "Platform/WidgetHost/ReloadListener.h"
 #include "Platform/WidgetHost/SessionBusWidgetCenter.h"
 #include "Platform/WidgetHost/StoppedWallClockTimer.h"
@@ -49,6 +50,7 @@ int runWidget(Widget::WidgetOptions const& options, Foundation::Environment cons
               Platform::SingleInstance* instance) {
     // The ground: the loop that owns the window, the thread that reads, and every live part of the product.
     Platform::GLibMainLoop mainLoop;
+    Platform::MainLoopExecutor mainExecutor(mainLoop);
     auto const timer = makeTimer(options);
     Platform::FolderEvents folderEvents;
     auto const consentDialog = std::make_shared<Platform::ConsentDialog>(mainLoop, Widget::Texts::consent());
@@ -82,7 +84,8 @@ int runWidget(Widget::WidgetOptions const& options, Foundation::Environment cons
         if (!window) {
             return; // Shown again once there is one.
         }
-        window->show(Widget::faceContent(widget.content(entry, host->family(), looks.colorScheme()), kind));
+        window->show(Widget::faceContent(widget.content(entry, host->family(), looks.colorScheme()), kind,
+                                         *services.htmlReader(), mainExecutor));
         if (kind == Platform::EntryKind::loaded) {
             watches->renew();
             if (!std::exchange(hasShownTheDay, true)) {

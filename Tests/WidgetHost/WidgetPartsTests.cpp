@@ -8,7 +8,9 @@
 #include "Foundation/Locale.h"
 #include "Platform/Appearance/FixedAppearance.h"
 #include "Platform/Files/InMemoryFileManager.h"
+#include "Platform/HTMLReader/LibXMLHTMLReader.h"
 #include "Platform/Resources/TableTextProvider.h"
+#include "Platform/WidgetHost/CallingThreadMainExecutor.h"
 #include "Platform/WidgetHost/LocalWidgetCenter.h"
 #include "Platform/WidgetHost/QueuedMainLoop.h"
 #include "Platform/WidgetHost/RecordingWidgetCenter.h"
@@ -42,6 +44,7 @@ MeetEntity meet(char const* name, char const* start, double minutes) {
     made.metDate = moment(start);
     made.metDuration = minutes * 60;
     made.metLocation = std::nullopt;
+    made.metDescription = "";
     return made;
 }
 
@@ -112,14 +115,20 @@ WidgetExtension::ScheduleWidgetView viewOf(ScheduleWidgetEntry entry, Platform::
     };
 }
 
-TEST(FaceContentTests, tooltipsTellTheWholeTitleTheTimesAndThePlace) {
+Platform::FaceWindowContent contentOf(WidgetExtension::ScheduleWidgetView const& view, EntryKind kind) {
+    Platform::CallingThreadMainExecutor main;
+    return Widget::faceContent(view, kind, Platform::LibXMLHTMLReader(), main);
+}
+
+TEST(FaceContentTests, tooltipsTellTitleTimesPlaceAndTheFirstLineOfTheDescription) {
     auto review = meet("Design review of the quarterly roadmap", "2026-03-11T13:30:00Z", 60);
     review.metLocation = "Room 4";
-    auto const content = Widget::faceContent(
-        viewOf(entryAt("2026-03-11T10:00:00Z", {allDay("Release week", "2026-03-11T00:00:00Z"), review,
-                                                meet("Call", "2026-03-11T23:00:00Z", 0)}),
-               Platform::WidgetFamily::systemLarge),
-        EntryKind::loaded);
+    review.metDescription = "<p>---</p><p>Bring the <b>numbers</b></p>";
+    auto const content =
+        contentOf(viewOf(entryAt("2026-03-11T10:00:00Z", {allDay("Release week", "2026-03-11T00:00:00Z"),
+                                                          review, meet("Call", "2026-03-11T23:00:00Z", 0)}),
+                         Platform::WidgetFamily::systemLarge),
+                  EntryKind::loaded);
     ASSERT_EQ(content.tooltips.size(), content.layout.rows.size());
     std::vector<std::string> told;
     for (std::size_t index = 0; index < content.tooltips.size(); ++index) {
@@ -131,19 +140,31 @@ TEST(FaceContentTests, tooltipsTellTheWholeTitleTheTimesAndThePlace) {
             told.push_back(content.tooltips[index]);
         }
     }
-    EXPECT_EQ(told, (std::vector<std::string>{
-                        "Release week",
-                        "Design review of the quarterly roadmap\n01:30 p.m. – 02:30 p.m.\nRoom 4",
-                        "Call\n11:00 p.m.",
-                    }));
+    EXPECT_EQ(
+        told,
+        (std::vector<std::string>{
+            "Release week",
+            "Design review of the quarterly roadmap\n01:30 p.m. – 02:30 p.m.\nRoom 4\nBring the numbers",
+            "Call\n11:00 p.m.",
+        }));
+}
+
+TEST(FaceContentTests, tooltipsMakeForeignTextsHarmless) {
+    auto evil = meet("Pay\u202Ekcab\nnow", "2026-03-11T13:30:00Z", 0);
+    evil.metLocation = "Room\x1B[2J";
+    evil.metDescription = "<p>Call &#x202E;me</p>";
+    auto const content =
+        contentOf(viewOf(entryAt("2026-03-11T10:00:00Z", {evil}), Platform::WidgetFamily::systemLarge),
+                  EntryKind::loaded);
+    EXPECT_EQ(content.tooltips.back(), "Pay\uFFFDkcab now\n01:30 p.m.\nRoom\uFFFD[2J\nCall \uFFFDme");
 }
 
 TEST(FaceContentTests, meetsWithOneIdentifierKeepTheirOwnTooltips) {
-    auto const content = Widget::faceContent(
-        viewOf(entryAt("2026-03-11T10:00:00Z", {meet("First", "2026-03-11T11:00:00Z", 30),
-                                                meet("Second", "2026-03-11T12:00:00Z", 30)}),
-               Platform::WidgetFamily::systemSmall),
-        EntryKind::loaded);
+    auto const content =
+        contentOf(viewOf(entryAt("2026-03-11T10:00:00Z", {meet("First", "2026-03-11T11:00:00Z", 30),
+                                                          meet("Second", "2026-03-11T12:00:00Z", 30)}),
+                         Platform::WidgetFamily::systemSmall),
+                  EntryKind::loaded);
     ASSERT_EQ(content.tooltips.size(), 3U);
     EXPECT_TRUE(content.tooltips[1].starts_with("First\n"));
     EXPECT_TRUE(content.tooltips[2].starts_with("Second\n"));
@@ -151,11 +172,11 @@ TEST(FaceContentTests, meetsWithOneIdentifierKeepTheirOwnTooltips) {
 
 TEST(FaceContentTests, placeholderDoesNotSayThatThereAreNoMeets) {
     auto const view = viewOf(entryAt("2026-03-11T10:00:00Z", {}), Platform::WidgetFamily::systemLarge);
-    auto const placeholder = Widget::faceContent(view, EntryKind::placeholder);
+    auto const placeholder = contentOf(view, EntryKind::placeholder);
     ASSERT_EQ(placeholder.layout.rows.size(), 1U);
     EXPECT_TRUE(std::holds_alternative<Platform::HeaderRow>(placeholder.layout.rows.front()));
     EXPECT_EQ(placeholder.tooltips, std::vector<std::string>{""});
-    EXPECT_EQ(Widget::faceContent(view, EntryKind::loaded).layout.rows.size(), 2U);
+    EXPECT_EQ(contentOf(view, EntryKind::loaded).layout.rows.size(), 2U);
 }
 
 class DayPressesTests : public testing::Test {
