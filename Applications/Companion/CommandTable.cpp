@@ -35,6 +35,7 @@ std::span<Command const> commandTable() {
         providersDisableCommand(),
         providersRemoveCommand(),
         occurrencesCommand(),
+        htmlLineCommand(),
     };
     return table;
 }

@@ -38,5 +38,6 @@ Command providersDisableCommand();
 Command providersRemoveCommand();
 
 Command occurrencesCommand();
+Command htmlLineCommand();
 
 } // namespace Companion

@@ -161,6 +161,16 @@ std::string cannotWriteOutput(std::string_view reason) {
     return fmt::format("standard output could not be written: {}", reason);
 }
 
+std::string unreadableInput(std::string_view reason) {
+    return fmt::format("standard input could not be read: {}", reason);
+}
+
+std::string inputIsTooLarge(std::size_t mostMebibytes) {
+    return fmt::format(
+        "standard input holds more than {} MiB, so nothing was printed; give the description alone",
+        mostMebibytes);
+}
+
 std::string cannotEncodeJSON() {
     return "a text or number of the calendars cannot be written as JSON";
 }

@@ -66,6 +66,8 @@ std::string unreadableFile(std::string_view path, std::string_view reason);
 std::string outputIsAFolder(std::string_view path);
 std::string cannotWrite(std::string_view path, std::string_view reason);
 std::string cannotWriteOutput(std::string_view reason);
+std::string unreadableInput(std::string_view reason);
+std::string inputIsTooLarge(std::size_t mostMebibytes);
 std::string cannotEncodeJSON();
 std::string noHome();
 std::string unexpectedFailure(std::string_view reason);

@@ -33,6 +33,9 @@ std::vector<std::string> wordsOf(std::string const& commandLine) {
         }
     }
     words.push_back(word);
+    // Where input comes from is the shell's affair.
+    if (auto const redirection = std::ranges::find(words, "<"); redirection != words.end())
+        words.erase(redirection, redirection + 2);
     return words;
 }
 
