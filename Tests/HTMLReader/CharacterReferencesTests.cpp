@@ -51,7 +51,7 @@ INSTANTIATE_TEST_SUITE_P(
                     ReferenceCase{"lastCharacter", "&#x10FFFF;", 0x10FFFF, 0, 10},
                     ReferenceCase{"pastTheLast", "&#x110000;", 0xFFFD, 0, 10},
                     ReferenceCase{"overflowingNumber", "&#99999999999999999999;", 0xFFFD, 0, 23}),
-    [](auto const& info) { return info.param.name; });
+    [](auto const& given) { return given.param.name; });
 
 TEST(CharacterReferencesTests, anAmpersandThatNamesNothingIsOrdinary) {
     for (auto const* text :

@@ -65,7 +65,7 @@ INSTANTIATE_TEST_SUITE_P(
         BombCase{"declarations", repeated("<!x>", mebibyte)},
         BombCase{"styles", repeated(":;", mebibyte, "<p style='")},
         BombCase{"controls", std::string(mebibyte, '\0')}),
-    [](auto const& info) { return info.param.name; });
+    [](auto const& given) { return given.param.name; });
 
 TEST(HTMLBoundsTests, aTextIsReadUpToItsFirstMebibyte) {
     auto const text = LibXMLHTMLReader().plainText(repeated("漢", 2 * mebibyte));

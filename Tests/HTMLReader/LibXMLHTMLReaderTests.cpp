@@ -41,7 +41,7 @@ INSTANTIATE_TEST_SUITE_P(
                     ReadingCase{"crossingTags", "<b>a<i>b</b>c</i>", "abc"},
                     ReadingCase{"unknownElements", "a<o:p>b</o:p><x-y>c</x-y>", "abc"},
                     ReadingCase{"options", "<select><option>a<option>b</select>c", "a\nb\nc"}),
-    [](auto const& info) { return info.param.name; });
+    [](auto const& given) { return given.param.name; });
 
 INSTANTIATE_TEST_SUITE_P(
     Blanks, LibXMLHTMLReaderReads,
@@ -54,7 +54,7 @@ INSTANTIATE_TEST_SUITE_P(
                     ReadingCase{"firstLineBreakOfPreGoes", "<pre>\na\n</pre>b", "a\nb"},
                     ReadingCase{"carriageReturnsInPre", "<pre>a\r\nb\rc</pre>", "a\nb\nc"},
                     ReadingCase{"collapseAgainBehindPre", "<pre>a  b</pre>c  d", "a  b\nc d"}),
-    [](auto const& info) { return info.param.name; });
+    [](auto const& given) { return given.param.name; });
 
 INSTANTIATE_TEST_SUITE_P(
     Lists, LibXMLHTMLReaderReads,
@@ -69,7 +69,7 @@ INSTANTIATE_TEST_SUITE_P(
                     ReadingCase{"paragraphInside", "<ul><li><p>a</p><p>b</p></ul>", "• a\nb"},
                     ReadingCase{"emptyItem", "<ol><li><li>b</ol>", "2. b"},
                     ReadingCase{"definitions", "<dl><dt>a<dd>b<dt>c</dl>", "a\nb\nc"}),
-    [](auto const& info) { return info.param.name; });
+    [](auto const& given) { return given.param.name; });
 
 INSTANTIATE_TEST_SUITE_P(
     Tables, LibXMLHTMLReaderReads,
@@ -82,7 +82,7 @@ INSTANTIATE_TEST_SUITE_P(
                                 "t\na\nb"},
                     ReadingCase{"nested", "<table><tr><td><table><tr><td>a</table><td>b</table>", "a\nb"},
                     ReadingCase{"emptyCells", "<table><tr><td></td><td>a</td><td></td></table>", "a"}),
-    [](auto const& info) { return info.param.name; });
+    [](auto const& given) { return given.param.name; });
 
 INSTANTIATE_TEST_SUITE_P(
     Unseen, LibXMLHTMLReaderReads,
@@ -116,7 +116,7 @@ INSTANTIATE_TEST_SUITE_P(
         ReadingCase{"tagLeftOpen", "a<p class='b'", "a"},
         ReadingCase{"quoteLeftOpen", "a<p class='b>c</p>d", "a"}, ReadingCase{"endTagLeftOpen", "a</p", "a"},
         ReadingCase{"namelessEndTag", "a</>b</ x>c", "abc"}),
-    [](auto const& info) { return info.param.name; });
+    [](auto const& given) { return given.param.name; });
 
 INSTANTIATE_TEST_SUITE_P(
     Characters, LibXMLHTMLReaderReads,
@@ -136,7 +136,7 @@ INSTANTIATE_TEST_SUITE_P(
                     ReadingCase{"noncharacters", "a\uFDD0\uFDD1\uFFFE\uFFFF&#xFDD0;b", "ab"},
                     ReadingCase{"otherCharsetIsDisregarded", "<meta charset=iso-8859-1>ñ", "ñ"},
                     ReadingCase{"greaterThanInAttribute", "<a title='a>b' href=\"c>d\">e</a>", "e"}),
-    [](auto const& info) { return info.param.name; });
+    [](auto const& given) { return given.param.name; });
 
 TEST(LibXMLHTMLReaderTests, bytesThatAreNotUTF8AreRefused) {
     for (auto const* html : {"<p>\xFF</p>", "<p>\xC3", "\xED\xA0\x80<p>",

@@ -65,7 +65,7 @@ INSTANTIATE_TEST_SUITE_P(
                     TextCase{"lessThanInPlainText", "2 < 3 and more\n\nsecond", "2 < 3 and more second"},
                     TextCase{"noBreakSpacesAreTrimmed", "<p>&nbsp;&nbsp;Agenda&nbsp;</p>", "Agenda"},
                     TextCase{"notUTF8StaysWhole", "<p>\xFF</p>\n-", "<p>\xFF</p>\n-"}),
-    [](auto const& info) { return info.param.name; });
+    [](auto const& given) { return given.param.name; });
 
 class RenderedTexts : public testing::TestWithParam<TextCase> {};
 
@@ -80,7 +80,7 @@ INSTANTIATE_TEST_SUITE_P(
                     TextCase{"formFeed", "a\fb", "a"}, TextCase{"nextLine", "a\u0085b", "a"},
                     TextCase{"lineSeparator", "a\u2028b", "a"},
                     TextCase{"paragraphSeparator", "a\u2029b", "a"}),
-    [](auto const& info) { return info.param.name; });
+    [](auto const& given) { return given.param.name; });
 
 INSTANTIATE_TEST_SUITE_P(Separators, RenderedTexts,
                          testing::Values(TextCase{"all", "-_=~*#•·.—–|x", "x"}, TextCase{"comma", ",x", ",x"},
@@ -94,7 +94,7 @@ INSTANTIATE_TEST_SUITE_P(Separators, RenderedTexts,
                                          TextCase{"markOnASecondSeparator", "--\u0301x", "x"},
                                          TextCase{"keycap", "#\uFE0F\u20E3 Title", "Title"},
                                          TextCase{"keycapAmongSeparators", "*#\uFE0F\u20E3- Title", "Title"}),
-                         [](auto const& info) { return info.param.name; });
+                         [](auto const& given) { return given.param.name; });
 
 INSTANTIATE_TEST_SUITE_P(Alphanumerics, RenderedTexts,
                          testing::Values(TextCase{"digit", "!\n7", "7"}, TextCase{"fraction", "!\n½", "½"},
@@ -103,7 +103,7 @@ INSTANTIATE_TEST_SUITE_P(Alphanumerics, RenderedTexts,
                                          TextCase{"emojiAlone", "👍\nx", "x"},
                                          TextCase{"emojiWithSelector", "❤\uFE0F\nx", "❤\uFE0F"},
                                          TextCase{"loneMark", "\u0301\nx", "\u0301"}),
-                         [](auto const& info) { return info.param.name; });
+                         [](auto const& given) { return given.param.name; });
 
 TEST(HTMLAttributedTextUtilTests, aTextThatCannotBeRenderedIsPickedFromAsItIs) {
     Platform::CallingThreadMainExecutor main;
