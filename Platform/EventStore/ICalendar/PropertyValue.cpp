@@ -14,10 +14,18 @@ std::string validated(std::string text) {
     if (!Foundation::Text::isValidUTF8(text)) text = Foundation::Text::sanitizedUTF8(text);
     // A NUL would cut the text in every C library that it passes later.
     constexpr std::string_view replacement = "\xEF\xBF\xBD";
-    for (auto nul = text.find('\0'); nul != std::string::npos; nul = text.find('\0', nul)) {
-        text.replace(nul, 1, replacement);
+    auto const nuls = static_cast<std::size_t>(std::ranges::count(text, '\0'));
+    if (nuls == 0) return text;
+    std::string result;
+    result.reserve(text.size() + nuls * (replacement.size() - 1));
+    for (char const byte : text) {
+        if (byte == '\0') {
+            result += replacement;
+        } else {
+            result += byte;
+        }
     }
-    return text;
+    return result;
 }
 
 std::string unescaped(std::string const& text) {

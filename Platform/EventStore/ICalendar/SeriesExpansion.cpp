@@ -14,6 +14,12 @@ namespace {
 // A change of clocks may bring a time into the window from this far outside it.
 constexpr std::int64_t clockChange = secondsPerDay;
 
+// A day within the years that a calendar can name, so that what is shown has a name on the clocks of every
+// zone.
+constexpr std::int64_t earliestShown = firstSecond + secondsPerDay;
+constexpr std::int64_t latestShown = lastSecond - secondsPerDay;
+constexpr std::int64_t latestDayShown = lastDayNumber - 1;
+
 // How much further than an interval of instants one has to look on a clock: nothing unless it changes nearby.
 std::int64_t slackAround(EventZone const& clock, std::int64_t from, std::int64_t to) {
     auto const offsetAt = [&clock](std::int64_t instant) { return clock.local(instant) - instant; };
@@ -269,18 +275,20 @@ void SeriesExpansion::addShifted(Instance const& instance, Shift const& shift) {
 }
 
 void SeriesExpansion::addOverrides() {
+    // One that stands for an occurrence alone says more about it than one for all that follows.
+    std::vector<std::int64_t> alone;
+    for (auto const& event : series.overrides()) {
+        if (!event.component->isThisAndFuture)
+            alone.push_back(instantOfName(*event.component->recurrenceId, event));
+    }
+    std::ranges::sort(alone);
     for (auto const& event : series.overrides()) {
         auto const& component = *event.component;
         if (component.status == EventStatus::cancelled) continue;
-        if (component.isThisAndFuture) {
-            // One that stands for this occurrence alone says more about it.
-            auto const isCloser = [&](ClockedEvent const& other) {
-                return !other.component->isThisAndFuture &&
-                       instantOfName(*other.component->recurrenceId, other) ==
-                           instantOfName(*component.recurrenceId, event);
-            };
-            if (std::ranges::any_of(series.overrides(), isCloser)) continue;
-        }
+        bool const isOutdone =
+            component.isThisAndFuture &&
+            std::ranges::binary_search(alone, instantOfName(*component.recurrenceId, event));
+        if (isOutdone) continue;
         auto const& clock = event.clock(viewer);
         auto const length = event.length(viewer);
         auto const local = component.start.localSeconds;
@@ -290,23 +298,34 @@ void SeriesExpansion::addOverrides() {
     }
 }
 
-// Adds what overlaps the window and lies within the years that the calendar format can name.
+// Adds what overlaps the window. What lasts "for ever" ends with the last day that every clock can name.
 void SeriesExpansion::addOccurrence(ClockedEvent const& event, std::int64_t startLocal, std::int64_t start,
                                     std::int64_t end, CalendarDuration length,
                                     std::optional<std::string> key) {
+    bool const isAllDay = event.component->isAllDay();
+    auto const firstDay = isAllDay ? dayOf(startLocal) : 0;
+    auto endDay = isAllDay ? firstDay + length.days : 0;
+    if (isAllDay && endDay > latestDayShown && firstDay < latestDayShown) {
+        endDay = latestDayShown;
+        end = viewer.instant(endDay * secondsPerDay);
+    } else if (!isAllDay && start <= latestShown) {
+        end = std::min(end, latestShown);
+    }
     auto const startDate = static_cast<double>(start);
     auto const endDate = static_cast<double>(end);
     bool const overlaps = start == end ? startDate >= window.from && startDate < window.to
                                        : startDate < window.to && endDate > window.from;
-    bool const isNameable = start >= firstSecond && end <= lastSecond;
-    if (!overlaps || !isNameable) return;
+    if (!overlaps) return;
+    if (start < earliestShown || end > latestShown) {
+        report(Problem::Effect::skipped,
+               "what of it lies on the first or last day of the years 1 to 9999 is not shown");
+        return;
+    }
     if (added >= limits.occurrencesPerSeries || std::ssize(result.occurrences) >= limits.occurrences) {
         reportCut("it happens too often; only the first occurrences of the time asked for are shown");
         return;
     }
     ++added;
-    bool const isAllDay = event.component->isAllDay();
-    auto const firstDay = isAllDay ? dayOf(startLocal) : 0;
     result.occurrences.push_back({.event = event.component,
                                   .file = event.clocks->file,
                                   .master = series.master() ? series.master()->component : nullptr,
@@ -314,7 +333,7 @@ void SeriesExpansion::addOccurrence(ClockedEvent const& event, std::int64_t star
                                   .end = {.secondsSince1970 = endDate},
                                   .isAllDay = isAllDay,
                                   .firstDay = civilDays(firstDay),
-                                  .endDay = civilDays(isAllDay ? firstDay + length.days : 0),
+                                  .endDay = civilDays(endDay),
                                   .key = std::move(key)});
 }
 
@@ -351,6 +370,10 @@ std::int64_t SeriesExpansion::instantOfName(CalendarTime const& time, ClockedEve
 }
 
 void SeriesExpansion::reportCut(std::string reason) {
+    report(Problem::Effect::adjusted, std::move(reason));
+}
+
+void SeriesExpansion::report(Problem::Effect effect, std::string reason) {
     if (std::exchange(isReported, true)) return;
     auto const* component =
         series.master() ? series.master()->component : series.overrides().front().component;
@@ -360,7 +383,7 @@ void SeriesExpansion::reportCut(std::string reason) {
     result.problems.push_back({.path = file->path,
                                .line = component->line,
                                .uid = component->uid,
-                               .effect = Problem::Effect::adjusted,
+                               .effect = effect,
                                .reason = std::move(reason)});
 }
 

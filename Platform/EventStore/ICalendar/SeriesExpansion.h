@@ -62,6 +62,7 @@ private:
     [[nodiscard]] std::string keyOfOverride(ClockedEvent const& event) const;
     [[nodiscard]] std::int64_t instantOfName(CalendarTime const& time, ClockedEvent const& owner) const;
     void reportCut(std::string reason);
+    void report(Problem::Effect effect, std::string reason);
 
     Series const& series;
     ExpansionWindow window;

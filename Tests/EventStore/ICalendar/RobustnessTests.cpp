@@ -132,6 +132,14 @@ TEST(RobustnessTests, aHugeLineIsHarmless) {
     EXPECT_EQ(file->events[0].summary->text().size(), huge.size());
 }
 
+TEST(RobustnessTests, aMillionNulsAreEachReplaced) {
+    constexpr std::size_t count = 1'000'000;
+    std::string replaced;
+    for (std::size_t nul = 0; nul < count; ++nul)
+        replaced += "\xEF\xBF\xBD";
+    EXPECT_EQ(PropertyValue("a" + std::string(count, '\0') + "b").text(), "a" + replaced + "b");
+}
+
 TEST(RobustnessTests, problemsAreBounded) {
     std::string bytes = "BEGIN:VCALENDAR\n";
     for (int event = 0; event < 5000; ++event)

@@ -1,5 +1,6 @@
 #include "Tests/EventStore/ICalendar/CalendarFixtures.h"
 
+#include "Foundation/Calendar.h"
 #include "Foundation/DateFormatting.h"
 
 #include <gtest/gtest.h>
@@ -153,14 +154,76 @@ TEST(SeriesSetTests, aWindowThatIsNoIntervalHoldsNothing) {
     EXPECT_EQ(series.occurrences(always, never, zone("UTC")).occurrences.size(), 1U);
 }
 
-TEST(SeriesSetTests, nothingHappensOutsideTheYearsThatTheFormatKnows) {
+TEST(SeriesSetTests, nothingHappensWhereSomeClockHasLeftTheYearsThatACalendarKnows) {
     auto const series =
-        seriesOf(eventWith("DTSTART;TZID=Asia/Tokyo:99991230T120000\nRRULE:FREQ=DAILY\nDURATION:PT1H\n"));
+        seriesOf(eventWith("DTSTART;TZID=Asia/Tokyo:99991229T120000\nRRULE:FREQ=DAILY\nDURATION:PT1H\n"));
     EXPECT_EQ(keys(series, "9999-12-01T00:00:00Z", "9999-12-31T23:59:59Z"),
-              (Lines{"99991230T120000", "99991231T120000"}));
+              (Lines{"99991229T120000", "99991230T120000"}));
     auto const early = seriesOf(eventWith("DTSTART;TZID=Asia/Tokyo:00010101T000000\nDURATION:P2D\n"));
     EXPECT_EQ(keys(early, "0001-01-01T00:00:00Z", "0001-02-01T00:00:00Z"), Lines{});
 }
+
+struct FarEvent {
+    std::string name;
+    std::string properties;
+    std::string viewer;
+    Lines happenings;
+    Lines reasons;
+};
+
+class FarEventTests : public testing::TestWithParam<FarEvent> {};
+
+TEST_P(FarEventTests, everyClockCanNameItsBounds) {
+    auto const& far = GetParam();
+    auto const series = seriesOf(eventWith(far.properties));
+    EXPECT_EQ(happenings(series, "0001-01-01T00:00:00Z", "9999-12-31T23:59:59Z", far.viewer), far.happenings);
+    auto const found = series.occurrences(instant("0001-01-01T00:00:00Z"), instant("9999-12-31T23:59:59Z"),
+                                          zone(far.viewer));
+    EXPECT_EQ(reasons(found.problems), far.reasons);
+    for (auto const* const clock : {"UTC", "Europe/Berlin", "America/New_York", "Pacific/Kiritimati"}) {
+        Foundation::Calendar const calendar(zone(clock));
+        for (auto const& occurrence : found.occurrences) {
+            EXPECT_GE(calendar.components(occurrence.start).year, 1) << clock;
+            EXPECT_LE(calendar.components(occurrence.end).year, 9999) << clock;
+        }
+    }
+}
+
+Lines const onTheEdge = {
+    "line 3: what of it lies on the first or last day of the years 1 to 9999 is not shown"};
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, FarEventTests,
+    testing::Values(
+        FarEvent{"forEverInBerlin",
+                 "DTSTART:20260311T100000Z\nDTEND:99991231T235959Z\n",
+                 "Europe/Berlin",
+                 {"2026-03-11T10:00:00Z/9999-12-30T23:59:59Z Event"},
+                 {}},
+        FarEvent{"forEverInNewYork",
+                 "DTSTART;TZID=America/New_York:20260311T100000\n"
+                 "DTEND;TZID=America/New_York:99991231T235959\n",
+                 "America/New_York",
+                 {"2026-03-11T14:00:00Z/9999-12-30T23:59:59Z Event"},
+                 {}},
+        FarEvent{"allDaysForEverInBerlin",
+                 "DTSTART;VALUE=DATE:20260311\nDTEND;VALUE=DATE:99991231\n",
+                 "Europe/Berlin",
+                 {"2026-03-11/9999-12-30 Event"},
+                 {}},
+        FarEvent{"allDaysForEverInNewYork",
+                 "DTSTART;VALUE=DATE:20260311\nDTEND;VALUE=DATE:99991231\n",
+                 "America/New_York",
+                 {"2026-03-11/9999-12-30 Event"},
+                 {}},
+        FarEvent{"lastDayInBerlin", "DTSTART;VALUE=DATE:99991231\n", "Europe/Berlin", {}, onTheEdge},
+        FarEvent{"lastDayInNewYork", "DTSTART;VALUE=DATE:99991231\n", "America/New_York", {}, onTheEdge},
+        FarEvent{"firstHourInNewYork",
+                 "DTSTART:00010101T000000Z\nDURATION:PT1H\n",
+                 "America/New_York",
+                 {},
+                 onTheEdge}),
+    [](auto const& sample) { return sample.param.name; });
 
 } // namespace
 } // namespace Platform::ICalendar
