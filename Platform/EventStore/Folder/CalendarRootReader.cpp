@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <set>
 #include <unistd.h>
+#include <unordered_map>
 #include <utility>
 
 namespace Platform {
@@ -22,6 +23,9 @@ CGColor colorOf(std::optional<std::string> const& text) {
     auto const channel = [](std::uint8_t value) { return static_cast<double>(value) / 255.0; };
     return {.components = {{channel(color->red), channel(color->green), channel(color->blue), 1.0}}};
 }
+
+constexpr std::int64_t mostTextOfSeries = 16LL * 1024 * 1024;
+constexpr std::int64_t isCut = -1;
 
 // The content of a vdir's one-line file; absent when it cannot be read or is blank.
 std::optional<std::string> metadata(std::filesystem::path const& file) {
@@ -41,6 +45,11 @@ bool isCalendarOfItsOwn(ICalendar::CalendarFile const& file) {
     for (auto const& event : file.events)
         uids.insert(event.uid);
     return uids.size() > 1;
+}
+
+StoreProblem::Effect effectOf(ICalendar::Problem const& problem) {
+    return problem.effect == ICalendar::Problem::Effect::skipped ? StoreProblem::Effect::skipped
+                                                                 : StoreProblem::Effect::adjusted;
 }
 
 bool isWritable(std::filesystem::path const& path) {
@@ -95,14 +104,28 @@ void CalendarRootReader::appendEvents(EKEventPredicate const& predicate, Foundat
         auto const& state = upToDate(calendar, now);
         auto const expansion = state.series->occurrences(predicate.start, predicate.end, viewer);
         for (auto const& problem : expansion.problems) {
-            report({.path = calendar.folder,
-                    .line = 0,
-                    .effect = StoreProblem::Effect::adjusted,
-                    .reason = problem.reason});
+            report(
+                {.path = calendar.folder, .line = 0, .effect = effectOf(problem), .reason = problem.reason});
         }
         auto const record = std::make_shared<EKCalendar const>(calendar.record);
+        // Every occurrence has its own copy of the texts; a rule must not make a long one fill the memory.
+        std::unordered_map<ICalendar::EventComponent const*, std::int64_t> bytesOfSeries;
         for (auto const& occurrence : expansion.occurrences) {
+            auto const* const series = occurrence.master != nullptr ? occurrence.master : occurrence.event;
+            auto& bytes = bytesOfSeries[series];
+            if (bytes == isCut) continue;
+            if (bytes > mostTextOfSeries) {
+                bytes = isCut;
+                report({.path = calendar.folder,
+                        .line = 0,
+                        .effect = StoreProblem::Effect::adjusted,
+                        .reason =
+                            "its texts are too long for so many occurrences; only the first of the time "
+                            "asked for are shown"});
+                continue;
+            }
             events.push_back(eventOfOccurrence(occurrence, record, viewer));
+            bytes += textBytes(events.back());
         }
     }
 }
@@ -216,7 +239,7 @@ void CalendarRootReader::findLooseCalendars(std::vector<std::string> const& name
             .looseFiles = {file},
         };
         if (isOwn) {
-            found.push_back(std::move(calendar));
+            addUnlessTaken(std::move(calendar), found);
         } else {
             together = std::move(calendar);
         }
@@ -251,13 +274,17 @@ void CalendarRootReader::findFolderCalendar(std::string const& name,
                                    listing.hasColor);
     calendar.order = name;
     calendar.names = std::move(listing.calendarFiles);
+    addUnlessTaken(std::move(calendar), found);
+}
+
+// Two names that differ only in bytes that are no UTF-8 cannot be told apart by identifier.
+void CalendarRootReader::addUnlessTaken(Found calendar, std::vector<Found>& found) {
     bool const isTaken = std::ranges::any_of(found, [&](Found const& other) {
         return other.record.calendarIdentifier == calendar.record.calendarIdentifier;
     });
     if (isTaken) {
-        // Two names that differ only in bytes that are no UTF-8 cannot be told apart by identifier.
         report(
-            {.path = folder,
+            {.path = calendar.folder,
              .line = 0,
              .effect = StoreProblem::Effect::skipped,
              .reason = "its name is not valid UTF-8 and reads as another calendar's; rename it to see it"});
@@ -299,12 +326,7 @@ CalendarRootReader::State& CalendarRootReader::upToDate(Found const& calendar, s
         state.files = std::move(files);
     }
     for (auto const& problem : state.series->problems()) {
-        report({.path = calendar.folder,
-                .line = 0,
-                .effect = problem.effect == ICalendar::Problem::Effect::skipped
-                              ? StoreProblem::Effect::skipped
-                              : StoreProblem::Effect::adjusted,
-                .reason = problem.reason});
+        report({.path = calendar.folder, .line = 0, .effect = effectOf(problem), .reason = problem.reason});
     }
     return state;
 }

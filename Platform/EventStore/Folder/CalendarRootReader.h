@@ -72,6 +72,7 @@ private:
                             std::vector<Found>& found);
     void findFolderCalendar(std::string const& name, std::filesystem::path const& canonicalRoot,
                             std::vector<Found>& found);
+    void addUnlessTaken(Found calendar, std::vector<Found>& found);
     Found folderCalendar(std::string identifier, std::string title, std::filesystem::path const& folder,
                          bool hasDisplayName, bool hasColor) const;
     State& upToDate(Found const& calendar, std::int64_t now);

@@ -252,13 +252,19 @@ std::int64_t FolderEventStore::now() const {
 }
 
 std::error_code createNativeCalendar(CalendarStorePlaces const& places, FileManager const& files) {
-    if (isDirectory(places.nativeCalendar)) return {};
-    if (auto const failure = files.createDirectory(places.nativeCalendar)) return failure;
-    if (auto const failure =
-            files.writeAtomically(places.nativeCalendar / "displayname", nativeCalendarTitle)) {
-        return failure;
+    if (!isDirectory(places.nativeCalendar)) {
+        if (auto const failure = files.createDirectory(places.nativeCalendar)) return failure;
     }
-    return files.writeAtomically(places.nativeCalendar / "color", "#5CC2C6");
+    // What an earlier attempt left out is made up for; what is there is the person's.
+    auto const writeMissing = [&](char const* name, std::string_view content) -> std::error_code {
+        auto const file = places.nativeCalendar / name;
+        std::error_code failure;
+        auto const kind = std::filesystem::symlink_status(file, failure).type();
+        if (kind == std::filesystem::file_type::not_found) return files.writeAtomically(file, content);
+        return kind == std::filesystem::file_type::none ? failure : std::error_code();
+    };
+    if (auto const failure = writeMissing("displayname", nativeCalendarTitle)) return failure;
+    return writeMissing("color", "#5CC2C6");
 }
 
 } // namespace Platform

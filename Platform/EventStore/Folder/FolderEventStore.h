@@ -96,8 +96,8 @@ private:
 inline constexpr std::string_view nativeCalendarIdentifier = "quillora-native-calendar";
 inline constexpr std::string_view nativeCalendarTitle = "Quillora";
 
-/// Makes the product's own calendar: its folder, with the files that name and colour it. One that exists
-/// stays as it is.
+/// Makes the product's own calendar: its folder, with the files that name and colour it. Of one that exists
+/// only what is missing is written.
 std::error_code createNativeCalendar(CalendarStorePlaces const& places, FileManager const& files);
 
 } // namespace Platform

@@ -39,10 +39,22 @@ EKRecurrenceRule ruleOf(ICalendar::RecurrenceRule const& rule, Foundation::TimeZ
     return record;
 }
 
-// A text of blanks alone tells a reader no more than none.
+bool isContinuation(char byte) {
+    return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
+}
+
+// A text of blanks alone tells a reader no more than none. No more is decoded than is kept: folds and escapes
+// take at most eight bytes for one.
 std::optional<std::string> textOf(std::optional<ICalendar::PropertyValue> const& value) {
     if (!value) return std::nullopt;
-    auto text = value->text();
+    constexpr std::size_t widest = 8;
+    auto text = ICalendar::PropertyValue(value->raw().substr(0, widest * longestEventText)).text();
+    if (text.size() > longestEventText) {
+        auto end = longestEventText;
+        while (end > 0 && isContinuation(text[end]))
+            --end;
+        text.resize(end);
+    }
     if (Foundation::Text::trimmingWhitespacesAndNewlines(text).empty()) return std::nullopt;
     return text;
 }
@@ -79,6 +91,14 @@ EKEvent eventOfOccurrence(ICalendar::Occurrence const& occurrence, std::shared_p
             event.recurrenceRules.push_back(ruleOf(rule, viewer));
     }
     return event;
+}
+
+std::int64_t textBytes(EKEvent const& event) {
+    std::size_t bytes = event.url ? event.url->absoluteString.size() : 0;
+    for (auto const* const text :
+         {&event.eventIdentifier, &event.calendarItemIdentifier, &event.title, &event.notes, &event.location})
+        bytes += *text ? (*text)->size() : 0;
+    return static_cast<std::int64_t>(bytes);
 }
 
 } // namespace Platform

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <sys/stat.h>
@@ -28,15 +29,24 @@ std::unexpected<std::string> lastError() {
     return std::unexpected(std::generic_category().message(errno));
 }
 
+// Years beyond 2262 do not fit; such a time stands at the end of those that do.
+std::int64_t nanosecondsOf(struct timespec const& time) {
+    constexpr std::int64_t nanoseconds = 1'000'000'000;
+    constexpr std::int64_t most = INT64_MAX / nanoseconds - 1;
+    auto const seconds = static_cast<std::int64_t>(time.tv_sec);
+    if (seconds > most) return INT64_MAX;
+    if (seconds < -most) return INT64_MIN;
+    return seconds * nanoseconds + time.tv_nsec;
+}
+
 std::expected<FileStamp, std::string> stampFrom(struct stat const& status) {
     if (!S_ISREG(status.st_mode)) return std::unexpected("it is not a regular file");
-    constexpr std::int64_t nanoseconds = 1'000'000'000;
     return FileStamp{
         .device = static_cast<std::uint64_t>(status.st_dev),
         .inode = static_cast<std::uint64_t>(status.st_ino),
         .size = static_cast<std::int64_t>(status.st_size),
-        .modified = static_cast<std::int64_t>(status.st_mtim.tv_sec) * nanoseconds + status.st_mtim.tv_nsec,
-        .changed = static_cast<std::int64_t>(status.st_ctim.tv_sec) * nanoseconds + status.st_ctim.tv_nsec,
+        .modified = nanosecondsOf(status.st_mtim),
+        .changed = nanosecondsOf(status.st_ctim),
     };
 }
 

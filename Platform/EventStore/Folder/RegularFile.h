@@ -12,7 +12,7 @@ struct FileStamp {
     std::uint64_t device;
     std::uint64_t inode;
     std::int64_t size;
-    std::int64_t modified; ///< Nanoseconds since 1970.
+    std::int64_t modified; ///< Nanoseconds since 1970; at the end of its range for a time beyond it.
     std::int64_t changed;  ///< Nanoseconds since 1970, of the inode.
 
     bool operator==(FileStamp const&) const = default;

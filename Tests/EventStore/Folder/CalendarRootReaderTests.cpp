@@ -248,6 +248,18 @@ TEST_F(CalendarRootReaderTests, aFolderNamedInOtherBytesThanUTF8IsStillACalendar
     EXPECT_EQ(problems(subject).size(), 1U);
 }
 
+TEST_F(CalendarRootReaderTests, ofTwoLooseFilesWhoseNamesReadAlikeOneIsSkippedWithAReason) {
+    root.write("caf\xe8.ics", smallFile({smallEvent("a", "A"), smallEvent("b", "B")}));
+    root.write("caf\xe9.ics", smallFile({smallEvent("c", "C"), smallEvent("d", "D")}));
+    auto subject = reader();
+    EXPECT_EQ(calendars(subject), (Texts{"r1/caf\xEF\xBF\xBD.ics = caf\xEF\xBF\xBD"}));
+    EXPECT_EQ(events(subject), (Texts{"r1/caf\xEF\xBF\xBD.ics: A", "r1/caf\xEF\xBF\xBD.ics: B"}));
+    EXPECT_EQ(
+        problems(subject),
+        (Texts{"caf\xEF\xBF\xBD.ics: its name is not valid UTF-8 and reads as another calendar's; rename "
+               "it to see it"}));
+}
+
 TEST_F(CalendarRootReaderTests, aSingleCalendarIsThereAlsoWhenItIsEmpty) {
     auto subject = reader(RootLayout::singleCalendar);
     EXPECT_EQ(calendars(subject), (Texts{"r1 = My root"}));

@@ -150,6 +150,18 @@ TEST_F(FolderEventStoreTests, makingTheOwnCalendarAgainChangesNothing) {
     EXPECT_EQ(status.st_mode & 0777U, 0700U);
 }
 
+TEST_F(FolderEventStoreTests, makingAHalfMadeOwnCalendarAgainAddsWhatIsMissing) {
+    home.write("data/native/displayname", "My own name");
+    ASSERT_FALSE(createNativeCalendar(places(), *files));
+    auto subject = store();
+    EXPECT_EQ(calendarTitles(subject), (Texts{"My own name"}));
+    EXPECT_TRUE(subject.defaultCalendarForNewEvents()->cgColor.components.has_value());
+
+    std::filesystem::remove(home / "data/native/displayname");
+    ASSERT_FALSE(createNativeCalendar(places(), *files));
+    EXPECT_EQ(calendarTitles(subject), (Texts{"Quillora"}));
+}
+
 TEST_F(FolderEventStoreTests, theOwnCalendarCannotBeMadeWhereAFileIsInTheWay) {
     home.write("data", "");
     EXPECT_TRUE(createNativeCalendar(places(), *files));
@@ -206,6 +218,42 @@ TEST_F(FolderEventStoreTests, allDayAndFloatingEventsLieOnTheViewersClock) {
     EXPECT_EQ(events[0].startDate->secondsSince1970, 1773154800);
     EXPECT_EQ(events[0].endDate->secondsSince1970, 1773241200);
     EXPECT_EQ(events[1].startDate->secondsSince1970, 1773187200);
+}
+
+TEST_F(FolderEventStoreTests, aLongTextEndsBetweenTwoCharacters) {
+    std::string notes(64 * 1024 - 1, 'n');
+    home.write("One/x/a.ics", smallFile({"BEGIN:VEVENT\r\nUID:a\r\nDTSTART:20260311T090000Z\r\nDESCRIPTION:" +
+                                         notes + "\xC3\xA9 and more\r\nEND:VEVENT\r\n"}));
+    add("One");
+    auto subject = store();
+    auto const events =
+        subject.eventsMatching({.start = {1772319600}, .end = {1774994400}, .calendars = std::nullopt});
+    ASSERT_EQ(events.size(), 1U);
+    EXPECT_EQ(events[0].notes, notes);
+}
+
+TEST_F(FolderEventStoreTests, aLongTextEveryMinuteIsCutAndItsNeighboursAreShown) {
+    constexpr std::size_t notes = 100 * 1000;
+    home.write(
+        "One/x/a.ics",
+        smallFile({"BEGIN:VEVENT\r\nUID:a\r\nDTSTART:20260302T000000Z\r\nRRULE:FREQ=MINUTELY\r\nSUMMARY:"
+                   "Bomb\r\nDESCRIPTION:" +
+                       std::string(notes, 'n') + "\r\nEND:VEVENT\r\n",
+                   smallEvent("b", "Neighbour", "20260330T090000Z")}));
+    add("One");
+    auto subject = store();
+    auto const found = titles(subject);
+    // 16 MiB hold 256 notes of 64 KiB; title and identifiers come to less than one more.
+    EXPECT_EQ(found.size(), 257U);
+    EXPECT_EQ(std::ranges::count(found, "Bomb"), 256);
+    EXPECT_EQ(found.back(), "Neighbour");
+    auto const reason =
+        "its texts are too long for so many occurrences; only the first of the time asked for are "
+        "shown";
+    auto const messages = log->messages();
+    EXPECT_EQ(std::ranges::count_if(messages,
+                                    [&](std::string const& message) { return message.ends_with(reason); }),
+              1);
 }
 
 TEST_F(FolderEventStoreTests, aVanishedFolderCostsOnlyItselfAndIsLoggedOnce) {

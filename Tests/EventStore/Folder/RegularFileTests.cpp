@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 
 using namespace Platform;
@@ -44,6 +45,24 @@ TEST(RegularFileTests, whatIsNoFileIsRefusedWithoutWaiting) {
                                             {folder / "file/a.ics", "Not a directory"}}) {
         EXPECT_EQ(stampOfRegularFile(row.path).error(), row.reason) << row.path;
         EXPECT_EQ(readRegularFile(row.path).error(), row.reason) << row.path;
+    }
+}
+
+TEST(RegularFileTests, aTimeBeyondTheCountedOnesIsTheLastOfThem) {
+    TemporaryFolder const folder;
+    auto const file = folder.write("a.ics", "text");
+    struct Row {
+        std::int64_t seconds;
+        std::int64_t stamp;
+    };
+    for (auto const& row : {Row{10'413'792'000, INT64_MAX}, Row{9'000'000'000, 9'000'000'000'000'000'000}}) {
+        struct timespec const times[] = {{.tv_sec = row.seconds, .tv_nsec = 0},
+                                         {.tv_sec = row.seconds, .tv_nsec = 0}};
+        ASSERT_EQ(::utimensat(AT_FDCWD, file.c_str(), times, 0), 0);
+        struct stat status{};
+        ASSERT_EQ(::stat(file.c_str(), &status), 0);
+        if (status.st_mtim.tv_sec != row.seconds) GTEST_SKIP() << "this file system keeps no such time";
+        EXPECT_EQ(stampOfRegularFile(file)->modified, row.stamp);
     }
 }
 
