@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <exception>
+#include <limits>
 #include <memory>
 #include <utility>
 
@@ -22,6 +23,13 @@ std::string description(Platform::EKAuthorizationStatus status) {
     case Platform::EKAuthorizationStatus::writeOnly: return "writeOnly";
     }
     return "unknown(" + std::to_string(static_cast<std::int64_t>(status)) + ")";
+}
+
+// Absent when the calendar cannot form it; the least number of days has no opposite.
+std::optional<Foundation::Date> daysBefore(Foundation::Date date, std::int64_t days,
+                                           Foundation::Calendar const& calendar) {
+    if (days == std::numeric_limits<std::int64_t>::min()) return std::nullopt;
+    return calendar.dateByAddingDays(-days, date);
 }
 
 // Asks the desktop at most once, and only when a calendar has no colour: a desktop that answers slowly must
@@ -74,7 +82,7 @@ Foundation::Task<std::vector<MeetEntity>> EventKitMeetRepositoryImpl::fetchAllMe
 
     // From now to the second, on purpose not from the start of a day: the outermost days come in part.
     auto const now = surroundings.clock->now();
-    auto const start = settings.calendar.dateByAddingDays(-settings.daysBehind, now).value_or(now);
+    auto const start = daysBefore(now, settings.daysBehind, settings.calendar).value_or(now);
     auto const end = settings.calendar.dateByAddingDays(settings.daysAhead, now).value_or(now);
     auto const predicate = eventStore->predicateForEvents(start, end, calendars);
 

@@ -219,6 +219,13 @@ TEST_F(EventKitMeetRepositoryImplTests, aDateThatTheCalendarCannotFormIsNow) {
     runTask(repository(std::move(with)).fetchAllMeets());
     EXPECT_EQ(store->queries().front().start, (Date{.secondsSince1970 = friday}));
     EXPECT_EQ(store->queries().front().end, (Date{.secondsSince1970 = friday}));
+
+    with = settings();
+    with.daysBehind = std::numeric_limits<std::int64_t>::min();
+    with.daysAhead = std::numeric_limits<std::int64_t>::min();
+    runTask(repository(std::move(with)).fetchAllMeets());
+    EXPECT_EQ(store->queries().back().start, (Date{.secondsSince1970 = friday}));
+    EXPECT_EQ(store->queries().back().end, (Date{.secondsSince1970 = friday}));
 }
 
 TEST_F(EventKitMeetRepositoryImplTests, meetsComeInTheStoresOrderWithTheirRecurrence) {
