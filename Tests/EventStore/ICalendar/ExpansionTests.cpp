@@ -2,6 +2,8 @@
 
 #include "Tests/EventStore/ICalendar/CalendarFixtures.h"
 
+#include "Foundation/DateFormatting.h"
+
 #include <gtest/gtest.h>
 
 namespace Platform::ICalendar {
@@ -271,6 +273,28 @@ TEST(ExpansionTests, equalStartsStayInTheOrderOfTheFile) {
               (Lines{"2026-03-11T07:00:00Z/2026-03-11T07:00:00Z Earlier",
                      "2026-03-11T08:00:00Z/2026-03-11T08:00:00Z First",
                      "2026-03-11T08:00:00Z/2026-03-11T08:00:00Z Second"}));
+}
+
+// So many that comparing each with each would take minutes.
+TEST(ExpansionTests, anOverrideOfOneOccurrenceOutdoesThatOfAllThatFollow) {
+    std::string events = "BEGIN:VEVENT\nUID:u\nSUMMARY:Master\nDTSTART:20260301T000000Z\n"
+                         "RRULE:FREQ=MINUTELY\nEND:VEVENT\n";
+    constexpr int count = 20'000;
+    Foundation::Date const start = instant("2026-03-01T00:00:00Z");
+    for (int minute = 0; minute < count; ++minute) {
+        auto time = Foundation::iso8601(start.addingTimeInterval(60.0 * minute));
+        std::erase_if(time, [](char byte) { return byte == '-' || byte == ':'; });
+        events += "BEGIN:VEVENT\nUID:u\nSUMMARY:Following\nRECURRENCE-ID;RANGE=THISANDFUTURE:" + time +
+                  "\nDTSTART:" + time + "\nEND:VEVENT\n";
+        if (minute % 2 == 0) continue;
+        events += "BEGIN:VEVENT\nUID:u\nSUMMARY:Alone\nRECURRENCE-ID:" + time + "\nDTSTART:" + time +
+                  "\nEND:VEVENT\n";
+    }
+    auto const found = happenings(seriesOf(events), "2026-03-01T00:00:00Z", "2026-03-01T00:04:00Z");
+    EXPECT_EQ(found, (Lines{"2026-03-01T00:00:00Z/2026-03-01T00:00:00Z Following",
+                            "2026-03-01T00:01:00Z/2026-03-01T00:01:00Z Alone",
+                            "2026-03-01T00:02:00Z/2026-03-01T00:02:00Z Following",
+                            "2026-03-01T00:03:00Z/2026-03-01T00:03:00Z Alone"}));
 }
 
 } // namespace
