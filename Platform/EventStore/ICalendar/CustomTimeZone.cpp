@@ -15,7 +15,6 @@ namespace {
 
 constexpr std::int64_t endOfChanges = dayNumber({.year = 2200, .month = 12, .day = 31}) * secondsPerDay;
 constexpr std::size_t maximumChanges = 4000;
-constexpr std::int64_t maximumSteps = 200'000;
 
 } // namespace
 
@@ -76,10 +75,10 @@ void CustomTimeZone::addChanges(Observance const& observance, std::int64_t& step
     }
 }
 
-std::shared_ptr<CustomTimeZone const> CustomTimeZone::fromComponent(std::string_view bytes) {
+std::shared_ptr<CustomTimeZone const> CustomTimeZone::fromComponent(std::string_view bytes,
+                                                                    std::int64_t& steps) {
     std::vector<Change> changes;
     std::optional<Observance> observance;
-    std::int64_t steps = maximumSteps;
     ContentLineScanner lines(bytes);
     ContentLine content;
     while (lines.next() && changes.size() < maximumChanges) {

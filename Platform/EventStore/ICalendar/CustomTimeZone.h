@@ -11,8 +11,9 @@ namespace Platform::ICalendar {
 /// last of them stands from then on.
 class CustomTimeZone {
 public:
-    /// Null when `bytes` describe no usable offset. Observances that cannot be read are left out.
-    static std::shared_ptr<CustomTimeZone const> fromComponent(std::string_view bytes);
+    /// Null when `bytes` describe no usable offset. Observances that cannot be read are left out. Takes the
+    /// months and times that its rules looked at off `steps`; without steps left no rule is followed further.
+    static std::shared_ptr<CustomTimeZone const> fromComponent(std::string_view bytes, std::int64_t& steps);
 
     /// Seconds east of UTC at an instant.
     [[nodiscard]] std::int32_t secondsFromUTC(std::int64_t utcSeconds) const;

@@ -8,8 +8,9 @@ namespace Platform::ICalendar {
 
 FileClocks::FileClocks(CalendarFile const& calendarFile, ZoneCatalog& catalog) : file(&calendarFile) {
     zones.reserve(calendarFile.zoneNames.size());
+    FileZones own(calendarFile);
     for (auto const& name : calendarFile.zoneNames)
-        zones.push_back(catalog.zone(name, calendarFile));
+        zones.push_back(catalog.zone(name, own));
 }
 
 EventZone const& FileClocks::clock(CalendarTime const& time, EventZone const& viewer) const {

@@ -44,19 +44,19 @@ void sortByStart(std::vector<Occurrence>& occurrences) {
 // The zones of a file that nothing explains, each at the first event that names it.
 void reportUnknownZones(FileClocks const& clocks, std::vector<Problem>& problems) {
     auto const& file = *clocks.file;
-    for (std::uint32_t index = 0; index < clocks.zones.size(); ++index) {
-        if (clocks.zones[index]) continue;
-        auto const namesZone = [index](EventComponent const& event) {
-            return event.start.form == TimeForm::zoned && event.start.zone == index;
-        };
-        auto const event = std::ranges::find_if(file.events, namesZone);
-        if (event == file.events.end() || problems.size() >= CalendarFile::maximumProblems) continue;
+    std::vector<bool> isDone(clocks.zones.size());
+    for (auto const& event : file.events) {
+        auto const zone = event.start.zone;
+        if (event.start.form != TimeForm::zoned || isDone[zone]) continue;
+        isDone[zone] = true;
+        if (clocks.zones[zone]) continue;
+        if (problems.size() >= CalendarFile::maximumProblems) return;
         problems.push_back({.path = file.path,
-                            .line = event->line,
-                            .uid = event->uid,
+                            .line = event.line,
+                            .uid = event.uid,
                             .effect = Problem::Effect::adjusted,
                             .reason = "the time zone \"" +
-                                      PropertyValue(file.zoneNames[index]).uri().substr(0, 80) +
+                                      PropertyValue(file.zoneNames[zone]).uri().substr(0, 80) +
                                       "\" is not known; its times are read on the viewer's clock"});
     }
 }

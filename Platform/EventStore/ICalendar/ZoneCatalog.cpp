@@ -56,30 +56,59 @@ std::optional<Foundation::TimeZone> zoneOfSuffix(std::string_view name) {
     return std::nullopt;
 }
 
+// "EUROPE/BERLIN" as the zone database writes nearly all its names: "Europe/Berlin". Empty without a folder.
+std::string capitalized(std::string_view name) {
+    constexpr std::size_t longest = 64;
+    std::string result;
+    if (name.size() > longest || name.find('/') == std::string_view::npos) return result;
+    bool isFirst = true;
+    for (char const byte : name) {
+        bool const isLetter = (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z');
+        if (isLetter) {
+            result += static_cast<char>(isFirst ? byte & ~0x20 : byte | 0x20);
+        } else {
+            result += byte;
+        }
+        isFirst = !isLetter;
+    }
+    return result;
+}
+
 } // namespace
 
-std::optional<EventZone> ZoneCatalog::zone(std::string_view identifier, CalendarFile const& file) {
+FileZones::FileZones(CalendarFile const& file) {
+    components.reserve(file.timeZones.size());
+    for (auto const& component : file.timeZones)
+        components.try_emplace(component.identifier, &component);
+}
+
+std::optional<EventZone> ZoneCatalog::zone(std::string_view identifier, FileZones& file) {
     if (identifier == "UTC" || identifier == "Etc/UTC" || identifier == "GMT") return EventZone::utc();
     if (auto zone = systemZone(identifier)) return EventZone(*zone);
     if (auto const name = ianaNameOfWindowsZone(identifier)) {
         if (auto zone = Foundation::TimeZone::named(*name)) return EventZone(*zone);
     }
     if (auto zone = zoneOfSuffix(identifier)) return EventZone(*zone);
+    if (auto zone = systemZone(capitalized(identifier))) return EventZone(*zone);
     if (auto zone = customZone(identifier, file)) return EventZone(std::move(zone));
     return std::nullopt;
 }
 
-std::shared_ptr<CustomTimeZone const> ZoneCatalog::customZone(std::string_view identifier,
-                                                              CalendarFile const& file) {
-    auto const component = std::ranges::find(file.timeZones, identifier, &TimeZoneComponent::identifier);
-    if (component == file.timeZones.end()) return nullptr;
+std::shared_ptr<CustomTimeZone const> ZoneCatalog::customZone(std::string_view identifier, FileZones& file) {
+    auto const component = file.components.find(identifier);
+    if (component == file.components.end()) return nullptr;
+    auto const bytes = component->second->bytes;
     std::lock_guard const lock(mutex);
-    auto const known = customZones.find(component->bytes);
+    auto const known = customZones.find(bytes);
     if (known != customZones.end()) return known->second;
-    auto zone = CustomTimeZone::fromComponent(component->bytes);
-    // Foreign data must not make the catalog grow without end.
+    constexpr std::int64_t stepsPerZone = 200'000;
+    auto const allowed = std::min(stepsPerZone, std::max<std::int64_t>(file.steps, 0));
+    auto steps = allowed;
+    auto zone = CustomTimeZone::fromComponent(bytes, steps);
+    file.steps -= allowed - steps;
+    // Foreign data must not make the catalog grow without end, nor one file's greed spoil another's zone.
     constexpr std::size_t mostKept = 256;
-    if (customZones.size() < mostKept) customZones.emplace(component->bytes, zone);
+    if (steps > 0 && customZones.size() < mostKept) customZones.emplace(bytes, zone);
     return zone;
 }
 

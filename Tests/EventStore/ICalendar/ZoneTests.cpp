@@ -1,6 +1,7 @@
 #include "Tests/EventStore/ICalendar/CalendarFixtures.h"
 
 #include "Platform/EventStore/ICalendar/CustomTimeZone.h"
+#include "Platform/EventStore/ICalendar/EventZone.h"
 #include "Platform/EventStore/ICalendar/WindowsZones.h"
 
 #include <gtest/gtest.h>
@@ -67,13 +68,15 @@ TEST(ZoneTests, aZoneWithoutUsableRulesCountsAsUnknown) {
 }
 
 TEST(ZoneTests, datesOfChangeAreFollowed) {
+    std::int64_t steps = 1000;
     auto const zone =
         CustomTimeZone::fromComponent("BEGIN:VTIMEZONE\nTZID:X\n"
                                       "BEGIN:STANDARD\nDTSTART:20200101T000000\nRDATE:20220101T000000\n"
                                       "TZOFFSETFROM:+0200\nTZOFFSETTO:+0100\nEND:STANDARD\n"
                                       "BEGIN:DAYLIGHT\nDTSTART:20210101T000000\n"
                                       "TZOFFSETFROM:+0100\nTZOFFSETTO:+0200\nEND:DAYLIGHT\n"
-                                      "END:VTIMEZONE\n");
+                                      "END:VTIMEZONE\n",
+                                      steps);
     ASSERT_NE(zone, nullptr);
     auto const at = [&zone](std::string_view text) {
         return zone->secondsFromUTC(static_cast<std::int64_t>(instant(text).secondsSince1970));
@@ -83,6 +86,64 @@ TEST(ZoneTests, datesOfChangeAreFollowed) {
     EXPECT_EQ(at("2019-12-31T22:00:00Z"), 3600);
     EXPECT_EQ(at("2020-12-31T23:00:00Z"), 7200);
     EXPECT_EQ(at("2022-06-01T00:00:00Z"), 3600);
+}
+
+TEST(ZoneTests, theCaseOfASystemsNameDoesNotMatter) {
+    for (auto const* const name : {"europe/berlin", "EUROPE/BERLIN", "Europe/berlin"}) {
+        auto const series = seriesOf(eventWith("DTSTART;TZID=" + std::string(name) + ":20260311T090000\n"));
+        EXPECT_EQ(happenings(series, "2026-03-11T00:00:00Z", "2026-03-12T00:00:00Z"),
+                  (Lines{"2026-03-11T08:00:00Z/2026-03-11T08:00:00Z Event"}))
+            << name;
+    }
+    auto const series = seriesOf(eventWith("DTSTART;TZID=america/new_york:20260311T090000\n"));
+    EXPECT_EQ(happenings(series, "2026-03-11T00:00:00Z", "2026-03-12T00:00:00Z"),
+              (Lines{"2026-03-11T13:00:00Z/2026-03-11T13:00:00Z Event"}));
+}
+
+std::string ownZone(std::string const& name, std::string const& rule) {
+    return "BEGIN:VTIMEZONE\nTZID:" + name + "\nBEGIN:STANDARD\nDTSTART:19700101T000000\n" + rule +
+           "TZOFFSETFROM:+0500\nTZOFFSETTO:+0500\nEND:STANDARD\nEND:VTIMEZONE\n";
+}
+
+TEST(ZoneTests, theZonesOfAFileShareOneBoundOfWork) {
+    std::string bytes = "BEGIN:VCALENDAR\n";
+    constexpr int count = 100;
+    for (int zone = 0; zone < count; ++zone)
+        bytes += ownZone("Zone" + std::to_string(zone), "RRULE:FREQ=DAILY;BYSETPOS=2;COUNT=3\n");
+    auto const file = read(bytes + "END:VCALENDAR\n");
+    ASSERT_EQ(file->timeZones.size(), static_cast<std::size_t>(count));
+    FileZones zones(*file);
+    auto const before = zones.steps;
+    ZoneCatalog catalog;
+    for (int zone = 0; zone < count; ++zone)
+        EXPECT_TRUE(catalog.zone("Zone" + std::to_string(zone), zones)) << zone;
+    EXPECT_LE(zones.steps, 0);
+    EXPECT_GE(zones.steps, -1000);
+
+    FileZones others(*file);
+    EXPECT_TRUE(catalog.zone("Zone99", others));
+    EXPECT_LT(others.steps, before) << "what was cut for one file is worked out for the next";
+}
+
+TEST(ZoneTests, ofTwoZonesOfOneNameTheFirstCounts) {
+    auto const series = seriesOf(ownZone("Twice", "") + ownZone("Other", "") +
+                                 "BEGIN:VTIMEZONE\nTZID:Twice\nBEGIN:STANDARD\nDTSTART:19700101T000000\n"
+                                 "TZOFFSETFROM:+0900\nTZOFFSETTO:+0900\nEND:STANDARD\nEND:VTIMEZONE\n" +
+                                 eventWith("DTSTART;TZID=Twice:20260311T090000\n"));
+    EXPECT_EQ(happenings(series, "2026-03-11T00:00:00Z", "2026-03-12T00:00:00Z"),
+              (Lines{"2026-03-11T04:00:00Z/2026-03-11T04:00:00Z Event"}));
+}
+
+TEST(ZoneTests, manyUnknownZonesAreReportedOnceEachUpToTheBound) {
+    std::string events;
+    for (int event = 0; event < 30'000; ++event) {
+        events += "BEGIN:VEVENT\nUID:" + std::to_string(event) + "\nDTSTART;TZID=Nowhere" +
+                  std::to_string(event / 2) + ":20260311T090000\nEND:VEVENT\n";
+    }
+    auto const problems = seriesOf(events).problems();
+    ASSERT_EQ(problems.size(), CalendarFile::maximumProblems);
+    EXPECT_EQ(problems[1].uid, "2");
+    EXPECT_EQ(problems[999].uid, "1998");
 }
 
 TEST(ZoneTests, everyWindowsNameLeadsToAZoneOfTheSystem) {
