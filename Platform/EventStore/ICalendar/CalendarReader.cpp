@@ -28,6 +28,7 @@ public:
         while (lines.next())
             readLine(lines.line());
         if (events.isOpen()) events.abandon();
+        if (!hasBegun) reportForeign();
         if (!hasOwnName) file.name = std::move(plainName);
         if (!hasOwnColor) file.color = std::move(plainColor);
     }
@@ -37,11 +38,14 @@ private:
 
     void readLine(std::string_view line) {
         char const first = static_cast<char>(line.front() | 0x20);
-        if (first == 'b' && isDelimiter(line, "BEGIN:")) {
-            begin(trimmed(line.substr(6)));
-        } else if (first == 'e' && isDelimiter(line, "END:")) {
-            end(trimmed(line.substr(4)));
-        } else if (depth > 0) {
+        bool const mayDelimit = first == 'b' || first == 'e';
+        if (mayDelimit && readDelimiter(line)) return;
+        // No delimiter is so long; what is folded beyond belongs to a property.
+        constexpr std::size_t longestDelimiter = 128;
+        if (mayDelimit && lines.isFolded() && line.size() <= longestDelimiter) {
+            if (readDelimiter(unfold(line))) return;
+        }
+        if (depth > 0) {
             return;
         } else if (place == Place::event) {
             events.property(line, lines.lineNumber(), lines.isFolded());
@@ -50,6 +54,33 @@ private:
         } else if (place == Place::timeZone && first == 't') {
             readZoneIdentifier(line);
         }
+    }
+
+    // False for any other line, and for one that is still folded.
+    bool readDelimiter(std::string_view line) {
+        if (line.find('\n') != std::string_view::npos) return false;
+        if (isDelimiter(line, "BEGIN:")) {
+            begin(trimmed(line.substr(6)));
+        } else if (isDelimiter(line, "END:")) {
+            end(trimmed(line.substr(4)));
+        } else {
+            return false;
+        }
+        return true;
+    }
+
+    // A page of the web in place of a download, say. An empty file is an empty calendar.
+    void reportForeign() {
+        std::string_view content = *file.bytes;
+        if (content.starts_with("\xEF\xBB\xBF")) content.remove_prefix(3);
+        if (trimmed(content).empty()) return;
+        bool const isWide = content.starts_with("\xFF\xFE") || content.starts_with("\xFE\xFF");
+        file.problems.push_back({.path = file.path,
+                                 .line = 1,
+                                 .uid = std::nullopt,
+                                 .effect = Problem::Effect::skipped,
+                                 .reason = isWide ? "it is no iCalendar file: its text is UTF-16, not UTF-8"
+                                                  : "it is no iCalendar file"});
     }
 
     static bool isDelimiter(std::string_view line, std::string_view delimiter) {
@@ -61,6 +92,7 @@ private:
         bool const isEvent = equalsIgnoringCase(name, "VEVENT");
         bool const isCalendar = equalsIgnoringCase(name, "VCALENDAR");
         if (isEvent || isCalendar) {
+            hasBegun = true;
             // Neither stands inside an event: one that is still open lacks its END.
             if (events.isOpen()) events.finishWithoutEnd(lines.offset());
             depth = 0;
@@ -134,6 +166,7 @@ private:
     std::size_t zoneStart = 0;
     std::int64_t zoneLine = 0;
     std::string zoneIdentifier;
+    bool hasBegun = false; // A calendar, or an event without one.
     bool hasOwnName = false;
     bool hasOwnColor = false;
     std::optional<std::string> plainName;

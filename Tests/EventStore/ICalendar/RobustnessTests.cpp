@@ -116,12 +116,36 @@ TEST(RobustnessTests, anEventNeedsNoCalendarAroundIt) {
 }
 
 TEST(RobustnessTests, whatIsNoCalendarHoldsNothing) {
-    EXPECT_TRUE(read("")->events.empty());
-    EXPECT_TRUE(read("\r\n\n\r")->events.empty());
-    EXPECT_TRUE(read(std::string(100'000, '\0'))->events.empty());
-    EXPECT_TRUE(read(std::string(100'000, ':'))->events.empty());
-    EXPECT_TRUE(read("<html><body>Sign in</body></html>")->events.empty());
-    EXPECT_TRUE(read("END:VEVENT\nEND:VCALENDAR\nEND:VALARM\n")->events.empty());
+    for (auto const* const nothing : {"", "\r\n\n\r", "\xEF\xBB\xBF", " \t\n"}) {
+        EXPECT_TRUE(read(nothing)->events.empty());
+        EXPECT_EQ(reasons(read(nothing)->problems), Lines{}) << nothing;
+    }
+    std::string const wide("\0B\0E\0G\0I\0N\0:\0V\0E\0V\0E\0N\0T", 24);
+    struct Row {
+        std::string name;
+        std::string bytes;
+        std::string reason;
+    };
+    std::string const foreign = "line 1: it is no iCalendar file";
+    for (auto const& row :
+         std::vector<Row>{{"nuls", std::string(100'000, '\0'), foreign},
+                          {"colons", std::string(100'000, ':'), foreign},
+                          {"page", "<html><body>Sign in</body></html>", foreign},
+                          {"endsAlone", "END:VEVENT\nEND:VCALENDAR\nEND:VALARM\n", foreign},
+                          {"otherComponent", "BEGIN:VCARD\nEND:VCARD\n", foreign},
+                          {"littleWide", "\xFF\xFE" + wide, foreign + ": its text is UTF-16, not UTF-8"},
+                          {"bigWide", "\xFE\xFF" + wide, foreign + ": its text is UTF-16, not UTF-8"}}) {
+        EXPECT_TRUE(read(row.bytes)->events.empty()) << row.name;
+        EXPECT_EQ(reasons(read(row.bytes)->problems), Lines{row.reason}) << row.name;
+    }
+    EXPECT_EQ(reasons(read("BEGIN:VCALENDAR\nEND:VCALENDAR\n")->problems), Lines{});
+}
+
+TEST(RobustnessTests, aDelimiterMayBeFolded) {
+    EXPECT_EQ(uids(read("BEGIN:VCALEN\r\n DAR\r\nBEGIN:VE\r\n VENT\r\nUID:a\r\nDTSTART:20260311\r\n"
+                        "EN\r\n D:VEVENT\r\nBEGIN:VEVENT\r\nUID:b\r\nDTSTART:20260311\r\nEND:VEVE\r\n NT\r\n"
+                        "END:VCALENDAR\r\n")),
+              (Lines{"a", "b"}));
 }
 
 TEST(RobustnessTests, aHugeLineIsHarmless) {
