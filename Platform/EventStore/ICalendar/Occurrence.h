@@ -36,6 +36,9 @@ struct Expansion {
 /// Bounds that keep a hostile rule harmless. A series that meets one is cut there, with a problem.
 struct ExpansionLimits {
     std::int64_t occurrencesPerSeries = 50'000;
+    /// What stays of a rule's occurrences when they meet the bound above: nobody reads more of them, and many
+    /// such rules together must not use up what is there for all.
+    std::int64_t occurrencesOfCutRule = 1'000;
     std::int64_t occurrences = 1'000'000;
     std::int64_t stepsPerSeries = 250'000;
 };

@@ -138,6 +138,10 @@ PartResult readPart(RecurrenceRule& rule, std::string_view name, std::string_vie
     }
     // The calendar that the rest of the format counts in anyway.
     if (equalsIgnoringCase(name, "RSCALE") && equalsIgnoringCase(value, "GREGORIAN")) return PartResult::read;
+    // What a rule without it does, too (RFC 7529).
+    if (equalsIgnoringCase(name, "SKIP") && equalsIgnoringCase(value, "OMIT")) return PartResult::read;
+    // Other programs' own parts, which older calendars may bear (RFC 2445), say nothing about when.
+    if (name.starts_with("X-")) return PartResult::read;
     for (auto const& part : listParts) {
         if (equalsIgnoringCase(name, part.name)) return result(readList(rule, part, value));
     }

@@ -67,7 +67,13 @@ SeriesExpansion::SeriesExpansion(Series const& series, ExpansionWindow window, E
 
 void SeriesExpansion::run() {
     if (series.isCancelled() || !series.mayTouch(window.firstSecond, window.lastSecond)) return;
+    auto const first = std::ssize(result.occurrences);
     if (series.master()) addMaster();
+    if (hasCutRule) {
+        auto const kept = std::min(std::ssize(result.occurrences), first + limits.occurrencesOfCutRule);
+        result.occurrences.erase(result.occurrences.begin() + kept, result.occurrences.end());
+        added = kept - first;
+    }
     addOverrides();
     result.steps += limits.stepsPerSeries - std::max<std::int64_t>(steps, 0);
 }
@@ -197,8 +203,10 @@ void SeriesExpansion::addRuleTimes(std::vector<std::int64_t>& times, std::int64_
         auto const limit = first + static_cast<std::size_t>(limits.occurrencesPerSeries);
         bool const isWhole = RuleExpander(rule, event.start.localSeconds)
                                  .expand(from, std::min(to, end.last), limit, steps, times);
-        if (!isWhole)
+        if (!isWhole) {
+            hasCutRule = true;
             reportCut("its rule yields too much; only the first occurrences of the time asked for are shown");
+        }
         bool const endsInUTC = rule.until && rule.until->form == TimeForm::utc && !event.isAllDay();
         if (endsInUTC) {
             auto const isPast = [&](std::int64_t time) {
@@ -322,6 +330,7 @@ void SeriesExpansion::addOccurrence(ClockedEvent const& event, std::int64_t star
         return;
     }
     if (added >= limits.occurrencesPerSeries || std::ssize(result.occurrences) >= limits.occurrences) {
+        hasCutRule = true;
         reportCut("it happens too often; only the first occurrences of the time asked for are shown");
         return;
     }

@@ -71,6 +71,7 @@ private:
     Expansion& result;
     std::int64_t steps;
     std::int64_t added = 0;
+    bool hasCutRule = false;
     bool isReported = false;
 };
 

@@ -120,5 +120,19 @@ TEST(BombTests, aCountThatEndedBeforeTheWindowYieldsNothing) {
     EXPECT_TRUE(found.occurrences.empty());
 }
 
+TEST(BombTests, manyBombsLeaveRoomForTheirNeighbours) {
+    std::string events;
+    for (int number = 0; number < 30; ++number) {
+        events += "BEGIN:VEVENT\nUID:bomb" + std::to_string(number) +
+                  "\nDTSTART:20050103T080000Z\nRRULE:FREQ=SECONDLY\nEND:VEVENT\n";
+    }
+    events += "BEGIN:VEVENT\nUID:neighbour\nDTSTART:20260321T120000Z\nEND:VEVENT\n";
+    auto const found = seriesOf(events).occurrences(instant("2026-03-01T00:00:00Z"),
+                                                    instant("2026-03-22T00:00:00Z"), zone("Europe/Berlin"));
+    ASSERT_EQ(found.occurrences.size(), 30'001U);
+    EXPECT_EQ(found.occurrences.back().event->uid, "neighbour");
+    EXPECT_EQ(found.problems.size(), 30U);
+}
+
 } // namespace
 } // namespace Platform::ICalendar

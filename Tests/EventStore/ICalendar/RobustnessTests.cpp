@@ -220,5 +220,14 @@ TEST(RobustnessTests, damagedFilesAreReadAndExpanded) {
     EXPECT_GT(survivors, 15'000U) << "most damages should cost one event at the most";
 }
 
+TEST(RobustnessTests, partsThatChangeNothingCostNoEvent) {
+    auto const file = read("BEGIN:VCALENDAR\nBEGIN:VEVENT\nUID:a\nDTSTART:20260311T080000Z\n"
+                           "RRULE:RSCALE=GREGORIAN;FREQ=DAILY;COUNT=2;SKIP=OMIT;X-OTHER=1\n"
+                           "END:VEVENT\nEND:VCALENDAR\n");
+    EXPECT_TRUE(file->problems.empty());
+    ASSERT_EQ(file->events.size(), 1U);
+    EXPECT_EQ(file->events[0].rules.at(0).count, 2);
+}
+
 } // namespace
 } // namespace Platform::ICalendar

@@ -71,7 +71,7 @@ TEST(ValueTests, whatIsWrongWithARuleIsSaid) {
     EXPECT_EQ(parseRule("COUNT=3").error(), "it has no FREQ");
     EXPECT_EQ(parseRule("FREQ=DAILY;BYHOUR=24").error(), "its BYHOUR is not usable");
     EXPECT_EQ(parseRule("FREQ=DAILY;count=1;COUNT=2").error(), "it has two COUNT parts");
-    EXPECT_EQ(parseRule("FREQ=DAILY;SKIP=OMIT").error(), "its part SKIP is not understood");
+    EXPECT_EQ(parseRule("FREQ=DAILY;SKIP=FORWARD").error(), "its part SKIP is not understood");
 }
 
 TEST(ValueTests, aLongListOfTheSameCostsNothing) {
