@@ -29,6 +29,10 @@ SingleInstance::SingleInstance(Foundation::Environment const& environment) {
     application = g_application_new(WidgetBus::applicationIdentifier, G_APPLICATION_DEFAULT_FLAGS);
     // On an error, too, this instance goes on alone.
     g_application_register(application, nullptr, nullptr);
+    if (auto* const bus = g_application_get_dbus_connection(application)) {
+        // A window outlives the bus that it was announced on.
+        g_dbus_connection_set_exit_on_close(bus, FALSE);
+    }
 }
 
 SingleInstance::~SingleInstance() {

@@ -32,13 +32,15 @@ struct ReloadListener::State {
             g_error_free(error);
             return;
         }
+        // The connection is the whole process's; its end, as at the bus's, is not that of the process.
+        g_dbus_connection_set_exit_on_close(bus, FALSE);
         auto* const state = static_cast<State*>(data);
         state->bus = bus;
         state->subscription = g_dbus_connection_signal_subscribe(
             bus, nullptr, WidgetBus::reloadInterface, WidgetBus::reloadSignal, WidgetBus::reloadObjectPath,
             nullptr, G_DBUS_SIGNAL_FLAGS_NONE,
             [](GDBusConnection*, gchar const*, gchar const*, gchar const*, gchar const*, GVariant*,
-               gpointer self) { static_cast<State*>(self)->onRequest(); },
+               gpointer self) noexcept { static_cast<State*>(self)->onRequest(); },
             state, nullptr);
     }
 

@@ -367,4 +367,20 @@ TEST_F(WidgetOnABusTests, actionsOnTheBusMoveTheDay) {
     EXPECT_EQ(widget->wait(), 0);
 }
 
+TEST_F(WidgetOnABusTests, widgetOutlivesTheBus) {
+    open({});
+    auto const opening = screen.pictureWhen(title, [](auto const&) { return true; });
+    ASSERT_TRUE(opening.has_value());
+    bus.signal(SIGKILL);
+    bus.wait();
+    auto const isAnotherDay = [&](auto const& shown) { return shown != *opening; };
+    write(offsetFile(), "40");
+    EXPECT_TRUE(screen.pictureWhen(title, isAnotherDay).has_value());
+    screen.press(title, "Right");
+    EXPECT_TRUE(
+        screen.pictureWhen(title, [&](auto const&) { return readFile(offsetFile()) == "41"; }).has_value());
+    screen.press(title, "q", "Control_L");
+    EXPECT_EQ(widget->wait(), 0);
+}
+
 } // namespace
