@@ -83,6 +83,34 @@ std::int32_t twelveHour(std::int32_t hour) {
     return rest == 0 ? 12 : rest;
 }
 
+// A moment that need not have components on the calendar.
+std::optional<Date> momentOnAnyCalendar(std::string_view text, Calendar const& calendar) {
+    if (auto const instant = dateFromISO8601(text)) return instant;
+    // "2026-03-11T09:00Z": the seconds may be left out before an offset, too.
+    constexpr std::size_t minutesEnd = 16;
+    if (text.size() > minutesEnd && text[minutesEnd] != ':')
+        return dateFromISO8601(std::string(text.substr(0, minutesEnd)) + ":00" +
+                               std::string(text.substr(minutesEnd)));
+
+    FixedFormReader reader(text);
+    auto components = readDay(reader);
+    bool const isDay = reader.isAtEnd();
+    if (!isDay) {
+        reader.expect('T');
+        components.hour = reader.digits(2);
+        reader.expect(':');
+        components.minute = reader.digits(2);
+        if (reader.accept(':')) components.second = reader.digits(2);
+    }
+    if (!reader.isGood() || !reader.isAtEnd()) return std::nullopt;
+    auto const moment = calendar.dateFromComponents(components);
+    if (!moment || !isDay) return moment;
+    return calendar.startOfDay(
+        std::chrono::local_days(std::chrono::year(static_cast<int>(components.year)) /
+                                std::chrono::month(static_cast<unsigned>(components.month)) /
+                                std::chrono::day(static_cast<unsigned>(components.day))));
+}
+
 } // namespace
 
 std::string weekdayName(Date date, Calendar const& calendar, Locale const& locale) {
@@ -146,30 +174,9 @@ std::optional<Date> dateFromISO8601(std::string_view text) {
 }
 
 std::optional<Date> momentFromISO8601(std::string_view text, Calendar const& calendar) {
-    if (auto const instant = dateFromISO8601(text)) return instant;
-    // "2026-03-11T09:00Z": the seconds may be left out before an offset, too.
-    constexpr std::size_t minutesEnd = 16;
-    if (text.size() > minutesEnd && text[minutesEnd] != ':')
-        return dateFromISO8601(std::string(text.substr(0, minutesEnd)) + ":00" +
-                               std::string(text.substr(minutesEnd)));
-
-    FixedFormReader reader(text);
-    auto components = readDay(reader);
-    bool const isDay = reader.isAtEnd();
-    if (!isDay) {
-        reader.expect('T');
-        components.hour = reader.digits(2);
-        reader.expect(':');
-        components.minute = reader.digits(2);
-        if (reader.accept(':')) components.second = reader.digits(2);
-    }
-    if (!reader.isGood() || !reader.isAtEnd()) return std::nullopt;
-    auto const moment = calendar.dateFromComponents(components);
-    if (!moment || !isDay) return moment;
-    return calendar.startOfDay(
-        std::chrono::local_days(std::chrono::year(static_cast<int>(components.year)) /
-                                std::chrono::month(static_cast<unsigned>(components.month)) /
-                                std::chrono::day(static_cast<unsigned>(components.day))));
+    auto const moment = momentOnAnyCalendar(text, calendar);
+    // Near the ends of time an instant of these years in UTC can lie outside them on the calendar's clocks.
+    return moment ? calendar.dateByAddingMinutes(0, *moment) : std::nullopt;
 }
 
 } // namespace Foundation

@@ -87,6 +87,30 @@ TEST(MomentTests, whatIsNoMomentFails) {
     }
 }
 
+TEST(MomentTests, aMomentOutsideTheCalendarsYearsFails) {
+    struct Row {
+        char const* zone;
+        char const* text;
+        std::optional<double> seconds;
+    };
+    for (auto const& row : {
+             Row{"Europe/Berlin", "9999-12-31T23:30:00Z", std::nullopt},
+             Row{"Europe/Berlin", "9999-12-31T23:30Z", std::nullopt},
+             Row{"Europe/Berlin", "9999-12-31T22:59:59Z", 253402297199},
+             Row{"Europe/Berlin", "9999-12-31T23:59:59", 253402297199},
+             Row{"Europe/Berlin", "9999-12-31", 253402210800},
+             Row{"America/New_York", "0001-01-01T00:00:00Z", std::nullopt},
+             Row{"America/New_York", "0001-01-01T05:00Z", -62135578800},
+             Row{"America/New_York", "0001-01-01", -62135579038},
+             Row{"UTC", "9999-12-31T23:30:00-01:00", std::nullopt},
+             Row{"UTC", "0001-01-01T00:30:00+01:00", std::nullopt},
+         }) {
+        SCOPED_TRACE(std::string(row.zone) + " " + row.text);
+        auto const moment = momentFromISO8601(row.text, calendarIn(row.zone));
+        EXPECT_EQ(moment.transform([](Date date) { return date.secondsSince1970; }), row.seconds);
+    }
+}
+
 TEST(FixedPatternTests, theTwelveHourClockWithAndWithoutMarker) {
     useHostileLocale();
     struct Row {
