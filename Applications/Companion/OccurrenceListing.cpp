@@ -47,11 +47,21 @@ void sortByTime(std::vector<ListedOccurrence>& occurrences) {
     occurrences = std::move(sorted);
 }
 
-ListedOccurrence listed(ICalendar::Occurrence const& occurrence) {
+// The nearest moment that has a day and a time on the calendar: an event may reach past the ends of time.
+Foundation::Date nameable(Foundation::Date date, Foundation::Calendar const& calendar) {
+    if (calendar.dateByAddingMinutes(0, date)) return date;
+    constexpr Foundation::DateComponents first{
+        .year = 1, .month = 1, .day = 1, .hour = 0, .minute = 0, .second = 0, .weekday = 0};
+    constexpr Foundation::DateComponents last{
+        .year = 9999, .month = 12, .day = 31, .hour = 23, .minute = 59, .second = 59, .weekday = 0};
+    return *calendar.dateFromComponents(date.secondsSince1970 < 0 ? first : last);
+}
+
+ListedOccurrence listed(ICalendar::Occurrence const& occurrence, Foundation::Calendar const& calendar) {
     auto const& event = *occurrence.event;
     return {
-        .start = occurrence.start,
-        .end = occurrence.end,
+        .start = nameable(occurrence.start, calendar),
+        .end = nameable(occurrence.end, calendar),
         .days = occurrence.isAllDay ? std::optional(DayRange{occurrence.firstDay, occurrence.endDay})
                                     : std::nullopt,
         .title = event.summary ? event.summary->text() : std::string(),
@@ -68,8 +78,9 @@ OccurrenceListing listFile(Platform::FileManager const& files, std::filesystem::
     auto const expansion = series.occurrences(interval.from, interval.to, viewer);
 
     OccurrenceListing listing;
+    Foundation::Calendar const calendar(viewer);
     for (auto const& occurrence : expansion.occurrences)
-        listing.occurrences.push_back(listed(occurrence));
+        listing.occurrences.push_back(listed(occurrence, calendar));
     appendProblems(path, file->problems, listing.problems);
     appendProblems(path, series.problems(), listing.problems);
     appendProblems(path, expansion.problems, listing.problems);
@@ -78,14 +89,14 @@ OccurrenceListing listFile(Platform::FileManager const& files, std::filesystem::
 
 ListedOccurrence listed(Platform::EKEvent const& event, Foundation::Calendar const& calendar) {
     ListedOccurrence occurrence{
-        .start = *event.startDate,
-        .end = *event.endDate,
+        .start = nameable(*event.startDate, calendar),
+        .end = nameable(*event.endDate, calendar),
         .days = std::nullopt,
         .title = event.title.value_or(""),
         // An event identifier is its calendar's, ":" and the UID.
         .uid = event.eventIdentifier->substr(event.calendar->calendarIdentifier.size() + 1)};
     if (event.isAllDay)
-        occurrence.days = DayRange{calendar.day(*event.startDate), calendar.day(*event.endDate)};
+        occurrence.days = DayRange{calendar.day(occurrence.start), calendar.day(occurrence.end)};
     return occurrence;
 }
 
