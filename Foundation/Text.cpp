@@ -259,11 +259,17 @@ std::size_t firstGraphemeLength(std::string_view text) {
 
 std::string truncated(std::string_view text, std::size_t limit) {
     if (text.size() <= limit) return std::string(text);
-    GraphemeClusters clusters(text);
+    // Ample for letters with marks and for families of emoji; a text made to hurt is cut within a cluster,
+    // so that the work has a bound whatever the text.
+    constexpr std::size_t bytesPerCluster = 64;
+    auto end = text.size() / bytesPerCluster < limit ? text.size() : limit * bytesPerCluster;
+    while (end > 0 && end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U)
+        --end;
+    GraphemeClusters clusters(text.substr(0, end));
     std::string kept;
     for (std::size_t count = 0; count < limit; ++count) {
         auto const cluster = clusters.next();
-        if (cluster.empty()) return kept;
+        if (cluster.empty()) break;
         kept += cluster;
     }
     if (kept.size() < text.size()) kept += "…";

@@ -37,7 +37,7 @@ std::u32string scalars(std::string_view text);
 /// Byte length of the first extended grapheme cluster (UAX #29, root locale); 0 for an empty text.
 std::size_t firstGraphemeLength(std::string_view text);
 
-/// At most `limit` grapheme clusters of `text`, the cut marked by "…".
+/// At most `limit` grapheme clusters of `text`, and at most 64 bytes for each; the cut is marked by "…".
 std::string truncated(std::string_view text, std::size_t limit);
 
 /// Columns that `text` takes in a terminal: 2 for wide and emoji clusters, 0 for combining marks.

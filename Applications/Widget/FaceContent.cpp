@@ -1,6 +1,7 @@
 #include "Applications/Widget/FaceContent.h"
 
 #include "Foundation/Text.h"
+#include "Platform/Face/FaceMetrics.h"
 #include "WidgetExtension/MeetSummary.h"
 
 #include <cstddef>
@@ -20,7 +21,8 @@ std::string joined(std::vector<std::string> const& lines) {
         if (!text.empty()) {
             text += '\n';
         }
-        text += Foundation::Text::neutralized(line);
+        text += Foundation::Text::neutralized(
+            Foundation::Text::truncated(line, Platform::FaceMeasures::longestName));
     }
     return text;
 }

@@ -25,6 +25,9 @@ struct FaceMetrics {
 
 /// The measures that every family shares, in points.
 namespace FaceMeasures {
+/// Grapheme clusters of a name that are looked at: far more than a face has room for, far less than a text
+/// layout can measure.
+inline constexpr std::size_t longestName = 500;
 inline constexpr double cornerRadius = 18;
 inline constexpr double buttonSide = 30;
 inline constexpr double buttonRadius = 9;

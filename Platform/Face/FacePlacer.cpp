@@ -18,6 +18,10 @@ FaceFont tabular(double size) {
     return FaceFont{.size = size, .weight = medium, .figures = FaceFont::Figures::tabular};
 }
 
+std::string shownName(std::string_view name) {
+    return neutralized(Foundation::Text::truncated(name, Measures::longestName));
+}
+
 /// A column of a card, as high as the card.
 FaceRect columnEndingAt(double right, double width, FaceRect const& card) {
     return FaceRect{.x = right - width, .y = card.y, .width = width, .height = card.height};
@@ -134,7 +138,7 @@ PlacedRow FacePlacer::placeRow(BarRow const& row) const {
     auto const bar = barIn(frame, Measures::barRowInset, Measures::barRowBarWidth);
     double const nameLeft = bar.right() + Measures::barRowNameGap;
     double const nameRight = frame.right() - Measures::cardPadding;
-    auto const name = neutralized(row.name);
+    auto const name = shownName(row.name);
     FaceFont const font{.size = Measures::barRowFontSize, .weight = medium};
 
     PlacedRow placed{.frame = frame,
@@ -155,7 +159,7 @@ PlacedRow FacePlacer::placeRow(SpaceRow const& row) const {
 PlacedRow FacePlacer::placeRow(CardRow const& row) const {
     auto const frame = rowFrame(row.height);
     auto const bar = barIn(frame, Measures::cardBarInset, row.barWidth);
-    auto const name = neutralized(row.name);
+    auto const name = shownName(row.name);
     auto const time = neutralized(row.time);
     auto const duration = row.duration ? neutralized(*row.duration) : std::string();
 

@@ -83,6 +83,44 @@ TEST(FaceGeometryTests, rowsOfTheLargeFaceStandAtTheirMeasures) {
     EXPECT_EQ(frames(13).y, 344);
 }
 
+TEST(FaceGeometryTests, endlessNamesAreCutBeforeTheyAreMeasured) {
+    std::string marks = "e";
+    for (int count = 0; count < 200'000; ++count)
+        marks += "\u0301";
+    struct Row {
+        char const* name;
+        std::string text;
+        std::string shown; ///< Empty where only its length is bounded.
+    };
+    for (auto const& row : {
+             Row{.name = "letters", .text = std::string(400'000, 'x'), .shown = std::string(500, 'x') + "…"},
+             Row{.name = "as many as are shown",
+                 .text = std::string(500, 'x'),
+                 .shown = std::string(500, 'x')},
+             Row{.name = "one letter with marks", .text = marks, .shown = {}},
+         }) {
+        SCOPED_TRACE(row.name);
+        auto layout = busyLarge();
+        for (auto& each : layout.rows) {
+            if (auto* const bar = std::get_if<BarRow>(&each)) bar->name = row.text;
+            if (auto* const card = std::get_if<CardRow>(&each)) card->name = row.text;
+        }
+        auto const geometry = place(layout);
+        for (auto const& placed : geometry.rows) {
+            for (auto const& each : placed.texts)
+                EXPECT_LE(each.text.size(), 40'000);
+            EXPECT_LE(placed.accessibleName.size(), 40'100);
+        }
+        if (row.shown.empty()) continue;
+        for (auto const& placed : rowsOf<BarRow>(layout, geometry))
+            EXPECT_EQ(text(placed, PlacedText::Role::name).text, row.shown);
+        for (auto const& placed : rowsOf<CardRow>(layout, geometry)) {
+            EXPECT_EQ(text(placed, PlacedText::Role::name).text, row.shown);
+            EXPECT_TRUE(placed.accessibleName.starts_with(row.shown + ", "));
+        }
+    }
+}
+
 TEST(FaceGeometryTests, rowsOfTheSmallFaceStandAtTheirMeasures) {
     auto const geometry = place(SampleFaces::busy(WidgetFamily::systemSmall, ColorScheme::light));
     EXPECT_EQ(geometry.rows.at(0).frame, (FaceRect{.x = 10, .y = 10, .width = 150, .height = 22}));
