@@ -55,8 +55,9 @@ private:
             new Weak(weak), [](gpointer data) { delete static_cast<Weak*>(data); });
     }
 
+    // An exception must not pass through the library's frames: it ends the process here.
     static void heard(GDBusConnection*, gchar const*, gchar const*, gchar const*, gchar const*, GVariant*,
-                      gpointer data) {
+                      gpointer data) noexcept {
         // The callback may destroy the watch: a copy keeps the function alive while it runs.
         auto const self = static_cast<Weak*>(data)->lock();
         if (self) self->changed();

@@ -15,7 +15,8 @@ template <typename Result, typename... Arguments>
 struct SignalThunk<Result(Arguments...)> {
     using Handler = std::function<Result(Arguments...)>;
 
-    static Result call(gpointer, Arguments... arguments, gpointer handler) {
+    /// An exception must not pass through the library's frames: it ends the process here.
+    static Result call(gpointer, Arguments... arguments, gpointer handler) noexcept {
         return (*static_cast<Handler*>(handler))(arguments...);
     }
     static void destroy(gpointer handler, GClosure*) { delete static_cast<Handler*>(handler); }

@@ -10,7 +10,8 @@ namespace {
 
 using Work = std::move_only_function<void()>;
 
-gboolean perform(gpointer work) {
+// An exception must not pass through the library's frames: it ends the process here.
+gboolean perform(gpointer work) noexcept {
     (*static_cast<Work*>(work))();
     return G_SOURCE_REMOVE;
 }

@@ -15,17 +15,18 @@ void deleteHandler(gpointer handler) {
     delete static_cast<Handler*>(handler);
 }
 
-gboolean callAndKeep(gpointer handler) {
+// An exception must not pass through the library's frames: it ends the process here.
+gboolean callAndKeep(gpointer handler) noexcept {
     (*static_cast<Handler*>(handler))();
     return G_SOURCE_CONTINUE;
 }
 
-gboolean callAndRemove(gpointer handler) {
+gboolean callAndRemove(gpointer handler) noexcept {
     (*static_cast<Handler*>(handler))();
     return G_SOURCE_REMOVE;
 }
 
-gboolean callForDescriptor(gint, GIOCondition, gpointer handler) {
+gboolean callForDescriptor(gint, GIOCondition, gpointer handler) noexcept {
     return callAndKeep(handler);
 }
 

@@ -10,6 +10,7 @@
 #include <csignal>
 #include <limits>
 #include <memory>
+#include <stdexcept>
 #include <thread>
 #include <vector>
 
@@ -50,8 +51,28 @@ TEST(GLibMainLoopTests, workMayBeMoveOnly) {
 
 TEST(GLibMainLoopTests, quitEndsTheRun) {
     Platform::GLibMainLoop loop;
-    loop.invoke([&] { loop.quit(); });
+    std::vector<char const*> order;
+    auto const late = Platform::GLibSource::afterDelay(10'000, [&] {
+        order.push_back("gave up");
+        loop.quit();
+    });
+    loop.invoke([&] {
+        order.push_back("quits");
+        loop.quit();
+    });
     loop.run();
+    order.push_back("has ended");
+    EXPECT_EQ(order, (std::vector{"quits", "has ended"}));
+}
+
+TEST(GLibMainLoopDeathTests, exceptionEndsTheProcessAtTheEdge) {
+    Platform::GLibMainLoop loop;
+    EXPECT_DEATH(
+        {
+            loop.invoke([] { throw std::runtime_error("work failed"); });
+            LoopDriver::runPending();
+        },
+        "");
 }
 
 TEST(GLibSourceTests, handlerIsNotCalledAfterTheSourceHasGone) {
@@ -77,6 +98,23 @@ TEST(GLibSourceTests, assignmentEndsTheSourceThatStoodThere) {
     source = Platform::GLibSource::afterDelay(0, [&] { ++second; });
     EXPECT_TRUE(LoopDriver::runUntil([&] { return second == 1; }));
     EXPECT_EQ(first, 0);
+}
+
+TEST(GLibSourceDeathTests, exceptionEndsTheProcessAtTheEdge) {
+    auto const fail = [] { throw std::runtime_error("handler failed"); };
+    EXPECT_DEATH(
+        {
+            auto const source = Platform::GLibSource::afterDelay(0, fail);
+            LoopDriver::runUntil([] { return false; });
+        },
+        "");
+    EXPECT_DEATH(
+        {
+            auto const source = Platform::GLibSource::onSignal(SIGTERM, fail);
+            raise(SIGTERM);
+            LoopDriver::runUntil([] { return false; });
+        },
+        "");
 }
 
 TEST(GLibSourceTests, signalIsHeardOnTheLoopsThread) {
@@ -148,22 +186,24 @@ TEST_F(TimerfdWallClockTimerTests, handlerMayScheduleAgain) {
     EXPECT_TRUE(LoopDriver::runUntil([&] { return count == 3; }));
 }
 
-Foundation::Task<void> noteWhereItRuns(std::thread::id& ranOn, std::promise<void>& started) {
-    started.set_value();
-    ranOn = std::this_thread::get_id();
+Foundation::Task<void> noteWhereItRuns(std::shared_ptr<std::promise<std::thread::id>> ranOn) {
+    ranOn->set_value(std::this_thread::get_id());
     co_return;
 }
 
 TEST(TaskThreadTests, taskRunsElsewhereAndItsStepIsAwaitedAtTheEnd) {
-    std::thread::id ranOn;
-    std::promise<void> started;
+    auto const ranOn = std::make_shared<std::promise<std::thread::id>>();
+    auto runner = ranOn->get_future();
+    std::thread::id thread;
     {
-        Platform::TaskThread thread;
-        thread.executor().start(noteWhereItRuns(ranOn, started));
-        started.get_future().wait();
+        Platform::TaskThread tasks;
+        tasks.executor().start(noteWhereItRuns(ranOn));
+        thread = runner.get();
     }
-    EXPECT_NE(ranOn, std::thread::id());
-    EXPECT_NE(ranOn, std::this_thread::get_id());
+    EXPECT_NE(thread, std::thread::id());
+    EXPECT_NE(thread, std::this_thread::get_id());
+    // The step has ended with its thread: nobody else holds what it was given.
+    EXPECT_EQ(ranOn.use_count(), 1);
 }
 
 } // namespace

@@ -91,7 +91,22 @@ TEST(SessionBusWidgetCenterTests, listenerMayGoBeforeItHasConnected) {
     EXPECT_EQ(heard, 0);
 }
 
-TEST(SessionBusWidgetCenterTests, withoutABusNothingHappens) {
+TEST(SessionBusWidgetCenterTests, withoutABusOfItsOwnNobodyIsTold) {
+    PrivateBus const bus;
+    Platform::SessionBusWidgetCenter somewhere(bus.environment());
+    int heard = 0;
+    Platform::ReloadListener const listener(bus.address(), [&] { ++heard; });
+    sendUntilHeard(somewhere, heard);
+    auto const waitForOneMore = [&] {
+        int const before = heard;
+        somewhere.reloadAllTimelines();
+        EXPECT_TRUE(LoopDriver::runUntil([&] { return heard > before; }));
+    };
+    // What was sent on the way to the first that was heard comes before this one.
+    waitForOneMore();
+    LoopDriver::runPending();
+    int const before = heard;
+
     Platform::SessionBusWidgetCenter nowhere{Environment()};
     nowhere.reloadAllTimelines();
     Platform::SessionBusWidgetCenter wrong{
@@ -100,6 +115,8 @@ TEST(SessionBusWidgetCenterTests, withoutABusNothingHappens) {
     Platform::SessionBusWidgetCenter unreadable{
         Environment().setting("DBUS_SESSION_BUS_ADDRESS", "no address at all")};
     unreadable.reloadAllTimelines();
+    waitForOneMore();
+    EXPECT_EQ(heard, before + 1);
 }
 
 TEST(SessionBusWidgetCenterTests, busThatNeverAnswersIsGivenUp) {
