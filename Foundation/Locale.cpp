@@ -93,9 +93,7 @@ std::vector<std::string> Locale::textLanguages(Environment const& environment) {
     }
 
     std::vector<std::string> languages;
-    bool const isPlainC = !posixNames.empty() && (posixNames.front() == "C" || posixNames.front() == "POSIX");
-    auto const list = nonEmpty(environment, "LANGUAGE");
-    if (list && !isPlainC) {
+    if (auto const list = nonEmpty(environment, "LANGUAGE")) {
         std::string_view rest = *list;
         while (!rest.empty()) {
             auto const colon = std::min(rest.find(':'), rest.size());

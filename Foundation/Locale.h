@@ -15,9 +15,9 @@ struct Locale {
     /// does not know are English.
     static Locale forFormats(Environment const& environment);
 
-    /// The languages to look a text up in, best first: `LANGUAGE` (a colon-separated list, disregarded in
-    /// the "C" locale), `LC_ALL`, `LC_MESSAGES`, `LANG`; each also without its region ("es_MX", "es").
-    /// Always ends with "en".
+    /// The languages to look a text up in, best first: `LANGUAGE` (a colon-separated list, which
+    /// counts in the "C" locale, too), `LC_ALL`, `LC_MESSAGES`, `LANG`; each also without its region
+    /// ("es_MX", "es"). Has "en" in every case.
     static std::vector<std::string> textLanguages(Environment const& environment);
 
     /// Whether its script runs from right to left.

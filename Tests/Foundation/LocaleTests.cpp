@@ -57,10 +57,11 @@ TEST(TextLanguageTests, theVariablesFollowEachOtherAndEnglishComesLast) {
     EXPECT_EQ(languages({{"LC_TIME", "es_ES"}}), (List{"en"}));
 }
 
-TEST(TextLanguageTests, thePlainCLocaleAsksForEnglish) {
+TEST(TextLanguageTests, theListWinsOverThePlainCLocale) {
     using List = std::vector<std::string>;
-    EXPECT_EQ(languages({{"LANGUAGE", "es"}, {"LC_ALL", "C"}}), (List{"en"}));
-    EXPECT_EQ(languages({{"LANGUAGE", "es"}, {"LANG", "POSIX"}}), (List{"en"}));
+    EXPECT_EQ(languages({{"LC_ALL", "C"}, {"LANG", "es_ES"}}), (List{"en", "es_ES", "es"}));
+    EXPECT_EQ(languages({{"LANGUAGE", "es"}, {"LC_ALL", "C"}}), (List{"es", "en"}));
+    EXPECT_EQ(languages({{"LANGUAGE", "es"}, {"LANG", "POSIX"}}), (List{"es", "en"}));
     EXPECT_EQ(languages({{"LANGUAGE", "es"}, {"LANG", "C.UTF-8"}}), (List{"es", "en"}));
     EXPECT_EQ(languages({{"LANGUAGE", "es"}}), (List{"es", "en"}));
 }
