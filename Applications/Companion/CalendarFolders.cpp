@@ -2,6 +2,7 @@
 
 #include "Applications/Companion/Support.h"
 #include "Applications/Companion/Texts.h"
+#include "Platform/EventStore/Folder/FolderListing.h"
 
 #include <algorithm>
 #include <unistd.h>
@@ -25,8 +26,8 @@ std::vector<fs::directory_entry> entriesOf(fs::path const& folder) {
 
 bool isCalendarFile(fs::directory_entry const& entry) {
     std::error_code error;
-    return entry.path().extension() == ".ics" && !entry.path().filename().string().starts_with('.') &&
-           entry.is_regular_file(error);
+    auto const name = entry.path().filename().string();
+    return Platform::isCalendarFileName(name) && !name.starts_with('.') && entry.is_regular_file(error);
 }
 
 bool isFolder(fs::directory_entry const& entry) {

@@ -64,11 +64,12 @@ struct LiveServices::Parts {
     std::shared_ptr<Platform::EKEventStore> eventStore;
     std::shared_ptr<Meetings::EventKitStoring> eventKitStore;
 
-    // The texts of the bundle that `Marker` stands for.
+    // The texts of the bundle that `Marker` stands for; `overrides` may name another place for it.
     template <typename Marker>
-    std::shared_ptr<Platform::TextProvider const> texts() const {
+    std::shared_ptr<Platform::TextProvider const> texts(Foundation::Environment overrides) const {
         return std::make_shared<Platform::BundleTextProvider>(
-            std::string(Marker::bundleName), environment, Platform::BundlePlaces::ofProcess(Marker::marker()),
+            std::string(Marker::bundleName), std::move(overrides),
+            Platform::BundlePlaces::ofProcess(Marker::marker()),
             Foundation::Locale::textLanguages(environment));
     }
 };
@@ -141,12 +142,16 @@ std::shared_ptr<Platform::WidgetCenter> LiveServices::widgetCenter() {
 
 std::shared_ptr<Platform::TextProvider const> LiveServices::widgetTexts() {
     std::scoped_lock const lock(parts->mutex);
-    return once(parts->widgetTexts, [&] { return parts->texts<WidgetExtension::ResourceBundleClass>(); });
+    // The extension's bundle is its own and no package's: nothing names another place for it.
+    return once(parts->widgetTexts, [&] {
+        return parts->texts<WidgetExtension::ResourceBundleClass>(Foundation::Environment());
+    });
 }
 
 std::shared_ptr<Platform::TextProvider const> LiveServices::meetingsTexts() {
     std::scoped_lock const lock(parts->mutex);
-    return once(parts->meetingsTexts, [&] { return parts->texts<Meetings::BundleFinder>(); });
+    return once(parts->meetingsTexts,
+                [&] { return parts->texts<Meetings::BundleFinder>(parts->environment); });
 }
 
 std::optional<Platform::CalendarStorePlaces> LiveServices::calendarPlaces() {

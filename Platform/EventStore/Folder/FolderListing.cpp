@@ -27,15 +27,6 @@ EntryKind kindOf(dirent const& entry, int folder) {
     return EntryKind::file;
 }
 
-bool isCalendarFileName(std::string_view name) {
-    constexpr std::string_view suffix = ".ics";
-    if (name.size() <= suffix.size()) return false;
-    auto const same = [](char left, char right) {
-        return (left >= 'A' && left <= 'Z' ? static_cast<char>(left - 'A' + 'a') : left) == right;
-    };
-    return std::ranges::equal(name.substr(name.size() - suffix.size()), suffix, same);
-}
-
 // Strictly below: a link to the root itself would show every file twice.
 bool liesBelow(std::filesystem::path const& path, std::filesystem::path const& root) {
     auto const [rootEnd, pathEnd] = std::ranges::mismatch(root, path);
@@ -125,6 +116,15 @@ private:
 };
 
 } // namespace
+
+bool isCalendarFileName(std::string_view name) {
+    constexpr std::string_view suffix = ".ics";
+    if (name.size() <= suffix.size()) return false;
+    auto const same = [](char left, char right) {
+        return (left >= 'A' && left <= 'Z' ? static_cast<char>(left - 'A' + 'a') : left) == right;
+    };
+    return std::ranges::equal(name.substr(name.size() - suffix.size()), suffix, same);
+}
 
 FolderListing listFolder(std::filesystem::path const& folder, std::filesystem::path const& root) {
     return Lister(folder, root).list();

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <system_error>
 #include <vector>
 
@@ -20,6 +21,9 @@ struct FolderListing {
     /// Why the folder could not be listed; then all else is empty.
     std::optional<std::error_code> failure;
 };
+
+/// Whether a file of that name is read as a calendar: something before ".ics", in any letter case.
+bool isCalendarFileName(std::string_view name);
 
 /// Lists `folder`, which is `root` or lies in it. Hidden entries, and links that lead out of `root`, are left
 /// out with a problem each. `root` is canonical.
