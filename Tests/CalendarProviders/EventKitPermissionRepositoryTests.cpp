@@ -98,6 +98,46 @@ TEST(EventKitPermissionRepositoryTests, aSubstituteForTheStoreIsAskedInItsPlace)
     EXPECT_EQ(store->requests, 1);
 }
 
+/// A store that fails in one of its calls, with an exception of whatever type.
+class FailingAuthorization final : public EventStoreAuthorizing {
+public:
+    enum class Fault { status, request, requestWithoutText };
+    explicit FailingAuthorization(Fault fault) : fault(fault) {}
+
+    Platform::EKAuthorizationStatus authorizationStatus() override {
+        if (fault == Fault::status) throw Platform::EKError("The calendars have no home.");
+        return EKAuthorizationStatus::notDetermined;
+    }
+    Foundation::Task<bool> requestFullAccessToEvents() override {
+        if (fault == Fault::requestWithoutText) throw 7;
+        throw Platform::EKError("The question was not put.");
+        co_return true;
+    }
+
+private:
+    Fault fault;
+};
+
+TEST(EventKitPermissionRepositoryTests, noFailureOfTheStoreLeavesIt) {
+    using enum FailingAuthorization::Fault;
+    struct Row {
+        char const* name;
+        FailingAuthorization::Fault fault;
+        char const* message;
+    };
+    for (auto const& row : std::to_array<Row>({
+             {"the status", status, "The calendars have no home."},
+             {"the request", request, "The question was not put."},
+             {"the request, without a text", requestWithoutText, "Calendar access was denied"},
+         })) {
+        SCOPED_TRACE(row.name);
+        EventKitPermissionRepositoryImpl repository{
+            std::shared_ptr<EventStoreAuthorizing>(std::make_shared<FailingAuthorization>(row.fault))};
+        auto const result = Foundation::runTask(repository.requestAccess(AccountProviderEnum::eventKit));
+        expectFailure(result, {.infrastructure = row.message});
+    }
+}
+
 TEST(LiveEventStoreAuthorizingTests, itIsTheStoreItself) {
     auto const store = std::make_shared<InMemoryEventStore>();
     store->setAuthorizationStatus(EKAuthorizationStatus::notDetermined);
