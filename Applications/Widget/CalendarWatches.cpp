@@ -18,6 +18,10 @@ bool isHidden(std::filesystem::path const& path) {
 }
 
 void appendRoot(Folders& folders, std::filesystem::path const& root) {
+    // The store reads no relative root either: it would lie wherever the program was started.
+    if (!root.is_absolute() || folders.size() >= mostFolders) {
+        return;
+    }
     std::error_code failure;
     std::filesystem::directory_iterator entries(root, failure);
     if (failure) {

@@ -16,7 +16,7 @@
 namespace Widget {
 
 /// The folders whose files are calendars: the product's own, each root of the list, and the folders directly
-/// in a root. Those that cannot be read are left out.
+/// in a root; 512 at most. Relative roots and those that cannot be read are left out.
 std::vector<std::filesystem::path> calendarFolders(Platform::CalendarStorePlaces const& places,
                                                    Platform::CalendarStoreConfiguration const& configuration);
 

@@ -45,8 +45,9 @@ Foundation::Task<ConsentAnswer> ConsentDialog::ask() {
 }
 
 void ConsentDialog::open(Answered newAnswered) {
-    if (dialog != nullptr) {
-        // One question at a time; whoever asks meanwhile asks again later.
+    if (dialog != nullptr || wasClosed) {
+        // One question at a time, and none after one that was closed without an answer: each reload of the
+        // day would put it again.
         newAnswered(ConsentAnswer::unavailable);
         return;
     }
@@ -62,7 +63,10 @@ void ConsentDialog::open(Answered newAnswered) {
         switch (response) {
         case GTK_RESPONSE_YES: finish(ConsentAnswer::yes); break;
         case GTK_RESPONSE_NO: finish(ConsentAnswer::no); break;
-        default: finish(ConsentAnswer::unavailable); break;
+        default:
+            wasClosed = true;
+            finish(ConsentAnswer::unavailable);
+            break;
         }
     });
     gtk_window_present(GTK_WINDOW(dialog));

@@ -19,7 +19,8 @@ struct ConsentDialogTexts {
 };
 
 /// Asks for the calendars in a dialog. ask() may be awaited on any executor; the dialog runs on the main
-/// loop, and the display has to be open by then. Closing it without an answer is no answer.
+/// loop, and the display has to be open by then. Closing it without an answer is no answer,
+/// and every later question then is `unavailable` at once.
 class ConsentDialog final : public ConsentPrompt {
 public:
     ConsentDialog(MainLoop& mainLoop, ConsentDialogTexts texts);
@@ -43,6 +44,7 @@ private:
     ConsentDialogTexts texts;
     _GtkWidget* dialog = nullptr;
     Answered answered;
+    bool wasClosed = false;
 };
 
 } // namespace Platform

@@ -296,12 +296,27 @@ TEST_F(ConsentDialogTests, answersComeBackToWhoAsked) {
          {Row{.response = GTK_RESPONSE_YES, .answer = ConsentAnswer::yes},
           Row{.response = GTK_RESPONSE_NO, .answer = ConsentAnswer::no},
           Row{.response = GTK_RESPONSE_DELETE_EVENT, .answer = ConsentAnswer::unavailable}}) {
+        SCOPED_TRACE(row.response);
         answer = std::nullopt;
         ask();
         respond(row.response);
         EXPECT_EQ(answer, row.answer);
         EXPECT_TRUE(toplevels().empty());
     }
+}
+
+TEST_F(ConsentDialogTests, whoClosedItIsNotAskedAgain) {
+    ask();
+    respond(GTK_RESPONSE_DELETE_EVENT);
+    answer = std::nullopt;
+    thread.executor().start(waitForAnswer(dialog, mainLoop, answer));
+    bool wasShown = false;
+    EXPECT_TRUE(LoopDriver::runUntil([&] {
+        wasShown = wasShown || !toplevels().empty();
+        return answer.has_value() || wasShown;
+    }));
+    EXPECT_FALSE(wasShown);
+    EXPECT_EQ(answer, ConsentAnswer::unavailable);
 }
 
 TEST_F(ConsentDialogTests, secondQuestionAtOnceIsUnavailable) {

@@ -1,5 +1,8 @@
 #include "Tests/Meetings/MeetFixtures.h"
 
+#include "Tests/EventStore/TemporaryFolder.h"
+
+#include "Applications/Widget/CalendarWatches.h"
 #include "Applications/Widget/DayPresses.h"
 #include "Applications/Widget/DesktopLooks.h"
 #include "Applications/Widget/EntryChanges.h"
@@ -157,6 +160,36 @@ TEST(FaceContentTests, tooltipsMakeForeignTextsHarmless) {
         contentOf(viewOf(entryAt("2026-03-11T10:00:00Z", {evil}), Platform::WidgetFamily::systemLarge),
                   EntryKind::loaded);
     EXPECT_EQ(content.tooltips.back(), "Pay\uFFFDkcab now\n01:30 p.m.\nRoom\uFFFD[2J\nCall \uFFFDme");
+}
+
+TEST(FaceContentTests, endlessTitlesAndPlacesAreCut) {
+    auto endless = meet(std::string(400'000, 'x').c_str(), "2026-03-11T13:30:00Z", 60);
+    endless.metLocation = std::string(400'000, 'y');
+    auto const content =
+        contentOf(viewOf(entryAt("2026-03-11T10:00:00Z", {endless}), Platform::WidgetFamily::systemSmall),
+                  EntryKind::loaded);
+    EXPECT_EQ(content.tooltips.at(1),
+              std::string(500, 'x') + "…\n01:30 p.m. – 02:30 p.m.\n" + std::string(500, 'y') + "…");
+}
+
+TEST(CalendarFoldersTests, rootsPastTheMostAndRelativeOnesAreLeftOut) {
+    TemporaryFolder const home;
+    std::string sources = R"({"kind":"folder","id":"here","path":".","title":"Here"})";
+    for (int number = 0; number < 600; ++number) {
+        auto const path = home / std::to_string(number);
+        std::filesystem::create_directory(path);
+        sources += R"(,{"kind":"folder","id":"r)" + std::to_string(number) + R"(","path":")" + path.native() +
+                   R"(","title":"Root"})";
+    }
+    auto const files = std::make_shared<Platform::InMemoryFileManager>();
+    files->place("/config/calendar-store.json", R"({"version":1,"sources":[)" + sources + "]}");
+    Platform::CalendarStoreConfiguration const configuration("/config", files);
+    ASSERT_EQ(configuration.load().roots.size(), 601U);
+    auto const folders = Widget::calendarFolders(
+        {.configurationDirectory = "/config", .nativeCalendar = home / "none"}, configuration);
+    EXPECT_EQ(folders.size(), 512U);
+    EXPECT_EQ(folders.front(), home / "0");
+    EXPECT_EQ(folders.back(), home / "511");
 }
 
 TEST(FaceContentTests, meetsWithOneIdentifierKeepTheirOwnTooltips) {
