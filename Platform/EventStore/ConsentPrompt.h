@@ -6,6 +6,7 @@
 
 namespace Platform {
 
+/// What came of the question.
 enum class ConsentAnswer : std::uint8_t {
     yes,
     no,

@@ -16,6 +16,7 @@
 
 namespace Platform {
 
+/// What a calendar may hold. The store here has events only.
 enum class EKEntityType : std::int64_t { event = 0, reminder = 1 };
 
 /// The user's consent. Other values are possible in a record of a newer version.
@@ -61,10 +62,13 @@ public:
     /// All accounts, in the store's order.
     virtual std::vector<EKSource> sources() = 0;
 
+    /// All calendars that may hold such entries, of every account, in the store's order.
     virtual std::vector<EKCalendar> calendarsForEntityType(EKEntityType type) = 0;
 
+    /// Absent when the store has no calendar of that identifier.
     virtual std::optional<EKCalendar> calendarWithIdentifier(std::string_view identifier) = 0;
 
+    /// The calendar that takes new events; absent when none can be written to.
     virtual std::optional<EKCalendar> defaultCalendarForNewEvents() = 0;
 
     /// Events with start < predicate.end and end > predicate.start, and zero-length ones with
@@ -78,12 +82,13 @@ public:
     /// Stores `event` and fills in what the store assigns (identifiers). Throws EKError.
     virtual void save(EKEvent& event, EKSpan span) = 0;
 
-    /// Throws EKError.
+    /// Deletes the event, or as much of its series as `span` says. Throws EKError.
     virtual void remove(EKEvent const& event, EKSpan span) = 0;
 
     /// A new, unsaved event of this store.
     virtual EKEvent makeEvent() = 0;
 
+    /// What the user has decided so far. Asks nobody.
     virtual EKAuthorizationStatus authorizationStatus() = 0;
 
     /// Asks the user and yields whether access was granted. Throws EKError when the request itself fails.

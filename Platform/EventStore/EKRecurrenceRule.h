@@ -8,6 +8,7 @@
 
 namespace Platform {
 
+/// How often a series repeats; `other` is a rule that this list has no word for.
 enum class EKRecurrenceFrequency : std::uint8_t { daily = 0, weekly = 1, monthly = 2, yearly = 3, other = 4 };
 
 /// One weekday of a rule; `weekNumber` 0 is every week, 2 the second, -1 the last of the period.
