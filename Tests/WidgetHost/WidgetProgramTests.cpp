@@ -374,11 +374,11 @@ TEST_F(WidgetOnABusTests, widgetOutlivesTheBus) {
     bus.signal(SIGKILL);
     bus.wait();
     auto const isAnotherDay = [&](auto const& shown) { return shown != *opening; };
-    write(offsetFile(), "40");
+    write(offsetFile(), "4");
     EXPECT_TRUE(screen.pictureWhen(title, isAnotherDay).has_value());
     screen.press(title, "Right");
     EXPECT_TRUE(
-        screen.pictureWhen(title, [&](auto const&) { return readFile(offsetFile()) == "41"; }).has_value());
+        screen.pictureWhen(title, [&](auto const&) { return readFile(offsetFile()) == "5"; }).has_value());
     screen.press(title, "q", "Control_L");
     EXPECT_EQ(widget->wait(), 0);
 }
