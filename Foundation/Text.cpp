@@ -294,7 +294,7 @@ std::string neutralized(std::string_view text) {
             append(result, replacement);
         else if (scalar == '\t' || isNewline(scalar))
             result += ' ';
-        else if (u_charType(scalar) == U_CONTROL_CHAR)
+        else if (u_charType(scalar) == U_CONTROL_CHAR || U_IS_UNICODE_NONCHAR(scalar))
             append(result, replacement);
         else
             append(result, static_cast<char32_t>(scalar));

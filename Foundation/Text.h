@@ -43,8 +43,9 @@ std::string truncated(std::string_view text, std::size_t limit);
 /// Columns that `text` takes in a terminal: 2 for wide and emoji clusters, 0 for combining marks.
 std::size_t terminalWidth(std::string_view text);
 
-/// `text` made safe to show: control characters and bidirectional overrides, embeddings and isolates
-/// (U+202A–202E, U+2066–2069, U+200E, U+200F, U+061C) become U+FFFD, line breaks and TAB a blank.
+/// `text` made safe to show: control characters, noncharacters (such as U+FFFE) and bidirectional overrides,
+/// embeddings and isolates (U+202A–202E, U+2066–2069, U+200E, U+200F, U+061C) become U+FFFD, line breaks and
+/// TAB a blank.
 std::string neutralized(std::string_view text);
 
 /// Whether the first strong character of `text` runs from right to left (UAX #9, rule P2).

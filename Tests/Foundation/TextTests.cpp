@@ -158,6 +158,11 @@ TEST(NeutralizationTests, foreignTextsCannotSteerATerminal) {
     EXPECT_EQ(Text::neutralized("a\u202Eb\u2066c\u200Fd\u061Ce"), "a\uFFFDb\uFFFDc\uFFFDd\uFFFDe");
     EXPECT_EQ(Text::neutralized("\x7F\u009B"), "\uFFFD\uFFFD");
     EXPECT_EQ(Text::neutralized("\xFF"), "\uFFFD");
+    // Noncharacters are valid UTF-8, yet a PDF's text cannot hold them.
+    EXPECT_EQ(Text::neutralized("a\uFFFEb\uFFFFc"), "a\uFFFDb\uFFFDc");
+    EXPECT_EQ(Text::neutralized("\U0001FFFE\U0010FFFF"), "\uFFFD\uFFFD");
+    EXPECT_EQ(Text::neutralized("\uFDD0\uFDEF"), "\uFFFD\uFFFD");
+    EXPECT_EQ(Text::neutralized("\uFDCF\uFDF0\uFFFC"), "\uFDCF\uFDF0\uFFFC");
     EXPECT_EQ(Text::neutralized("Reunión 👨‍👩‍👧"), "Reunión 👨‍👩‍👧");
 }
 
