@@ -138,7 +138,11 @@ private:
     void offer(std::filesystem::path const& folder) const {
         auto const configuration = requiredConfiguration(services);
         auto const content = configuration->load();
-        if (content.problem) throw CommandError::failed(*content.problem);
+        if (content.problem) {
+            auto const problem = Texts::problemOf(shownPath(configuration->file()), *content.problem);
+            if (!content.mayBeChanged) throw CommandError::failed(problem);
+            invocation.console.report(problem);
+        }
         if (rootAt(folder, content.roots) != nullptr) {
             say(Texts::folderIsAdded(shownPath(folder)));
             return;

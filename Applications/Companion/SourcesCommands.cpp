@@ -15,15 +15,29 @@ namespace JSON = Foundation::JSON;
 
 namespace {
 
-std::vector<Platform::CalendarRoot> readableRoots(Platform::CalendarStoreConfiguration const& configuration) {
+std::vector<Platform::CalendarRoot> shownRoots(Invocation const& invocation,
+                                               Platform::CalendarStoreConfiguration const& configuration) {
     auto content = configuration.load();
-    if (content.problem) throw CommandError::failed(*content.problem);
+    if (content.problem)
+        invocation.console.report(Texts::problemOf(shownPath(configuration.file()), *content.problem));
+    return std::move(content.roots);
+}
+
+// For a change, which is refused when the list must stay as it is. What is damaged does not hinder it.
+std::vector<Platform::CalendarRoot>
+changeableRoots(Invocation const& invocation, Platform::CalendarStoreConfiguration const& configuration) {
+    auto content = configuration.load();
+    if (content.problem) {
+        auto const problem = Texts::problemOf(shownPath(configuration.file()), *content.problem);
+        if (!content.mayBeChanged) throw CommandError::failed(problem);
+        invocation.console.report(problem);
+    }
     return std::move(content.roots);
 }
 
 ExitCode list(Invocation const& invocation) {
     auto const services = liveServices(invocation);
-    auto const roots = readableRoots(*requiredConfiguration(*services));
+    auto const roots = shownRoots(invocation, *requiredConfiguration(*services));
     if (invocation.values.has("--json")) {
         JSON::Array sources;
         for (auto const& root : roots) {
@@ -52,7 +66,7 @@ ExitCode add(Invocation const& invocation) {
     auto const configuration = requiredConfiguration(*services);
     auto const folder = absolutePath(invocation.values.arguments().front());
     if (auto const reason = whyNotAFolder(folder)) throw CommandError::wrongUse(*reason);
-    auto const roots = readableRoots(*configuration);
+    auto const roots = changeableRoots(invocation, *configuration);
     if (auto const* known = rootAt(folder, roots))
         throw CommandError::wrongUse(Texts::sourceIsKnown(shownPath(folder), known->title));
     auto const title = invocation.values.option("--title");
@@ -79,7 +93,7 @@ ExitCode remove(Invocation const& invocation) {
     auto const services = liveServices(invocation);
     auto const configuration = requiredConfiguration(*services);
     auto const& name = invocation.values.arguments().front();
-    auto const roots = readableRoots(*configuration);
+    auto const roots = changeableRoots(invocation, *configuration);
     auto const* known = rootCalled(name, roots);
     if (known == nullptr) throw CommandError::wrongUse(Texts::unknownSource(name));
 

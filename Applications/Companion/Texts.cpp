@@ -260,6 +260,10 @@ std::string setupIsDone() {
     return "Add calendars with \"quillora sources add DIR\"; see your day with \"quillora day\"";
 }
 
+std::string problemOf(std::string_view path, std::string_view problem) {
+    return fmt::format("{}: {}", path, problem);
+}
+
 std::string noSources() {
     return "No folder was added yet; add one with \"quillora sources add DIR\"";
 }

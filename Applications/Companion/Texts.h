@@ -92,6 +92,7 @@ std::string folderLeftOut(std::string_view path);
 std::string setupIsDone();
 
 // Sources and calendars.
+std::string problemOf(std::string_view path, std::string_view problem);
 std::string noSources();
 std::string sourceIsKnown(std::string_view path, std::string_view title);
 std::string sourceAdded(std::string_view title, std::string_view path, std::string_view id);

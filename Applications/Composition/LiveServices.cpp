@@ -9,6 +9,7 @@
 #include "Platform/Clock/SystemRegionSettings.h"
 #include "Platform/EventStore/Folder/CalendarStorePlaces.h"
 #include "Platform/EventStore/Folder/FolderEventStore.h"
+#include "Platform/Files/PosixFileLocks.h"
 #include "Platform/Files/PosixFileManager.h"
 #include "Platform/HTMLReader/LibXMLHTMLReader.h"
 #include "Platform/Logging/JournalLogSink.h"
@@ -163,8 +164,8 @@ std::shared_ptr<Platform::CalendarStoreConfiguration const> LiveServices::calend
     auto const places = calendarPlaces();
     if (!places) return nullptr;
     return once(parts->configuration, [&] {
-        return std::make_shared<Platform::CalendarStoreConfiguration>(places->configurationDirectory,
-                                                                      files());
+        return std::make_shared<Platform::CalendarStoreConfiguration>(
+            places->configurationDirectory, files(), std::make_shared<Platform::PosixFileLocks>());
     });
 }
 

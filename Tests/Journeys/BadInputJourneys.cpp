@@ -113,8 +113,43 @@ TEST_F(BadInputJourneys, aDamagedListOfSourcesIsNamedAndKeepsNobodyFromTheRest) 
     EXPECT_EQ(day.output, "Wednesday 11\n\nNo events\n");
     EXPECT_THAT(day.errors, HasSubstr("calendar-store.json"));
     auto const list = home.quillora({"sources", "list"});
-    EXPECT_EQ(list.exitCode, 1);
-    EXPECT_THAT(list.errors, HasSubstr("calendar-store.json"));
+    EXPECT_EQ(list.exitCode, 0);
+    auto const path = (home.configuration() / "calendar-store.json").string();
+    EXPECT_EQ(list.errors,
+              "quillora: " + path +
+                  ": the list of calendar folders is damaged, so none of them is shown; the next "
+                  "change keeps a copy of it and starts a new list\n");
+}
+
+TEST_F(BadInputJourneys, aDamagedListOfSourcesIsMendedByTheNextChange) {
+    auto const path = home.configuration() / "calendar-store.json";
+    for (auto const* content : {"x", "[]", "{}"}) {
+        home.write(path, content);
+        auto const add = home.quillora({"sources", "add", home.calendars().string()});
+        EXPECT_EQ(add.exitCode, 0) << content;
+        EXPECT_THAT(add.errors, HasSubstr(path.string() + ": the list of calendar folders is damaged"))
+            << content;
+        auto const list = home.quillora({"sources", "list"});
+        EXPECT_THAT(list.output, HasSubstr(home.calendars().string())) << content;
+        EXPECT_EQ(list.errors, "") << content;
+    }
+    EXPECT_EQ(home.contentOf(path.string() + ".damaged"), "x");
+    EXPECT_EQ(home.contentOf(path.string() + ".damaged-3"), "{}");
+}
+
+TEST_F(BadInputJourneys, aListOfSourcesOfANewerVersionIsNeverChanged) {
+    auto const path = home.configuration() / "calendar-store.json";
+    home.write(path, R"({"version":2,"sources":[]})");
+    for (auto const& words : std::vector<std::vector<std::string>>{
+             {"sources", "add", home.calendars().string()}, {"sources", "remove", "k3fa"}}) {
+        auto const result = home.quillora(words);
+        EXPECT_EQ(result.exitCode, 1) << words[1];
+        EXPECT_EQ(result.errors, "quillora: " + path.string() +
+                                     ": the list of calendar folders was written by a newer version "
+                                     "of Quillora; what is understood of it is shown, and it cannot "
+                                     "be changed\n");
+        EXPECT_EQ(home.contentOf(path), R"({"version":2,"sources":[]})");
+    }
 }
 
 TEST_F(BadInputJourneys, aDamagedSetOfHiddenCalendarsHidesNothing) {

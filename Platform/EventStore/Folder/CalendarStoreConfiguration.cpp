@@ -5,6 +5,8 @@
 #include "Foundation/Text.h"
 
 #include <algorithm>
+#include <chrono>
+#include <cstdint>
 #include <fmt/format.h>
 #include <ranges>
 #include <utility>
@@ -49,19 +51,38 @@ std::optional<CalendarRoot> rootFromJSON(JSON::Value const& value) {
     return CalendarRoot{.kind = *kind, .id = *id, .path = *path, .title = *title};
 }
 
-std::optional<std::vector<CalendarRoot>> rootsFromDocument(std::string_view document) {
-    auto const value = JSON::parse(document);
+constexpr std::int64_t knownVersion = 1;
+
+struct Document {
+    std::vector<CalendarRoot> roots;
+    std::size_t unreadableEntries = 0;
+    bool isNewer = false;
+
+    [[nodiscard]] bool isWhole() const { return unreadableEntries == 0 && !isNewer; }
+};
+
+// Absent when the document is no list of sources at all.
+std::optional<Document> parsedDocument(std::string_view text) {
+    auto const value = JSON::parse(text);
     if (!value) return std::nullopt;
+    Document document;
+    if (auto const* const member = value->member("version")) {
+        auto const version = JSON::integer(*member);
+        document.isNewer = version && *version > knownVersion;
+    }
     auto const* const list = value->member("sources");
     auto const* const entries = list ? std::get_if<JSON::Array>(&list->storage) : nullptr;
-    if (!entries) return std::nullopt;
-    std::vector<CalendarRoot> roots;
-    for (auto const& entry : *entries) {
-        auto root = rootFromJSON(entry);
-        if (!root) return std::nullopt;
-        roots.push_back(*std::move(root));
+    if (!entries) {
+        if (!document.isNewer) return std::nullopt;
+        return document;
     }
-    return roots;
+    for (auto const& entry : *entries) {
+        if (auto root = rootFromJSON(entry))
+            document.roots.push_back(*std::move(root));
+        else
+            ++document.unreadableEntries;
+    }
+    return document;
 }
 
 JSON::Value documentOf(std::vector<CalendarRoot> const& roots) {
@@ -75,7 +96,7 @@ JSON::Value documentOf(std::vector<CalendarRoot> const& roots) {
         entries.emplace_back(std::move(entry));
     }
     JSON::Object document;
-    document.emplace_back("version", 1);
+    document.emplace_back("version", knownVersion);
     document.emplace_back("sources", std::move(entries));
     return document;
 }
@@ -102,31 +123,47 @@ std::filesystem::path withoutTrailingSlash(std::filesystem::path const& path) {
 } // namespace
 
 CalendarStoreConfiguration::CalendarStoreConfiguration(std::filesystem::path directory,
-                                                       std::shared_ptr<FileManager const> files)
+                                                       std::shared_ptr<FileManager const> files,
+                                                       std::shared_ptr<FileLocks const> locks)
     : directory(std::move(directory)),
-      files(std::move(files)) {}
+      files(std::move(files)),
+      locks(std::move(locks)) {}
 
 std::filesystem::path CalendarStoreConfiguration::file() const {
     return directory / "calendar-store.json";
 }
 
 CalendarStoreConfiguration::Content CalendarStoreConfiguration::load() const {
-    auto const document = files->contents(file());
+    auto const text = files->contents(file());
+    if (!text) {
+        if (text.error() == std::errc::no_such_file_or_directory) return {};
+        return {.roots = {},
+                .problem = fmt::format(
+                    "the list of calendar folders could not be read ({}), so none of them is shown",
+                    text.error().message()),
+                .mayBeChanged = false};
+    }
+    auto document = parsedDocument(*text);
     if (!document) {
-        if (document.error() == std::errc::no_such_file_or_directory)
-            return {.roots = {}, .problem = std::nullopt};
         return {.roots = {},
-                .problem = fmt::format("{} could not be read ({}), so none of its calendar folders is shown",
-                                       file().string(), document.error().message())};
+                .problem =
+                    "the list of calendar folders is damaged, so none of them is shown; the next change "
+                    "keeps a copy of it and starts a new list"};
     }
-    auto roots = rootsFromDocument(*document);
-    if (!roots) {
-        return {.roots = {},
-                .problem = fmt::format("{} is damaged, so none of its calendar folders is shown; the next "
-                                       "change keeps a copy of it and starts a new list",
-                                       file().string())};
+    if (document->isNewer) {
+        return {.roots = std::move(document->roots),
+                .problem = "the list of calendar folders was written by a newer version of Quillora; what is "
+                           "understood of it is shown, and it cannot be changed",
+                .mayBeChanged = false};
     }
-    return {.roots = *std::move(roots), .problem = std::nullopt};
+    Content content{.roots = std::move(document->roots), .problem = std::nullopt};
+    if (document->unreadableEntries > 0) {
+        content.problem =
+            fmt::format("the list of calendar folders is damaged in {} of its entries, which are not shown; "
+                        "the next change keeps a copy of it and goes on with the rest",
+                        document->unreadableEntries);
+    }
+    return content;
 }
 
 std::expected<CalendarRoot, std::string>
@@ -155,7 +192,19 @@ CalendarStoreConfiguration::add(std::filesystem::path const& folder, std::option
                         "the calendar files.",
                         shown));
     }
-    auto roots = load().roots;
+    auto const held = lock();
+    if (!held) return std::unexpected(held.error() + "; nothing was added.");
+    return addWhileLocked(path, title);
+}
+
+std::expected<CalendarRoot, std::string>
+CalendarStoreConfiguration::addWhileLocked(std::filesystem::path const& path,
+                                           std::optional<std::string> const& title) const {
+    auto content = load();
+    if (!content.mayBeChanged)
+        return std::unexpected(fmt::format("{}: {}; nothing was added.", file().string(), *content.problem));
+    auto const shown = Foundation::Text::sanitizedUTF8(path.string());
+    auto roots = std::move(content.roots);
     for (auto const& root : roots) {
         if (canonicalOrSame(root.path) == canonicalOrSame(path)) {
             return std::unexpected(
@@ -173,8 +222,17 @@ CalendarStoreConfiguration::add(std::filesystem::path const& folder, std::option
 }
 
 std::expected<CalendarRoot, std::string> CalendarStoreConfiguration::remove(std::string_view which) const {
+    auto const held = lock();
+    if (!held) return std::unexpected(held.error() + "; nothing was removed.");
+    return removeWhileLocked(which);
+}
+
+std::expected<CalendarRoot, std::string>
+CalendarStoreConfiguration::removeWhileLocked(std::string_view which) const {
     auto const content = load();
-    if (content.problem) return std::unexpected(*content.problem + "; nothing was removed.");
+    if (!content.mayBeChanged)
+        return std::unexpected(
+            fmt::format("{}: {}; nothing was removed.", file().string(), *content.problem));
     auto roots = content.roots;
     auto const wanted = canonicalOrSame(withoutTrailingSlash(std::filesystem::path(which)));
     auto const isNamed = [&](CalendarRoot const& root) {
@@ -196,6 +254,18 @@ std::expected<CalendarRoot, std::string> CalendarStoreConfiguration::remove(std:
     return removed;
 }
 
+std::expected<std::unique_ptr<FileLocks::Held>, std::string> CalendarStoreConfiguration::lock() const {
+    if (!locks) return nullptr;
+    auto const refuse = [](std::filesystem::path const& path, std::error_code failure) {
+        return std::unexpected(fmt::format("{} could not be locked ({})", path.string(), failure.message()));
+    };
+    if (auto const failure = files->createDirectory(directory)) return refuse(directory, failure);
+    auto const lockFile = directory / ".calendar-store.json.lock";
+    auto held = locks->take(lockFile, std::chrono::seconds(10));
+    if (!held) return refuse(lockFile, held.error());
+    return *std::move(held);
+}
+
 std::optional<std::string> CalendarStoreConfiguration::write(std::vector<CalendarRoot> const& roots) const {
     auto const refuse = [&](std::filesystem::path const& path, std::error_code failure) {
         return fmt::format("{} could not be written ({}); the list of sources is unchanged.", path.string(),
@@ -209,7 +279,8 @@ std::optional<std::string> CalendarStoreConfiguration::write(std::vector<Calenda
     auto const present = files->contents(file());
     if (!present && present.error() != std::errc::no_such_file_or_directory)
         return refuse(file(), present.error());
-    if (present && !rootsFromDocument(*present)) {
+    auto const former = present ? parsedDocument(*present) : std::nullopt;
+    if (present && !(former && former->isWhole())) {
         // What cannot be read may still be mended by hand: it is kept beside the new list.
         auto const copy = freeNameBeside(*files, file().string() + ".damaged");
         if (auto const failure = files->writeAtomically(copy, *present)) return refuse(copy, failure);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/EventStore/Folder/CalendarRoot.h"
+#include "Platform/Files/FileLocks.h"
 #include "Platform/Files/FileManager.h"
 
 #include <expected>
@@ -18,12 +19,18 @@ namespace Platform {
 /// It is read anew at each call and written atomically, readable by its owner alone.
 class CalendarStoreConfiguration {
 public:
-    CalendarStoreConfiguration(std::filesystem::path directory, std::shared_ptr<FileManager const> files);
+    /// With `locks`, changes wait for those of other programs, at most 10 seconds. Without, nobody else may
+    /// change the list meanwhile.
+    CalendarStoreConfiguration(std::filesystem::path directory, std::shared_ptr<FileManager const> files,
+                               std::shared_ptr<FileLocks const> locks = nullptr);
 
     struct Content {
         std::vector<CalendarRoot> roots;
-        /// Why the file could not be read; then there are no roots. A missing file is no problem.
+        /// Why the file could not be read, or not wholly; its path is not named. A missing file is no
+        /// problem.
         std::optional<std::string> problem;
+        /// Whether a change goes on from `roots`: not when the file cannot be opened, or is of a newer form.
+        bool mayBeChanged = true;
     };
     [[nodiscard]] Content load() const;
 
@@ -40,10 +47,15 @@ public:
     [[nodiscard]] std::filesystem::path file() const;
 
 private:
+    [[nodiscard]] std::expected<CalendarRoot, std::string>
+    addWhileLocked(std::filesystem::path const& path, std::optional<std::string> const& title) const;
+    [[nodiscard]] std::expected<CalendarRoot, std::string> removeWhileLocked(std::string_view which) const;
+    [[nodiscard]] std::expected<std::unique_ptr<FileLocks::Held>, std::string> lock() const;
     [[nodiscard]] std::optional<std::string> write(std::vector<CalendarRoot> const& roots) const;
 
     std::filesystem::path directory;
     std::shared_ptr<FileManager const> files;
+    std::shared_ptr<FileLocks const> locks;
 };
 
 } // namespace Platform

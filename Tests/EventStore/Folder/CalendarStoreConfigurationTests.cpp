@@ -1,10 +1,14 @@
 #include "Platform/EventStore/Folder/CalendarStoreConfiguration.h"
 
 #include "Platform/Files/InMemoryFileManager.h"
+#include "Platform/Files/PosixFileLocks.h"
 #include "Platform/Files/PosixFileManager.h"
 #include "Tests/EventStore/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
+
+#include <latch>
+#include <thread>
 
 #include <sys/stat.h>
 
@@ -138,18 +142,107 @@ TEST_F(CalendarStoreConfigurationTests, aNameOfNoneOrOfSeveralRootsRemovesNothin
 }
 
 TEST_F(CalendarStoreConfigurationTests, aDamagedFileHasNoRootsAndAReason) {
-    for (auto const* const content :
-         {"", "{", "[]", "{}", R"({"version":1,"sources":{}})", R"({"sources":[{"kind":"folder"}]})",
-          R"({"sources":[{"kind":"folder","id":"","path":"/x","title":"X"}]})", R"({"sources":[3]})"}) {
+    for (auto const* const content : {"", "x", "{", "[]", "{}", R"({"version":1,"sources":{}})"}) {
         files->place(file, content);
         EXPECT_TRUE(configuration.load().roots.empty()) << content;
         EXPECT_EQ(
             configuration.load().problem,
-            "/config/quillora/calendar-store.json is damaged, so none of its calendar folders is shown; the "
-            "next change keeps a copy of it and starts a new list")
+            "the list of calendar folders is damaged, so none of them is shown; the next change keeps a "
+            "copy of it and starts a new list")
             << content;
+        EXPECT_TRUE(configuration.load().mayBeChanged) << content;
         EXPECT_EQ(files->content(file), content);
     }
+}
+
+TEST_F(CalendarStoreConfigurationTests, aDamagedEntryIsLeftOutAndKeptAside) {
+    CalendarRoot const good{.kind = "folder", .id = "k3fa", .path = "/home/ann/.calendars", .title = "Ann"};
+    std::string const goodEntry =
+        R"({"kind":"folder","id":"k3fa","path":"/home/ann/.calendars","title":"Ann"})";
+    for (std::string const bad :
+         {"3", R"({"kind":"folder"})", R"({"kind":"folder","id":"","path":"/x","title":"X"})"}) {
+        auto const document = R"({"version":1,"sources":[)" + bad + "," + goodEntry + "]}";
+        auto const store = std::make_shared<InMemoryFileManager>();
+        store->place(file, document);
+        CalendarStoreConfiguration const subject("/config/quillora", store);
+        EXPECT_EQ(subject.load().roots, std::vector{good}) << bad;
+        EXPECT_EQ(
+            subject.load().problem,
+            "the list of calendar folders is damaged in 1 of its entries, which are not shown; the next "
+            "change keeps a copy of it and goes on with the rest")
+            << bad;
+        auto const added = subject.add(root / "Home", std::nullopt);
+        ASSERT_TRUE(added.has_value()) << added.error();
+        EXPECT_EQ(subject.load().roots, (std::vector{good, *added})) << bad;
+        EXPECT_EQ(subject.load().problem, std::nullopt) << bad;
+        EXPECT_EQ(store->content(std::string(file) + ".damaged"), document);
+    }
+}
+
+TEST_F(CalendarStoreConfigurationTests, aFileOfANewerVersionIsReadAndNeverChanged) {
+    std::string const document =
+        R"({"version":2,"sources":[{"kind":"folder","id":"k3fa","path":"/ann","title":"Ann"},{"new":1}]})";
+    files->place(file, document);
+    EXPECT_EQ(configuration.load().roots,
+              (std::vector{CalendarRoot{.kind = "folder", .id = "k3fa", .path = "/ann", .title = "Ann"}}));
+    EXPECT_FALSE(configuration.load().mayBeChanged);
+    std::string const problem = "/config/quillora/calendar-store.json: the list of calendar folders was "
+                                "written by a newer version of "
+                                "Quillora; what is understood of it is shown, and it cannot be changed; ";
+    EXPECT_EQ(configuration.add(root / "Home", std::nullopt).error(), problem + "nothing was added.");
+    EXPECT_EQ(configuration.remove("k3fa").error(), problem + "nothing was removed.");
+    EXPECT_EQ(files->content(file), document);
+    EXPECT_EQ(files->content(std::string(file) + ".damaged"), std::nullopt);
+}
+
+TEST_F(CalendarStoreConfigurationTests, changesAtTheSameTimeAllStay) {
+    auto const disk = std::make_shared<PosixFileManager>(Foundation::Environment());
+    std::vector<std::filesystem::path> folders;
+    for (int number = 0; number < 12; ++number) {
+        folders.push_back(root / ("folder-" + std::to_string(number)));
+        std::filesystem::create_directories(folders.back());
+    }
+    std::latch start(static_cast<std::ptrdiff_t>(folders.size()));
+    std::vector<std::string> failures(folders.size());
+    {
+        std::vector<std::jthread> threads;
+        for (std::size_t number = 0; number < folders.size(); ++number) {
+            threads.emplace_back([&, number] {
+                CalendarStoreConfiguration const own(root / "config", disk,
+                                                     std::make_shared<PosixFileLocks>());
+                start.arrive_and_wait();
+                auto const added = own.add(folders[number], std::nullopt);
+                if (!added) failures[number] = added.error();
+            });
+        }
+    }
+    EXPECT_EQ(failures, std::vector<std::string>(folders.size()));
+    std::set<std::filesystem::path> kept;
+    for (auto const& known : CalendarStoreConfiguration(root / "config", disk).load().roots)
+        kept.insert(known.path);
+    EXPECT_EQ(kept, std::set(folders.begin(), folders.end()));
+}
+
+TEST_F(CalendarStoreConfigurationTests, aLockThatIsNotHadIsToldAndNothingChanged) {
+    class RefusedLocks final : public FileLocks {
+        [[nodiscard]] std::expected<std::unique_ptr<Held>, std::error_code>
+        take(std::filesystem::path const& /*lockFile*/, std::chrono::milliseconds patience) const override {
+            EXPECT_EQ(patience, std::chrono::seconds(10));
+            return std::unexpected(std::make_error_code(std::errc::timed_out));
+        }
+    };
+    CalendarStoreConfiguration const subject("/config/quillora", files, std::make_shared<RefusedLocks>());
+    EXPECT_EQ(subject.add(root / "Home", std::nullopt).error(),
+              "/config/quillora/.calendar-store.json.lock could not be locked (Connection timed out); "
+              "nothing was added.");
+    EXPECT_EQ(files->content(file), std::nullopt);
+}
+
+TEST_F(CalendarStoreConfigurationTests, aHeldLockIsAwaitedOnlySoLong) {
+    PosixFileLocks const locks;
+    auto const held = locks.take(root / "lock", std::chrono::milliseconds(0));
+    ASSERT_TRUE(held.has_value());
+    EXPECT_EQ(locks.take(root / "lock", std::chrono::milliseconds(20)).error(), std::errc::timed_out);
 }
 
 TEST_F(CalendarStoreConfigurationTests, aDamagedFileIsKeptBesideTheNewOne) {
@@ -168,7 +261,8 @@ TEST_F(CalendarStoreConfigurationTests, aFileThatMayNotBeReadIsNeverReplaced) {
     files->place(file, "kept");
     files->refusesReads();
     EXPECT_TRUE(configuration.load().roots.empty());
-    EXPECT_TRUE(configuration.load().problem->starts_with(std::string(file) + " could not be read ("));
+    EXPECT_TRUE(
+        configuration.load().problem->starts_with("the list of calendar folders could not be read ("));
     EXPECT_FALSE(configuration.add(root / "Home", std::nullopt).has_value());
     EXPECT_EQ(files->content(file), "kept");
 }

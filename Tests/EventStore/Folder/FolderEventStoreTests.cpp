@@ -283,7 +283,8 @@ TEST_F(FolderEventStoreTests, aDamagedListIsLoggedAndTheOwnCalendarStillShown) {
     EXPECT_EQ(titles(subject), (Texts{"Mine"}));
     EXPECT_EQ(titles(subject), (Texts{"Mine"}));
     ASSERT_EQ(log->messages().size(), 1U);
-    EXPECT_TRUE(log->messages()[0].contains("calendar-store.json is damaged")) << log->messages()[0];
+    EXPECT_TRUE(log->messages()[0].contains("calendar-store.json: the list of calendar folders is damaged"))
+        << log->messages()[0];
     EXPECT_EQ(files->contents(home / "config/calendar-store.json"), "{ torn");
 }
 
@@ -295,7 +296,7 @@ TEST_F(FolderEventStoreTests, aSourceThatCannotBeUsedIsNamedAndPassedOver) {
     };
     auto const one = (home / "One").string();
     home.write("config/calendar-store.json",
-               fmt::format(R"({{"version":2,"sources":[{},{},{},{},{}]}})",
+               fmt::format(R"({{"version":1,"sources":[{},{},{},{},{}]}})",
                            entry("dataServer", "b2", "x", "Accounts"),
                            entry("folder", "c3", "~/One", "By hand"), entry("folder", "d4", one, "One"),
                            entry("folder", "d4", one, "Twice"),
