@@ -127,8 +127,9 @@ TEST(BombTests, manyBombsLeaveRoomForTheirNeighbours) {
                   "\nDTSTART:20050103T080000Z\nRRULE:FREQ=SECONDLY\nEND:VEVENT\n";
     }
     events += "BEGIN:VEVENT\nUID:neighbour\nDTSTART:20260321T120000Z\nEND:VEVENT\n";
-    auto const found = seriesOf(events).occurrences(instant("2026-03-01T00:00:00Z"),
-                                                    instant("2026-03-22T00:00:00Z"), zone("Europe/Berlin"));
+    auto const series = seriesOf(events);
+    auto const found = series.occurrences(instant("2026-03-01T00:00:00Z"), instant("2026-03-22T00:00:00Z"),
+                                          zone("Europe/Berlin"));
     ASSERT_EQ(found.occurrences.size(), 30'001U);
     EXPECT_EQ(found.occurrences.back().event->uid, "neighbour");
     EXPECT_EQ(found.problems.size(), 30U);
