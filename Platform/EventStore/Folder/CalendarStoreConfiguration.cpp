@@ -3,6 +3,7 @@
 #include "Foundation/JSON.h"
 #include "Foundation/MD5.h"
 #include "Foundation/Text.h"
+#include "Platform/Files/FreeName.h"
 
 #include <algorithm>
 #include <chrono>
@@ -105,14 +106,6 @@ std::filesystem::path canonicalOrSame(std::filesystem::path const& path) {
     std::error_code failure;
     auto canonical = std::filesystem::canonical(path, failure);
     return failure ? path : canonical;
-}
-
-// `wanted`, or with a number when a file of that name is there already.
-std::string freeNameBeside(FileManager const& files, std::string const& wanted) {
-    auto name = wanted;
-    for (int number = 2; files.contents(name).has_value(); ++number)
-        name = fmt::format("{}-{}", wanted, number);
-    return name;
 }
 
 std::filesystem::path withoutTrailingSlash(std::filesystem::path const& path) {
@@ -282,7 +275,7 @@ std::optional<std::string> CalendarStoreConfiguration::write(std::vector<Calenda
     auto const former = present ? parsedDocument(*present) : std::nullopt;
     if (present && !(former && former->isWhole())) {
         // What cannot be read may still be mended by hand: it is kept beside the new list.
-        auto const copy = freeNameBeside(*files, file().string() + ".damaged");
+        auto const copy = freeName(*files, file().string() + ".damaged");
         if (auto const failure = files->writeAtomically(copy, *present)) return refuse(copy, failure);
     }
     if (auto const failure = files->writeAtomically(file(), *document)) return refuse(file(), failure);
