@@ -1,5 +1,7 @@
 #include "CalendarProviders/BundleFinder.h"
 #include "Foundation/Environment.h"
+#include "Meetings/Alarms/MeetAlarmModeEnum.h"
+#include "Meetings/Alarms/MeetAlarmVoiceLanguageEnum.h"
 #include "Meetings/BundleFinder.h"
 #include "Platform/Resources/BundleTextProvider.h"
 #include "WidgetExtension/ResourceBundleClass.h"
@@ -60,6 +62,27 @@ TEST(PackageTextsTests, theTextsOfMeetsAreThereInBothLanguages) {
     EXPECT_EQ(spanish.text("eventkit-meet-no-default-calendar"),
               "No hay ningún calendario para reuniones nuevas, así que no se guardó nada. Añade un "
               "calendario en el que se pueda escribir.");
+}
+
+TEST(PackageTextsTests, theTextsOfAlarmsAreThereInBothLanguages) {
+    struct Row {
+        std::string_view key;
+        char const* english;
+        char const* spanish;
+    };
+    using enum Meetings::MeetAlarmModeEnum;
+    using enum Meetings::MeetAlarmVoiceLanguageEnum;
+    auto const inEnglish = builtTexts(Meetings::BundleFinder::bundleName, "en");
+    auto const inSpanish = builtTexts(Meetings::BundleFinder::bundleName, "es");
+    for (auto const& row :
+         {Row{.key = titleKey(voice), .english = "Spoken message", .spanish = "Mensaje hablado"},
+          Row{.key = titleKey(hero), .english = "Hero", .spanish = "Hero"},
+          Row{.key = titleKey(funk), .english = "Funk", .spanish = "Funk"},
+          Row{.key = titleKey(spanish), .english = "Spanish", .spanish = "Español"},
+          Row{.key = titleKey(english), .english = "English", .spanish = "Inglés"}}) {
+        EXPECT_EQ(inEnglish.text(row.key), row.english);
+        EXPECT_EQ(inSpanish.text(row.key), row.spanish);
+    }
 }
 
 TEST(PackageTextsTests, everyBundleOpensWithoutProblems) {
