@@ -9,6 +9,8 @@ find_package(fmt REQUIRED)
 find_package(CLI11 REQUIRED)
 find_package(GTest REQUIRED)
 find_package(LibXml2 REQUIRED)
+# Generators that run in the build, and the architecture checks.
+find_package(Python3 3.9 REQUIRED COMPONENTS Interpreter)
 
 pkg_check_modules(GLIB REQUIRED IMPORTED_TARGET glib-2.0)
 pkg_check_modules(GIO REQUIRED IMPORTED_TARGET gio-2.0 gio-unix-2.0)
