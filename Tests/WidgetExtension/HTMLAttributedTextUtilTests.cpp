@@ -8,7 +8,6 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <functional>
 #include <optional>
 #include <string>
@@ -162,14 +161,13 @@ TEST(HTMLAttributedTextUtilDeathTest, aLoopThatDropsTheRenderingEndsTheProcess) 
     EXPECT_DEATH(parseBesideAnEndedLoop(), "the main loop dropped work that another thread waits for");
 }
 
+// The square of a mebibyte takes longer than CTest gives a test.
 TEST(HTMLAttributedTextUtilTests, hugeRulesTakeNoSquareOfTheirLength) {
     std::string marked;
     while (marked.size() < 1024UL * 1024)
         marked += "-\u0301";
-    auto const begin = std::chrono::steady_clock::now();
     EXPECT_EQ(lineOfRendered(std::string(1024UL * 1024, '-') + "x"), "x");
     EXPECT_EQ(lineOfRendered(marked + "x"), "x");
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(10));
 }
 
 } // namespace
