@@ -3,10 +3,12 @@
 #include "Foundation/Environment.h"
 
 #include <unicode/locid.h>
+#include <unicode/plurrule.h>
 #include <unicode/uloc.h>
 
 #include <algorithm>
 #include <initializer_list>
+#include <memory>
 #include <optional>
 #include <set>
 #include <string_view>
@@ -111,6 +113,17 @@ std::vector<std::string> Locale::textLanguages(Environment const& environment) {
 
 bool Locale::isRightToLeft() const {
     return icu::Locale(identifier.c_str()).isRightToLeft() != 0;
+}
+
+std::string Locale::pluralCategory(std::int64_t count) const {
+    UErrorCode failure = U_ZERO_ERROR;
+    std::unique_ptr<icu::PluralRules> const rules(
+        icu::PluralRules::forLocale(icu::Locale(identifier.c_str()), failure));
+    if (U_FAILURE(failure) != 0 || !rules) return "other";
+    std::string category;
+    // No category is sensitive to a number's sign, and those beyond a double's whole numbers are all alike.
+    rules->select(static_cast<double>(count)).toUTF8String(category);
+    return category;
 }
 
 } // namespace Foundation

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -22,6 +23,10 @@ struct Locale {
 
     /// Whether its script runs from right to left.
     [[nodiscard]] bool isRightToLeft() const;
+
+    /// Which form of a text goes with `count` in this language, as CLDR names it: "zero", "one", "two",
+    /// "few", "many" or "other".
+    [[nodiscard]] std::string pluralCategory(std::int64_t count) const;
 
     friend bool operator==(Locale const&, Locale const&) = default;
 };

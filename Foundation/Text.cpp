@@ -239,6 +239,15 @@ std::string capitalized(std::string_view text) {
     return result;
 }
 
+std::string lowercased(std::string_view text) {
+    std::string result;
+    icu::StringByteSink<std::string> sink(&result);
+    UErrorCode status = U_ZERO_ERROR;
+    icu::CaseMap::utf8ToLower("", 0, icu::StringPiece(text.data(), icuLength(text)), sink, nullptr, status);
+    if (U_FAILURE(status)) fatalError("the text library cannot change the case of a text");
+    return result;
+}
+
 std::u32string scalars(std::string_view text) {
     std::u32string result;
     result.reserve(text.size());

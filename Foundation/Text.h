@@ -31,6 +31,9 @@ bool containsAlphanumeric(std::string_view text);
 /// Title case by ICU's root locale: in each word the first cased letter upper, the others lower.
 std::string capitalized(std::string_view text);
 
+/// Lower case by ICU's root locale.
+std::string lowercased(std::string_view text);
+
 /// The scalars of a valid UTF-8 text.
 std::u32string scalars(std::string_view text);
 

@@ -42,11 +42,21 @@ path const& Bundle::folder() const {
 }
 
 std::string Bundle::text(std::string_view key) const {
+    return find(key).value_or(std::string(key));
+}
+
+std::optional<std::string> Bundle::find(std::string_view key) const {
     for (auto const& table : tables) {
-        auto const entry = table.texts.find(key);
-        if (entry != table.texts.end()) return entry->second;
+        if (auto text = table.file.find(key)) return text;
     }
-    return std::string(key);
+    return std::nullopt;
+}
+
+std::optional<std::string> Bundle::findCounted(std::string_view key, std::int64_t count) const {
+    for (auto const& table : tables) {
+        if (auto text = table.file.findCounted(key, count, table.language)) return text;
+    }
+    return std::nullopt;
 }
 
 std::vector<std::string> const& Bundle::problems() const {
@@ -65,7 +75,7 @@ void Bundle::addTable(std::string const& language) {
         auto table = StringsFile::parse(*text);
         for (auto const& problem : table.problems)
             found.push_back(file.string() + ":" + std::to_string(problem.line) + ": " + problem.reason);
-        tables.push_back(std::move(table));
+        tables.push_back({.language = language, .file = std::move(table)});
         return;
     }
 }

@@ -2,6 +2,7 @@
 
 #include "Platform/Resources/StringsFile.h"
 
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -24,6 +25,14 @@ public:
     /// The text in the first language that has it, else in English, else the key itself.
     [[nodiscard]] std::string text(std::string_view key) const;
 
+    /// The same, absent when no language has the key.
+    [[nodiscard]] std::optional<std::string> find(std::string_view key) const;
+
+    /// The text that goes with a number: `key` is there once for each plural form of its language, as
+    /// "key.one", "key.other" and so on. The first language that has "key.other" decides; absent when none
+    /// has.
+    [[nodiscard]] std::optional<std::string> findCounted(std::string_view key, std::int64_t count) const;
+
     /// What was wrong with the tables, each as "<file>:<line>: <reason>".
     [[nodiscard]] std::vector<std::string> const& problems() const;
 
@@ -31,8 +40,13 @@ private:
     explicit Bundle(std::filesystem::path folder);
     void addTable(std::string const& language);
 
+    struct Table {
+        std::string language;
+        StringsFile file;
+    };
+
     std::filesystem::path location;
-    std::vector<StringsFile> tables;
+    std::vector<Table> tables;
     std::vector<std::string> found;
 };
 

@@ -69,12 +69,21 @@ std::vector<path> BundleLookup::candidates(Foundation::Environment const& enviro
     return folders;
 }
 
-Bundle BundleLookup::packageBundle(std::string_view name, Foundation::Environment const& environment,
-                                   BundlePlaces const& places, std::vector<std::string> const& languages) {
+std::optional<Bundle> BundleLookup::findBundle(std::string_view name,
+                                               Foundation::Environment const& environment,
+                                               BundlePlaces const& places,
+                                               std::vector<std::string> const& languages) {
     for (auto const& folder : candidates(environment, places)) {
         auto bundle = Bundle::open(folder / (std::string(name) + ".bundle"), languages);
-        if (bundle) return *std::move(bundle);
+        if (bundle) return bundle;
     }
+    return std::nullopt;
+}
+
+Bundle BundleLookup::packageBundle(std::string_view name, Foundation::Environment const& environment,
+                                   BundlePlaces const& places, std::vector<std::string> const& languages) {
+    auto bundle = findBundle(name, environment, places, languages);
+    if (bundle) return *std::move(bundle);
     Foundation::fatalError("unable to find bundle named " + std::string(name));
 }
 

@@ -34,7 +34,11 @@ namespace BundleLookup {
 std::vector<std::filesystem::path> candidates(Foundation::Environment const& environment,
                                               BundlePlaces const& places);
 
-/// Opens `<name>.bundle` in the first candidate that has it. Where none has, the process ends with
+/// Opens `<name>.bundle` in the first candidate that has it; absent where none has.
+std::optional<Bundle> findBundle(std::string_view name, Foundation::Environment const& environment,
+                                 BundlePlaces const& places, std::vector<std::string> const& languages);
+
+/// The same for a bundle without which there is no going on: where no candidate has it, the process ends with
 /// "unable to find bundle named <name>".
 Bundle packageBundle(std::string_view name, Foundation::Environment const& environment,
                      BundlePlaces const& places, std::vector<std::string> const& languages);

@@ -1,5 +1,6 @@
 #include "Platform/Resources/StringsFile.h"
 
+#include "Foundation/Locale.h"
 #include "Foundation/Text.h"
 
 #include <array>
@@ -192,6 +193,19 @@ StringsFile StringsFile::parse(std::string_view content) {
     file.problems.insert(file.problems.begin(),
                          {.line = 1, .reason = "not UTF-8 throughout; the other bytes became U+FFFD"});
     return file;
+}
+
+std::optional<std::string> StringsFile::find(std::string_view key) const {
+    auto const entry = texts.find(key);
+    if (entry == texts.end()) return std::nullopt;
+    return entry->second;
+}
+
+std::optional<std::string> StringsFile::findCounted(std::string_view key, std::int64_t count,
+                                                    std::string const& language) const {
+    auto const category = Foundation::Locale{.identifier = language}.pluralCategory(count);
+    if (auto text = find(std::string(key) + "." + category)) return text;
+    return find(std::string(key) + ".other");
 }
 
 } // namespace Platform

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -26,6 +28,14 @@ struct StringsFile {
     /// Reads the whole file. A broken entry is reported and skipped up to its semicolon or the end of its
     /// line; of equal keys the first one stays. Bytes that are not UTF-8 become U+FFFD and are reported.
     static StringsFile parse(std::string_view content);
+
+    /// The text of `key`.
+    [[nodiscard]] std::optional<std::string> find(std::string_view key) const;
+
+    /// The text of `key` that goes with `count` in `language`: that of "key.one", "key.few" and the like,
+    /// else that of "key.other".
+    [[nodiscard]] std::optional<std::string> findCounted(std::string_view key, std::int64_t count,
+                                                         std::string const& language) const;
 };
 
 } // namespace Platform

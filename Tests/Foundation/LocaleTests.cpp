@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <map>
 #include <string>
 #include <vector>
@@ -75,6 +76,35 @@ TEST(LocaleDirectionTests, theScriptDecides) {
     EXPECT_TRUE(Locale{.identifier = "ar_EG"}.isRightToLeft());
     EXPECT_TRUE(Locale{.identifier = "he"}.isRightToLeft());
     EXPECT_FALSE(Locale{.identifier = "es_ES"}.isRightToLeft());
+}
+
+TEST(PluralCategoryTests, eachLanguageHasItsOwnForms) {
+    useHostileLocale();
+    struct Row {
+        char const* language;
+        std::int64_t count;
+        char const* category;
+    };
+    for (auto const& row : {
+             Row{"en", 0, "other"},
+             Row{"en", 1, "one"},
+             Row{"en", 2, "other"},
+             Row{"es", 1, "one"},
+             Row{"es_MX", 10, "other"},
+             Row{"pl", 3, "few"},
+             Row{"pl", 5, "many"},
+             Row{"ar", 0, "zero"},
+             Row{"ar", 2, "two"},
+             Row{"ja", 1, "other"},
+             Row{"fr", 0, "one"},
+             Row{"en", -1, "one"},
+             Row{"en", INT64_MIN, "other"},
+             Row{"nonsense", 1, "other"},
+             Row{"", 1, "other"},
+         }) {
+        EXPECT_EQ(Locale{.identifier = row.language}.pluralCategory(row.count), row.category)
+            << row.language << " " << row.count;
+    }
 }
 
 } // namespace

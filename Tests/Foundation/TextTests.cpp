@@ -113,6 +113,14 @@ TEST(CapitalizationTests, eachWordsFirstCasedLetterIsTitleCased) {
     }
 }
 
+TEST(LowercasedTests, aTextIsLoweredTheSameInEveryLocale) {
+    useHostileLocale();
+    EXPECT_EQ(Text::lowercased("SÍ"), "sí");
+    EXPECT_EQ(Text::lowercased("I"), "i");
+    EXPECT_EQ(Text::lowercased(""), "");
+    EXPECT_EQ(Text::lowercased("ya"), "ya");
+}
+
 TEST(GraphemeTests, theFirstClusterIsMeasuredWhole) {
     struct Row {
         std::string_view name;

@@ -46,6 +46,24 @@ TEST(BundleTests, englishTakesThePlaceThatTheUserGaveIt) {
     EXPECT_EQ(Bundle::open(folder.path(), {"en", "es"}).value().text("k"), "text");
 }
 
+TEST(BundleTests, aTextThatGoesWithANumberHasTheFormsOfItsLanguage) {
+    TemporaryFolder const folder;
+    folder.place("en.lproj/Localizable.strings",
+                 R"("d.one" = "day"; "d.other" = "days"; "e.other" = "all";)");
+    folder.place("pl.lproj/Localizable.strings",
+                 R"("d.one" = "dzień"; "d.few" = "dni"; "d.other" = "dnia";)");
+    auto const polish = Bundle::open(folder.path(), {"pl_PL", "pl"}).value();
+    EXPECT_EQ(polish.findCounted("d", 1), "dzień");
+    EXPECT_EQ(polish.findCounted("d", 3), "dni");
+    EXPECT_EQ(polish.findCounted("d", 5), "dnia"); // "many" is not there, so the other form serves.
+    EXPECT_EQ(polish.findCounted("e", 1), "all");
+    EXPECT_EQ(polish.findCounted("f", 1), std::nullopt);
+    auto const english = Bundle::open(folder.path(), {"en"}).value();
+    EXPECT_EQ(english.findCounted("d", 1), "day");
+    EXPECT_EQ(english.findCounted("d", 0), "days");
+    EXPECT_EQ(english.find("d"), std::nullopt);
+}
+
 TEST(BundleTests, aFolderMaySpellItsRegionWithAHyphen) {
     TemporaryFolder const folder;
     folder.place("pt-BR.lproj/Localizable.strings", "\"k\" = \"texto\";");
