@@ -31,3 +31,19 @@ function(quillora_bundle)
     endforeach()
     add_custom_target(quillora_bundle_${arg_NAME} ALL DEPENDS ${copies})
 endfunction()
+
+# quillora_english_table(TARGET <target> TABLE <file> NAMESPACE <namespace>)
+# Builds the content of an English table into <target>, as std::string_view const <namespace>::englishTable,
+# declared where it is used.
+function(quillora_english_table)
+    cmake_parse_arguments(arg "" "TARGET;TABLE;NAMESPACE" "" ${ARGN})
+    cmake_path(ABSOLUTE_PATH arg_TABLE BASE_DIRECTORY "${CMAKE_CURRENT_SOURCE_DIR}" NORMALIZE)
+    set(source "${CMAKE_CURRENT_BINARY_DIR}/EnglishTable.cpp")
+    set(script "${PROJECT_SOURCE_DIR}/CMake/QuilloraEnglishTable.cmake")
+    add_custom_command(OUTPUT "${source}"
+        COMMAND "${CMAKE_COMMAND}" "-DTABLE=${arg_TABLE}" "-DNAMESPACE=${arg_NAMESPACE}" "-DSOURCE=${source}" -P "${script}"
+        DEPENDS "${arg_TABLE}" "${script}"
+        COMMENT "Building ${arg_NAMESPACE}'s English table in"
+        VERBATIM)
+    target_sources(${arg_TARGET} PRIVATE "${source}")
+endfunction()

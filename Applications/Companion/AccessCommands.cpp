@@ -60,19 +60,17 @@ ExitCode reset(Invocation const& invocation) {
 Command accessGroup() {
     return {
         .path = "access",
-        .summary = "whether Quillora may read your calendars",
-        .description =
-            "Quillora reads your calendars only after you agreed. The answer is kept for you alone, "
-            "and the widget and this program share it.",
+        .summary = Texts::text("access-summary"),
+        .description = Texts::text("access-description"),
     };
 }
 
 Command accessStatusCommand() {
     return {
         .path = "access status",
-        .summary = "say whether Quillora may read your calendars",
-        .description = "Says what you answered: granted, denied, or not asked yet.",
-        .examples = {{"quillora access status", "prints for example \"Calendar access: granted\""}},
+        .summary = Texts::text("access-status-summary"),
+        .description = Texts::text("access-status-description"),
+        .examples = {{"quillora access status", Texts::text("access-status-example-1")}},
         .run = status,
     };
 }
@@ -80,10 +78,9 @@ Command accessStatusCommand() {
 Command accessRequestCommand() {
     return {
         .path = "access request",
-        .summary = "ask for your calendars as the widget would",
-        .description = "Asks on the terminal whether Quillora may read your calendars, unless you have "
-                       "answered already.",
-        .examples = {{"quillora access request", "asks, and ends with 1 when access is not granted"}},
+        .summary = Texts::text("access-request-summary"),
+        .description = Texts::text("access-request-description"),
+        .examples = {{"quillora access request", Texts::text("access-request-example-1")}},
         .run = request,
     };
 }
@@ -91,9 +88,8 @@ Command accessRequestCommand() {
 Command accessGrantCommand() {
     return {
         .path = "access grant",
-        .summary = "allow Quillora to read your calendars",
-        .description = "Records that Quillora may read and change your calendars, without a question. "
-                       "The widget shows your day at once.",
+        .summary = Texts::text("access-grant-summary"),
+        .description = Texts::text("access-grant-description"),
         .run = grant,
     };
 }
@@ -101,9 +97,8 @@ Command accessGrantCommand() {
 Command accessDenyCommand() {
     return {
         .path = "access deny",
-        .summary = "forbid Quillora to read your calendars",
-        .description = "Records that Quillora must not read your calendars. The widget says so in place of "
-                       "your day. Your calendars themselves stay as they are.",
+        .summary = Texts::text("access-deny-summary"),
+        .description = Texts::text("access-deny-description"),
         .run = deny,
     };
 }
@@ -111,8 +106,8 @@ Command accessDenyCommand() {
 Command accessResetCommand() {
     return {
         .path = "access reset",
-        .summary = "forget the answer, so that you are asked again",
-        .description = "Forgets what you answered. The next program that wants to read your calendars asks.",
+        .summary = Texts::text("access-reset-summary"),
+        .description = Texts::text("access-reset-description"),
         .run = reset,
     };
 }

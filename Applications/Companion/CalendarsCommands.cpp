@@ -114,20 +114,18 @@ ExitCode show(Invocation const& invocation) {
 Command calendarsGroup() {
     return {
         .path = "calendars",
-        .summary = "choose which calendars are shown",
-        .description = "Every calendar of your sources is shown until you hide it. Hiding changes nothing in "
-                       "the calendar itself.",
+        .summary = Texts::text("calendars-summary"),
+        .description = Texts::text("calendars-description"),
     };
 }
 
 Command calendarsListCommand() {
     return {
         .path = "calendars list",
-        .summary = "list your calendars with their identifiers",
-        .description = "Lists every account with its calendars: identifier, title, colour, and whether it is "
-                       "hidden.",
-        .options = {{.name = "--json", .help = "print one JSON document for programs"}},
-        .examples = {{"quillora calendars list", "shows the identifiers that hide and show take"}},
+        .summary = Texts::text("calendars-list-summary"),
+        .description = Texts::text("calendars-list-description"),
+        .options = {{.name = "--json", .help = Texts::text("option-json")}},
+        .examples = {{"quillora calendars list", Texts::text("calendars-list-example-1")}},
         .run = list,
     };
 }
@@ -135,14 +133,13 @@ Command calendarsListCommand() {
 Command calendarsHideCommand() {
     return {
         .path = "calendars hide",
-        .summary = "hide calendars from the widget",
-        .description = "Leaves the events of these calendars out of the widget and of \"quillora day\". With "
-                       "an identifier that no calendar has, nothing is changed.",
+        .summary = Texts::text("calendars-hide-summary"),
+        .description = Texts::text("calendars-hide-description"),
         .arguments = {{.name = "ID",
-                       .help = "the identifier that \"quillora calendars list\" shows",
+                       .help = Texts::text("calendars-hide-argument-id"),
                        .kind = ValueKind::calendar,
                        .count = CommandArgument::Count::oneOrMore}},
-        .examples = {{"quillora calendars hide k3fa/holidays", "the holidays are no longer shown"}},
+        .examples = {{"quillora calendars hide k3fa/holidays", Texts::text("calendars-hide-example-1")}},
         .run = hide,
     };
 }
@@ -150,14 +147,13 @@ Command calendarsHideCommand() {
 Command calendarsShowCommand() {
     return {
         .path = "calendars show",
-        .summary = "show hidden calendars again",
-        .description = "Shows the events of these calendars again. With an identifier that is neither a "
-                       "calendar's nor hidden, nothing is changed.",
+        .summary = Texts::text("calendars-show-summary"),
+        .description = Texts::text("calendars-show-description"),
         .arguments = {{.name = "ID",
-                       .help = "the identifier that \"quillora calendars list\" shows",
+                       .help = Texts::text("calendars-show-argument-id"),
                        .kind = ValueKind::calendar,
                        .count = CommandArgument::Count::oneOrMore}},
-        .examples = {{"quillora calendars show k3fa/holidays", "the holidays are shown again"}},
+        .examples = {{"quillora calendars show k3fa/holidays", Texts::text("calendars-show-example-1")}},
         .run = show,
     };
 }

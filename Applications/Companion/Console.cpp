@@ -67,12 +67,11 @@ void Console::reportExactly(std::string_view text) const {
 std::optional<bool> Console::ask(std::string_view question) const {
     if (::isatty(STDIN_FILENO) != 1 || ::isatty(STDERR_FILENO) != 1) return std::nullopt;
     for (;;) {
-        writeAll(STDERR_FILENO, std::string(question) + " [y/n] ");
+        writeAll(STDERR_FILENO, std::string(question) + " " + Texts::askHint() + " ");
         auto const line = readLine();
         if (!line) return std::nullopt;
         auto const answer = Foundation::Text::trimmingWhitespacesAndNewlines(*line);
-        if (answer == "y" || answer == "Y" || answer == "yes") return true;
-        if (answer == "n" || answer == "N" || answer == "no") return false;
+        if (auto const isYes = Texts::yesOrNo(answer)) return isYes;
     }
 }
 

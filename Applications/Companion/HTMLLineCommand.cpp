@@ -57,16 +57,9 @@ ExitCode run(Invocation const& invocation) {
 Command htmlLineCommand() {
     return {
         .path = "html-line",
-        .summary = "print the one line that stands for an HTML description",
-        .description =
-            "Reads a meet's description from standard input and prints the line that the widget shows of it: "
-            "HTML becomes its visible text, of which the first line that says something is printed, without "
-            "the dashes and bullets before it. Nothing is fetched and no script runs. A text without \"<\" "
-            "is "
-            "printed as it is.\n\n"
-            "Of HTML the first MiB is read. Control characters and marks that turn the direction of writing "
-            "are shown as replacement characters.",
-        .examples = {{"quillora html-line < invitation.html", "prints what an invitation is about"}},
+        .summary = Texts::text("html-line-summary"),
+        .description = Texts::text("html-line-description"),
+        .examples = {{"quillora html-line < invitation.html", Texts::text("html-line-example-1")}},
         .run = run,
     };
 }

@@ -72,7 +72,7 @@ std::string argumentTerm(CommandArgument const& argument) {
 
 std::string examples(std::vector<CommandExample> const& list) {
     if (list.empty()) return {};
-    std::string page = "\n" + std::string(Texts::examplesHeading) + "\n";
+    std::string page = "\n" + Texts::examplesHeading() + "\n";
     for (auto const& example : list)
         page += std::string(margin, ' ') + example.commandLine + "\n" + wrapped(example.meaning, margin + 4);
     return page;
@@ -94,14 +94,16 @@ std::vector<Command const*> runnableCommands() {
 }
 
 std::string programHelp() {
-    std::string page = wrapped(Texts::programDescription, 0);
-    page += "\n" + std::string(Texts::usageHeading) + "\n";
-    page += "  quillora COMMAND [OPTIONS] [ARGUMENTS]\n  quillora COMMAND --help\n  quillora --version\n";
-    page += section(Texts::commandsHeading, entriesOf(runnableCommands()));
-    page += section(Texts::exitCodesHeading, {{"0", std::string(Texts::exitDone)},
-                                              {"1", std::string(Texts::exitFailed)},
-                                              {"2", std::string(Texts::exitWrongUse)}});
-    page += "\n" + wrapped(Texts::firstSteps, 0);
+    std::string page = wrapped(Texts::programDescription(), 0);
+    page += "\n" + Texts::usageHeading() + "\n";
+    for (auto const& line : {Texts::usageCommand(), Texts::usageCommandHelp()})
+        page += std::string(margin, ' ') + line + "\n";
+    page += "  quillora --version\n";
+    page += section(Texts::commandsHeading(), entriesOf(runnableCommands()));
+    page += section(
+        Texts::exitCodesHeading(),
+        {{"0", Texts::exitDone()}, {"1", Texts::exitFailed()}, {"2", Texts::exitWrongUse()}});
+    page += "\n" + wrapped(Texts::firstSteps(), 0);
     return page;
 }
 
@@ -109,7 +111,7 @@ std::string programHelp() {
 
 std::string synopsis(Command const& command) {
     std::string line = "quillora " + command.path;
-    if (command.run == nullptr) return line + " COMMAND";
+    if (command.run == nullptr) return line + " " + Texts::usageMembers();
     for (auto const& argument : command.arguments)
         line += " " + argumentTerm(argument);
     for (auto const& option : command.options)
@@ -122,19 +124,19 @@ std::string helpText(Command const* command) {
     std::string page = wrapped(command->description, 0);
     auto usage = wrapped(synopsis(*command), margin + 4);
     usage.erase(0, 4); // The first line stands out, those that continue it are indented further.
-    page += "\n" + std::string(Texts::usageHeading) + "\n" + usage;
+    page += "\n" + Texts::usageHeading() + "\n" + usage;
 
     if (command->run == nullptr)
-        page += section(Texts::commandsHeading, entriesOf(commandsBelow(command->path)));
+        page += section(Texts::commandsHeading(), entriesOf(commandsBelow(command->path)));
     std::vector<Entry> arguments;
     for (auto const& argument : command->arguments)
         arguments.push_back({argumentTerm(argument), argument.help});
-    page += section(Texts::argumentsHeading, arguments);
+    page += section(Texts::argumentsHeading(), arguments);
     std::vector<Entry> options;
     for (auto const& option : command->options)
         options.push_back({optionTerm(option), option.help});
-    if (command->run != nullptr) options.push_back({"--help", std::string(Texts::helpOption)});
-    page += section(Texts::optionsHeading, options);
+    if (command->run != nullptr) options.push_back({"--help", Texts::helpOption()});
+    page += section(Texts::optionsHeading(), options);
     page += examples(command->examples);
     return page;
 }

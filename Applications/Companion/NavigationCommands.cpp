@@ -78,9 +78,8 @@ ExitCode today(Invocation const& invocation) {
 Command nextCommand() {
     return {
         .path = "next",
-        .summary = "move the widget to the next day",
-        .description = "Does what the widget's right button does, and prints the day that is shown now. Ten "
-                       "days ahead of today it stays where it is.",
+        .summary = Texts::text("next-summary"),
+        .description = Texts::text("next-description"),
         .run = next,
     };
 }
@@ -88,9 +87,8 @@ Command nextCommand() {
 Command previousCommand() {
     return {
         .path = "previous",
-        .summary = "move the widget to the day before",
-        .description = "Does what the widget's left button does, and prints the day that is shown now. Ten "
-                       "days before today it stays where it is.",
+        .summary = Texts::text("previous-summary"),
+        .description = Texts::text("previous-description"),
         .run = previous,
     };
 }
@@ -98,8 +96,8 @@ Command previousCommand() {
 Command todayCommand() {
     return {
         .path = "today",
-        .summary = "move the widget back to today",
-        .description = "Moves the widget back to today and prints it.",
+        .summary = Texts::text("today-summary"),
+        .description = Texts::text("today-description"),
         .run = today,
     };
 }

@@ -102,40 +102,30 @@ ExitCode run(Invocation const& invocation) {
 Command occurrencesCommand() {
     return {
         .path = "occurrences",
-        .summary = "list what a calendar file or folder holds in an interval",
-        .description =
-            "Expands the events of an iCalendar file, or of a folder of them, and lists every occurrence "
-            "that "
-            "overlaps the interval, earliest first. It reads just what you name: your sources, hidden "
-            "calendars and access play no part.\n\n"
-            "Events that cannot be read are left out; standard error names each with its file, line and "
-            "reason.",
+        .summary = Texts::text("occurrences-summary"),
+        .description = Texts::text("occurrences-description"),
         .options = {{.name = "--from",
                      .valueName = "TIME",
-                     .help =
-                         "the interval's first moment: ISO 8601, a day or a day and time, local to the zone "
-                         "unless it bears an offset",
+                     .help = Texts::text("occurrences-option-from"),
                      .kind = ValueKind::moment,
                      .isRequired = true},
                     {.name = "--to",
                      .valueName = "TIME",
-                     .help = "the first moment after the interval",
+                     .help = Texts::text("occurrences-option-to"),
                      .kind = ValueKind::moment,
                      .isRequired = true},
                     {.name = "--zone",
                      .valueName = "ZONE",
-                     .help = "on whose clocks floating times and whole days are read, for example "
-                             "Europe/Madrid; the system's unless given",
+                     .help = Texts::text("occurrences-option-zone"),
                      .kind = ValueKind::zone},
-                    {.name = "--json",
-                     .help = "print one JSON object a line; whole days bear dates, their end exclusive"}},
+                    {.name = "--json", .help = Texts::text("occurrences-option-json")}},
         .arguments = {{.name = "FILE|DIR",
-                       .help = "an .ics file, or a folder of calendars",
+                       .help = Texts::text("occurrences-argument-file-dir"),
                        .kind = ValueKind::path}},
         .examples = {{"quillora occurrences team.ics --from 2026-03-01 --to 2026-04-01",
-                      "lists the events of March"},
+                      Texts::text("occurrences-example-1")},
                      {"quillora occurrences ~/.calendars --from 2026-03-11 --to 2026-03-12 --json",
-                      "prints one day of all calendars in a folder for a program"}},
+                      Texts::text("occurrences-example-2")}},
         .run = run,
     };
 }

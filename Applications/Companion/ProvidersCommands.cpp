@@ -151,7 +151,7 @@ void removeProvider(Session const& session) {
 }
 
 CommandArgument idArgument() {
-    return {.name = "ID", .help = "the id that \"quillora providers list\" shows"};
+    return {.name = "ID", .help = Texts::text("option-id")};
 }
 
 } // namespace
@@ -159,21 +159,18 @@ CommandArgument idArgument() {
 Command providersGroup() {
     return {
         .path = "providers",
-        .summary = "the calendar providers that the widget shows",
-        .description = "A registered and enabled calendar provider switches the widget on. Registrations are "
-                       "kept in an encrypted database, whose key is in your keyring.",
+        .summary = Texts::text("providers-summary"),
+        .description = Texts::text("providers-description"),
     };
 }
 
 Command providersListCommand() {
     return {
         .path = "providers list",
-        .summary = "list the registered providers",
-        .description = "Lists the registered providers, oldest first: id, name, e-mail address, whether it "
-                       "is enabled, and description.",
-        .options = {{.name = "--json", .help = "print one JSON document for programs"}},
-        .examples = {{"quillora providers list",
-                      "prints for example \"eventKit  Calendars on this computer  ann@host  enabled\""}},
+        .summary = Texts::text("providers-list-summary"),
+        .description = Texts::text("providers-list-description"),
+        .options = {{.name = "--json", .help = Texts::text("option-json")}},
+        .examples = {{"quillora providers list", Texts::text("providers-list-example-1")}},
         .run = [](Invocation const& invocation) { return onRegistry(invocation, listProviders); },
     };
 }
@@ -181,19 +178,25 @@ Command providersListCommand() {
 Command providersAddCommand() {
     return {
         .path = "providers add",
-        .summary = "register a provider",
-        .description = "Registers the calendars of this computer as a provider and enables it. One can be "
-                       "registered.",
-        .options =
-            {{.name = "--id", .valueName = "ID", .help = "what to call it in commands", .isRequired = true},
-             {.name = "--email",
-              .valueName = "EMAIL",
-              .help = "the e-mail address of the account",
-              .isRequired = true},
-             {.name = "--name", .valueName = "NAME", .help = "its name", .isRequired = true},
-             {.name = "--description", .valueName = "TEXT", .help = "anything worth knowing"}},
+        .summary = Texts::text("providers-add-summary"),
+        .description = Texts::text("providers-add-description"),
+        .options = {{.name = "--id",
+                     .valueName = "ID",
+                     .help = Texts::text("providers-add-option-id"),
+                     .isRequired = true},
+                    {.name = "--email",
+                     .valueName = "EMAIL",
+                     .help = Texts::text("providers-add-option-email"),
+                     .isRequired = true},
+                    {.name = "--name",
+                     .valueName = "NAME",
+                     .help = Texts::text("providers-add-option-name"),
+                     .isRequired = true},
+                    {.name = "--description",
+                     .valueName = "TEXT",
+                     .help = Texts::text("providers-add-option-description")}},
         .examples = {{"quillora providers add --id eventKit --email ann@host --name \"My calendars\"",
-                      "switches the widget on"}},
+                      Texts::text("providers-add-example-1")}},
         .run = [](Invocation const& invocation) { return onRegistry(invocation, addProvider); },
     };
 }
@@ -201,13 +204,17 @@ Command providersAddCommand() {
 Command providersEditCommand() {
     return {
         .path = "providers edit",
-        .summary = "change a provider's name, address or description",
-        .description = "Changes what is given and leaves the rest as it is.",
-        .options = {{.name = "--email", .valueName = "EMAIL", .help = "the e-mail address of the account"},
-                    {.name = "--name", .valueName = "NAME", .help = "its name"},
-                    {.name = "--description", .valueName = "TEXT", .help = "anything worth knowing"}},
+        .summary = Texts::text("providers-edit-summary"),
+        .description = Texts::text("providers-edit-description"),
+        .options =
+            {{.name = "--email", .valueName = "EMAIL", .help = Texts::text("providers-edit-option-email")},
+             {.name = "--name", .valueName = "NAME", .help = Texts::text("providers-edit-option-name")},
+             {.name = "--description",
+              .valueName = "TEXT",
+              .help = Texts::text("providers-edit-option-description")}},
         .arguments = {idArgument()},
-        .examples = {{"quillora providers edit eventKit --email ann@home", "changes its address"}},
+        .examples = {{"quillora providers edit eventKit --email ann@home",
+                      Texts::text("providers-edit-example-1")}},
         .run = [](Invocation const& invocation) { return onRegistry(invocation, editProvider); },
     };
 }
@@ -215,10 +222,10 @@ Command providersEditCommand() {
 Command providersEnableCommand() {
     return {
         .path = "providers enable",
-        .summary = "show a provider's calendars again",
-        .description = "Enables a registered provider. The widget shows its calendars at once.",
+        .summary = Texts::text("providers-enable-summary"),
+        .description = Texts::text("providers-enable-description"),
         .arguments = {idArgument()},
-        .examples = {{"quillora providers enable eventKit", "its meets are shown again"}},
+        .examples = {{"quillora providers enable eventKit", Texts::text("providers-enable-example-1")}},
         .run =
             [](Invocation const& invocation) {
                 return onRegistry(invocation, [](Session const& session) { switchProvider(session, true); });
@@ -229,11 +236,10 @@ Command providersEnableCommand() {
 Command providersDisableCommand() {
     return {
         .path = "providers disable",
-        .summary = "stop showing a provider's calendars",
-        .description = "Disables a registered provider: the widget no longer shows its calendars. It stays "
-                       "registered.",
+        .summary = Texts::text("providers-disable-summary"),
+        .description = Texts::text("providers-disable-description"),
         .arguments = {idArgument()},
-        .examples = {{"quillora providers disable eventKit", "its meets are no longer shown"}},
+        .examples = {{"quillora providers disable eventKit", Texts::text("providers-disable-example-1")}},
         .run =
             [](Invocation const& invocation) {
                 return onRegistry(invocation, [](Session const& session) { switchProvider(session, false); });
@@ -244,11 +250,10 @@ Command providersDisableCommand() {
 Command providersRemoveCommand() {
     return {
         .path = "providers remove",
-        .summary = "forget a provider",
-        .description = "Removes a registration. Your calendars themselves stay as they are. An id that is "
-                       "not registered is no error.",
+        .summary = Texts::text("providers-remove-summary"),
+        .description = Texts::text("providers-remove-description"),
         .arguments = {idArgument()},
-        .examples = {{"quillora providers remove eventKit", "its meets are no longer shown"}},
+        .examples = {{"quillora providers remove eventKit", Texts::text("providers-remove-example-1")}},
         .run = [](Invocation const& invocation) { return onRegistry(invocation, removeProvider); },
     };
 }

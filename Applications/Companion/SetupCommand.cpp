@@ -182,22 +182,16 @@ ExitCode run(Invocation const& invocation) {
 Command setupCommand() {
     return {
         .path = "setup",
-        .summary = "prepare Quillora on this computer",
-        .description =
-            "Asks whether Quillora may read your calendars, makes its own calendar, switches the calendars "
-            "of "
-            "this computer on, and offers the folders in which it finds calendars of other programs. It says "
-            "what it did, and can be run again at any time: what is done already stays.",
-        .options = {{.name = "--yes",
-                     .help = "ask nothing: allow access and add every folder that was found"},
+        .summary = Texts::text("setup-summary"),
+        .description = Texts::text("setup-description"),
+        .options = {{.name = "--yes", .help = Texts::text("setup-option-yes")},
                     {.name = "--keychain",
                      .valueName = "KEYCHAIN",
-                     .help = "register the calendars as a provider, and keep the key of the registrations in "
-                             "the desktop's keyring or in a file that only you can read",
+                     .help = Texts::text("setup-option-keychain"),
                      .choices = {"secret-service", "file"}}},
-        .examples = {{"quillora setup", "asks and prepares"},
-                     {"quillora setup --yes", "prepares without a question, for scripts"},
-                     {"quillora setup --keychain file", "the same where no keyring runs"}},
+        .examples = {{"quillora setup", Texts::text("setup-example-1")},
+                     {"quillora setup --yes", Texts::text("setup-example-2")},
+                     {"quillora setup --keychain file", Texts::text("setup-example-3")}},
         .run = run,
     };
 }

@@ -109,21 +109,18 @@ ExitCode remove(Invocation const& invocation) {
 Command sourcesGroup() {
     return {
         .path = "sources",
-        .summary = "the folders that your calendars are read from",
-        .description =
-            "A source is a folder of iCalendar files: one sub-folder a calendar with one .ics file "
-            "an event, as synchronising programs keep them, or whole calendars as .ics files. "
-            "Quillora reads them where they are.",
+        .summary = Texts::text("sources-summary"),
+        .description = Texts::text("sources-description"),
     };
 }
 
 Command sourcesListCommand() {
     return {
         .path = "sources list",
-        .summary = "list the calendar folders",
-        .description = "Lists the folders that were added, each with its short id, title and path.",
-        .options = {{.name = "--json", .help = "print one JSON document for programs"}},
-        .examples = {{"quillora sources list", "prints for example \"k3fa  Home  /home/ann/.calendars\""}},
+        .summary = Texts::text("sources-list-summary"),
+        .description = Texts::text("sources-list-description"),
+        .options = {{.name = "--json", .help = Texts::text("option-json")}},
+        .examples = {{"quillora sources list", Texts::text("sources-list-example-1")}},
         .run = list,
     };
 }
@@ -131,17 +128,17 @@ Command sourcesListCommand() {
 Command sourcesAddCommand() {
     return {
         .path = "sources add",
-        .summary = "add a folder of calendars",
-        .description = "Adds a folder whose calendars are shown from now on. Nothing is copied or changed in "
-                       "it. A folder that is missing, unreadable or added already is refused.",
+        .summary = Texts::text("sources-add-summary"),
+        .description = Texts::text("sources-add-description"),
         .options = {{.name = "--title",
                      .valueName = "TITLE",
-                     .help = "what to call it; its name unless given"}},
-        .arguments = {{.name = "DIR", .help = "the folder", .kind = ValueKind::folder}},
-        .examples = {{"quillora sources add ~/.calendars",
-                      "shows the calendars that another program keeps there"},
+                     .help = Texts::text("sources-add-option-title")}},
+        .arguments = {{.name = "DIR",
+                       .help = Texts::text("sources-add-argument-dir"),
+                       .kind = ValueKind::folder}},
+        .examples = {{"quillora sources add ~/.calendars", Texts::text("sources-add-example-1")},
                      {"quillora sources add ~/Exports --title \"Old job\"",
-                      "the same under a title of your own"}},
+                      Texts::text("sources-add-example-2")}},
         .run = add,
     };
 }
@@ -149,12 +146,12 @@ Command sourcesAddCommand() {
 Command sourcesRemoveCommand() {
     return {
         .path = "sources remove",
-        .summary = "stop reading a folder of calendars",
-        .description = "Takes a folder off the list. The folder and its files stay as they are.",
+        .summary = Texts::text("sources-remove-summary"),
+        .description = Texts::text("sources-remove-description"),
         .arguments = {{.name = "ID|PATH",
-                       .help = "the id that \"quillora sources list\" shows, or the folder",
+                       .help = Texts::text("sources-remove-argument-id-path"),
                        .kind = ValueKind::source}},
-        .examples = {{"quillora sources remove ~/.calendars", "its calendars are no longer shown"}},
+        .examples = {{"quillora sources remove ~/.calendars", Texts::text("sources-remove-example-1")}},
         .run = remove,
     };
 }

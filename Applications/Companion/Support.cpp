@@ -20,7 +20,8 @@ std::unique_ptr<Composition::LiveServices> liveServices(Invocation const& invoca
         Composition::LiveServicesOptions{
             .fixedMoment = fixedMoment,
             // The question goes to standard error: standard output belongs to the answer.
-            .consentPrompt = std::make_shared<Platform::TerminalConsentPrompt>(STDIN_FILENO, STDERR_FILENO),
+            .consentPrompt = std::make_shared<Platform::TerminalConsentPrompt>(STDIN_FILENO, STDERR_FILENO,
+                                                                               Texts::consent()),
             .logSink = std::make_shared<ConsoleLogSink>(invocation.console, invocation.environment),
         });
 }

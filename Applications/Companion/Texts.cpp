@@ -1,396 +1,492 @@
 #include "Applications/Companion/Texts.h"
 
+#include "Applications/Composition/ProgramTexts.h"
+#include "Applications/Composition/Texts.h"
 #include "Foundation/Text.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <fmt/format.h>
+#include <ranges>
 
-namespace Companion::Texts {
+namespace Companion {
+
+extern std::string_view const englishTable; // Built in from Resources/en.lproj.
+
+namespace Texts {
 
 using Platform::EKAuthorizationStatus;
 
 namespace {
 
+Composition::ProgramTexts& words() {
+    static constexpr char marker = 0;
+    static Composition::ProgramTexts texts("Companion_Companion", &marker, englishTable);
+    return texts;
+}
+
+// The text of `key` with its places filled, in the order in which the values stand here.
+template <typename... Values>
+    requires(sizeof...(Values) > 0)
+std::string text(std::string_view key, Values const&... values) {
+    return words().text(key, {std::string(values)...});
+}
+
+// The form of the text that goes with `count`, which is its first value.
+template <typename... Values>
+std::string counted(std::string_view key, std::int64_t count, Values const&... values) {
+    return words().counted(key, count, {std::to_string(count), std::string(values)...});
+}
+
 // What a person typed, made harmless and short enough for one line.
 std::string quoted(std::string_view value) {
     constexpr std::size_t longest = 60;
     auto const harmless = Foundation::Text::neutralized(Foundation::Text::sanitizedUTF8(value));
-    return fmt::format("\"{}\"", Foundation::Text::truncated(harmless, longest));
+    return text("quoted", Foundation::Text::truncated(harmless, longest));
 }
 
 std::string seeHelp(std::string_view command) {
-    return fmt::format("see \"quillora {}{}--help\"", command, command.empty() ? "" : " ");
+    return command.empty() ? Texts::text("see-help") : text("see-help-of", command);
 }
 
 // "a, b or c"
 std::string alternatives(std::vector<std::string> const& words) {
     std::string list;
     for (std::size_t index = 0; index < words.size(); ++index) {
-        if (index > 0) list += index + 1 == words.size() ? " or " : ", ";
-        list += words[index];
+        bool const isLast = index + 1 == words.size();
+        list = index == 0 ? words[index]
+               : isLast   ? text("alternatives-last", list, words[index])
+                          : text("alternatives-next", list, words[index]);
     }
     return list;
 }
 
-std::string dayCount(std::int64_t days) {
-    return days == 1 ? "1 day" : fmt::format("{} days", days);
+} // namespace
+
+void useLanguages(std::vector<std::string> const& languages) {
+    words().useLanguages(languages);
+    Composition::Texts::useLanguages(languages);
 }
 
-} // namespace
+std::string text(std::string_view key) {
+    return words().text(key);
+}
 
 std::string version() {
     return "quillora " QUILLORA_VERSION;
 }
 
+std::string programDescription() {
+    return text("program-description");
+}
+
+std::string firstSteps() {
+    return text("first-steps");
+}
+
+std::string usageHeading() {
+    return text("usage-heading");
+}
+
+std::string commandsHeading() {
+    return text("commands-heading");
+}
+
+std::string argumentsHeading() {
+    return text("arguments-heading");
+}
+
+std::string optionsHeading() {
+    return text("options-heading");
+}
+
+std::string examplesHeading() {
+    return text("examples-heading");
+}
+
+std::string exitCodesHeading() {
+    return text("exit-codes-heading");
+}
+
+std::string exitDone() {
+    return text("exit-done");
+}
+
+std::string exitFailed() {
+    return text("exit-failed");
+}
+
+std::string exitWrongUse() {
+    return text("exit-wrong-use");
+}
+
+std::string helpOption() {
+    return text("help-option");
+}
+
+std::string usageCommand() {
+    return text("usage-command");
+}
+
+std::string usageCommandHelp() {
+    return text("usage-command-help");
+}
+
+std::string usageMembers() {
+    return text("usage-members");
+}
+
+std::string askHint() {
+    return text("ask-hint");
+}
+
+std::optional<bool> yesOrNo(std::string_view answer) {
+    auto const given = Foundation::Text::lowercased(Foundation::Text::sanitizedUTF8(answer));
+    auto const isOneOf = [&](std::string const& answers) {
+        return std::ranges::any_of(std::views::split(answers, ' '),
+                                   [&](auto const& accepted) { return std::ranges::equal(accepted, given); });
+    };
+    if (isOneOf(text("ask-yes"))) return true;
+    if (isOneOf(text("ask-no"))) return false;
+    return std::nullopt;
+}
+
+Platform::TerminalConsentTexts consent() {
+    return {.question = text("consent-question"), .again = text("consent-again"), .yesOrNo = yesOrNo};
+}
+
 std::string unknownCommand(std::string_view path) {
-    return fmt::format("there is no command {}; {}", quoted(path), seeHelp(""));
+    return text("unknown-command", quoted(path), seeHelp(""));
 }
 
 std::string missingSubcommand(std::string_view group, std::vector<std::string> const& members) {
-    return fmt::format("{} needs a command: {}; {}", group, alternatives(members), seeHelp(group));
+    return text("missing-subcommand", group, alternatives(members), seeHelp(group));
 }
 
 std::string unknownOption(std::string_view command, std::string_view option) {
-    return fmt::format("there is no option {}; {}", quoted(option), seeHelp(command));
+    return text("unknown-option", quoted(option), seeHelp(command));
 }
 
 std::string missingOption(std::string_view command, std::string_view option) {
-    return fmt::format("{} needs {}; {}", command, option, seeHelp(command));
+    return text("missing-option", command, option, seeHelp(command));
 }
 
 std::string unknownChoice(std::string_view option, std::string_view value,
                           std::vector<std::string> const& choices) {
-    return fmt::format("{} takes {}, not {}", option, alternatives(choices), quoted(value));
+    return text("unknown-choice", option, alternatives(choices), quoted(value));
 }
 
 std::string optionsExclude(std::string_view option, std::string_view other) {
-    return fmt::format("{} and {} cannot be given together", option, other);
+    return text("options-exclude", option, other);
 }
 
 std::string missingValue(std::string_view command, std::string_view option, std::string_view value) {
-    return fmt::format("{} needs a value: {}; {}", option, value, seeHelp(command));
+    return text("missing-value", option, value, seeHelp(command));
 }
 
 std::string repeatedOption(std::string_view option) {
-    return fmt::format("{} can be given only once", option);
+    return text("repeated-option", option);
 }
 
 std::string badOptions(std::string_view command, std::string_view reason) {
-    return fmt::format("{}; {}", Foundation::Text::sanitizedUTF8(reason), seeHelp(command));
+    return text("bad-options", Foundation::Text::sanitizedUTF8(reason), seeHelp(command));
 }
 
 std::string missingArgument(std::string_view command, std::string_view argument) {
-    return fmt::format("{} needs {}; {}", command, argument, seeHelp(command));
+    return text("missing-argument", command, argument, seeHelp(command));
 }
 
 std::string unexpectedArgument(std::string_view command, std::string_view argument) {
-    return fmt::format("{} does not take {}; {}", command, quoted(argument), seeHelp(command));
+    return text("unexpected-argument", command, quoted(argument), seeHelp(command));
 }
 
 std::string notANumber(std::string_view option, std::string_view value) {
-    return fmt::format("{} takes a whole number such as 1 or -3, not {}", option, quoted(value));
+    return text("not-a-number", option, quoted(value));
 }
 
 std::string notAMoment(std::string_view option, std::string_view value) {
-    return fmt::format(
-        "{} takes a moment such as 2026-03-11, 2026-03-11T09:00 or 2026-03-11T09:00:00Z, not {}", option,
-        quoted(value));
+    return text("not-a-moment", option, quoted(value));
 }
 
 std::string notADay(std::string_view option, std::string_view value) {
-    return fmt::format("{} takes a date such as 2026-03-11, not {}", option, quoted(value));
+    return text("not-a-day", option, quoted(value));
 }
 
 std::string noSuchDay(std::int64_t offset) {
-    return fmt::format("the calendar has no day {} days from today; it knows the years 1 to 9999", offset);
+    return text("no-such-day", std::to_string(offset));
 }
 
 std::string unknownZone(std::string_view value) {
-    return fmt::format("--zone takes the name of a time zone such as Europe/Madrid, not {}", quoted(value));
+    return text("unknown-zone", quoted(value));
 }
 
 std::string intervalIsBackwards() {
-    return "--to lies before --from; exchange them";
+    return text("interval-is-backwards");
 }
 
 std::string badScale(std::string_view value, double largest) {
-    return fmt::format("--scale takes a number above 0 and at most {}, not {}", largest, quoted(value));
+    return text("bad-scale", fmt::format("{}", largest), quoted(value));
 }
 
 std::string oneOutputAtATime() {
-    return "standard output takes one thing at a time; name files for the others";
+    return text("one-output-at-a-time");
 }
 
 std::string blankTitle() {
-    return "--title takes a text that is not blank";
+    return text("blank-title");
 }
 
 std::string cannotResolvePath(std::string_view path, std::string_view reason) {
-    return fmt::format("{} cannot be made an absolute path: {}", quoted(path), reason);
+    return text("cannot-resolve-path", quoted(path), reason);
 }
 
 std::string noSuchPath(std::string_view path) {
-    return fmt::format("there is no file or folder {}", path);
+    return text("no-such-path", path);
 }
 
 std::string noSuchFolder(std::string_view path) {
-    return fmt::format("there is no folder {}", path);
+    return text("no-such-folder", path);
 }
 
 std::string notAFolder(std::string_view path) {
-    return fmt::format("{} is not a folder", path);
+    return text("not-a-folder", path);
 }
 
 std::string unreadableFolder(std::string_view path, std::string_view reason) {
-    return fmt::format("the folder {} cannot be read: {}", path, reason);
+    return text("unreadable-folder", path, reason);
 }
 
 std::string unreadableFile(std::string_view path, std::string_view reason) {
-    return fmt::format("the file {} cannot be read: {}", path, reason);
+    return text("unreadable-file", path, reason);
 }
 
 std::string outputIsAFolder(std::string_view path) {
-    return fmt::format("{} is a folder; name a file to write", path);
+    return text("output-is-a-folder", path);
 }
 
 std::string cannotWrite(std::string_view path, std::string_view reason) {
-    return fmt::format("{} could not be written, and stays as it was: {}", path, reason);
+    return text("cannot-write", path, reason);
 }
 
 std::string cannotWriteOutput(std::string_view reason) {
-    return fmt::format("standard output could not be written: {}", reason);
+    return text("cannot-write-output", reason);
 }
 
 std::string unreadableInput(std::string_view reason) {
-    return fmt::format("standard input could not be read: {}", reason);
+    return text("unreadable-input", reason);
 }
 
 std::string inputIsTooLarge(std::size_t mostMebibytes) {
-    return fmt::format(
-        "standard input holds more than {} MiB, so nothing was printed; give the description alone",
-        mostMebibytes);
+    return text("input-is-too-large", std::to_string(mostMebibytes));
 }
 
 std::string cannotEncodeJSON() {
-    return "a text or number of the calendars cannot be written as JSON";
+    return text("cannot-encode-json");
 }
 
 std::string noHome() {
-    return "neither HOME nor XDG_CONFIG_HOME and XDG_DATA_HOME name a folder, so there is no place for "
-           "Quillora's files; set HOME";
+    return text("no-home");
 }
 
 std::string unexpectedFailure(std::string_view reason) {
-    return fmt::format("something unexpected went wrong: {}", Foundation::Text::sanitizedUTF8(reason));
+    return text("unexpected-failure", Foundation::Text::sanitizedUTF8(reason));
 }
 
 std::string accessStatus(EKAuthorizationStatus status) {
     switch (status) {
-    case EKAuthorizationStatus::notDetermined: return "Calendar access: not asked yet";
-    case EKAuthorizationStatus::restricted:
-        return "Calendar access: restricted by this computer's administrator";
-    case EKAuthorizationStatus::denied: return "Calendar access: denied";
-    case EKAuthorizationStatus::fullAccess: return "Calendar access: granted";
-    case EKAuthorizationStatus::writeOnly: return "Calendar access: write-only, which counts as denied";
+    case EKAuthorizationStatus::notDetermined: return text("access-not-determined");
+    case EKAuthorizationStatus::restricted: return text("access-restricted");
+    case EKAuthorizationStatus::denied: return text("access-denied");
+    case EKAuthorizationStatus::fullAccess: return text("access-granted");
+    case EKAuthorizationStatus::writeOnly: return text("access-write-only");
     }
     // A record of a newer version.
-    return fmt::format("Calendar access: unknown ({}), which counts as denied",
-                       static_cast<std::int64_t>(status));
+    return text("access-unknown", std::to_string(static_cast<std::int64_t>(status)));
 }
 
 std::string accessIsMissing() {
-    return "Quillora may not read your calendars; allow it with \"quillora setup\" or \"quillora access "
-           "grant\"";
+    return text("access-is-missing");
 }
 
 std::string accessNotGranted() {
-    return "Quillora may not read your calendars; \"quillora access grant\" allows it without a question";
+    return text("access-not-granted");
 }
 
 std::string calendarsAreNotSetUp() {
-    return "the calendars of this computer are not switched on yet; run \"quillora setup\"";
+    return text("calendars-are-not-set-up");
 }
 
 std::string nobodyWasAsked() {
-    return "calendar access was not granted, because nobody could be asked; run \"quillora setup\" in a "
-           "terminal, "
-           "or \"quillora setup --yes\"";
+    return text("nobody-was-asked");
 }
 
 std::string ownCalendarMade(std::string_view path) {
-    return fmt::format("Made Quillora's own calendar: {}", path);
+    return text("own-calendar-made", path);
 }
 
 std::string ownCalendarIsThere(std::string_view path) {
-    return fmt::format("Quillora's own calendar is there: {}", path);
+    return text("own-calendar-is-there", path);
 }
 
 std::string accountEnabled() {
-    return "The calendars of this computer are switched on";
+    return text("account-enabled");
 }
 
 std::string accountsNotSaved() {
-    return "the calendars of this computer could not be switched on: the shared folder cannot be written";
+    return text("accounts-not-saved");
 }
 
 std::string keychainChosen(bool isFile) {
-    if (!isFile) return "The key of the registrations is kept in the desktop's keyring";
-    return "The key of the registrations is kept in a file that only you can read. That protects them from "
-           "other users of this computer, but not from the programs that you run, nor from who gets hold of "
-           "its disk or of a backup";
+    return isFile ? text("keychain-is-file") : text("keychain-is-keyring");
 }
 
 std::string thisComputersCalendars() {
-    return "Calendars on this computer";
+    return text("this-computers-calendars");
 }
 
 std::string offerFolder(std::string_view path) {
-    return fmt::format("There are calendars in {}. Show them?", path);
+    return text("offer-folder", path);
 }
 
 std::string folderIsAdded(std::string_view path) {
-    return fmt::format("The calendars in {} are shown already", path);
+    return text("folder-is-added", path);
 }
 
 std::string folderLeftOut(std::string_view path) {
-    return fmt::format("Left out the calendars in {0}; add them with \"quillora sources add {0}\"", path);
+    return text("folder-left-out", path);
 }
 
 std::string setupIsDone() {
-    return "Add calendars with \"quillora sources add DIR\"; see your day with \"quillora day\"";
+    return text("setup-is-done");
 }
 
 std::string problemOf(std::string_view path, std::string_view problem) {
-    return fmt::format("{}: {}", path, problem);
+    return text("problem-of", path, problem);
 }
 
 std::string noSources() {
-    return "No folder was added yet; add one with \"quillora sources add DIR\"";
+    return text("no-sources");
 }
 
 std::string sourceIsKnown(std::string_view path, std::string_view title) {
-    return fmt::format("{} is a source already, under the title {}", path, quoted(title));
+    return text("source-is-known", path, quoted(title));
 }
 
 std::string sourceAdded(std::string_view title, std::string_view path, std::string_view id) {
-    return fmt::format("Added {} ({}) as {}", quoted(title), path, id);
+    return text("source-added", quoted(title), path, id);
 }
 
 std::string sourceRemoved(std::string_view title, std::string_view path) {
-    return fmt::format("Removed {} ({}); its files stay", quoted(title), path);
+    return text("source-removed", quoted(title), path);
 }
 
 std::string unknownSource(std::string_view name) {
-    return fmt::format("no source has the id or path {}; \"quillora sources list\" shows them", quoted(name));
+    return text("unknown-source", quoted(name));
 }
 
 std::string folderHoldsNoCalendars(std::string_view path) {
-    return fmt::format("{} holds no .ics file yet, neither itself nor in a folder directly below", path);
+    return text("folder-holds-no-calendars", path);
 }
 
 std::string noCalendars() {
-    return "There are no calendars yet; run \"quillora setup\", then \"quillora sources add DIR\"";
+    return text("no-calendars");
 }
 
 std::string hiddenMark() {
-    return "hidden";
+    return text("hidden-mark");
 }
 
 std::string unknownCalendar(std::string_view identifier) {
-    return fmt::format("no calendar has the identifier {}; \"quillora calendars list\" shows them",
-                       quoted(identifier));
+    return text("unknown-calendar", quoted(identifier));
 }
 
 std::string calendarHidden(std::string_view title) {
-    return fmt::format("Hid {}", quoted(title));
+    return text("calendar-hidden", quoted(title));
 }
 
 std::string calendarShown(std::string_view title) {
-    return fmt::format("Shows {}", quoted(title));
+    return text("calendar-shown", quoted(title));
 }
 
 std::string hiddenCalendarsNotSaved() {
-    return "the hidden calendars could not be saved and stay as they were: the shared folder cannot be "
-           "written";
+    return text("hidden-calendars-not-saved");
 }
 
 std::string moreProblems(std::size_t count) {
-    return fmt::format("{} more of these; QUILLORA_LOG=error shows them all", count);
+    return counted("more-problems", static_cast<std::int64_t>(count));
 }
 
 std::string noProviders() {
-    return "No calendar provider is registered yet; register one with \"quillora providers add\"";
+    return text("no-providers");
 }
 
 std::string providerState(bool isEnabled) {
-    return isEnabled ? "enabled" : "disabled";
+    return isEnabled ? text("provider-is-enabled") : text("provider-is-disabled");
 }
 
 std::string providersNotRead() {
-    return "the registered providers could not be read";
+    return text("providers-not-read");
 }
 
 std::string providerNotRegistered(std::string_view id) {
-    return fmt::format("the provider {} was not registered", quoted(id));
+    return text("provider-not-registered", quoted(id));
 }
 
 std::string providerRegistered(std::string_view name, std::string_view email, std::string_view id) {
-    return fmt::format("Registered {} ({}) as {}", quoted(name), quoted(email), quoted(id));
+    return text("provider-registered", quoted(name), quoted(email), quoted(id));
 }
 
 std::string nothingToEdit() {
-    return "providers edit needs --email, --name or --description; see \"quillora providers edit --help\"";
+    return text("nothing-to-edit");
 }
 
 std::string providerNotChanged(std::string_view id) {
-    return fmt::format("the provider {} was not changed", quoted(id));
+    return text("provider-not-changed", quoted(id));
 }
 
 std::string providerChanged(std::string_view name, std::string_view email) {
-    return fmt::format("The provider is now {} ({})", quoted(name), quoted(email));
+    return text("provider-changed", quoted(name), quoted(email));
 }
 
 std::string providerSwitched(std::string_view name, bool isEnabled) {
-    return fmt::format("{} {}", isEnabled ? "Enabled" : "Disabled", quoted(name));
+    return isEnabled ? text("provider-enabled", quoted(name)) : text("provider-disabled", quoted(name));
 }
 
 std::string providerNotRemoved(std::string_view id) {
-    return fmt::format("the provider {} was not removed", quoted(id));
+    return text("provider-not-removed", quoted(id));
 }
 
 std::string providerRemoved(std::string_view name) {
-    return fmt::format("Removed {}", quoted(name));
+    return text("provider-removed", quoted(name));
 }
 
 std::string providerIsGone(std::string_view id) {
-    return fmt::format("No provider is registered as {}", quoted(id));
+    return text("provider-is-gone", quoted(id));
 }
 
 std::string mirrorNotSaved() {
-    return "the registered providers were changed, but the widget could not be told: the shared folder "
-           "cannot "
-           "be written; make it writable, then run the same \"quillora providers enable\" or \"disable\" "
-           "once more";
+    return text("mirror-not-saved");
 }
 
 std::string dayShown(std::string_view weekday, std::string_view date, std::int64_t offset,
                      std::int64_t furthest) {
-    if (offset == 0) return fmt::format("{} {} (today)", weekday, date);
+    if (offset == 0) return text("day-shown-today", weekday, date);
     // The smallest 64-bit number has no opposite; such an offset comes from a file by another hand.
     auto const days = offset < 0 ? -std::max(offset, -INT64_MAX) : offset;
-    return fmt::format("{} {} ({} {}{})", weekday, date, dayCount(days), offset > 0 ? "ahead" : "back",
-                       days == furthest ? ", as far as it goes" : "");
+    if (offset > 0)
+        return days == furthest ? counted("day-shown-furthest-ahead", days, weekday, date)
+                                : counted("day-shown-ahead", days, weekday, date);
+    return days == furthest ? counted("day-shown-furthest-back", days, weekday, date)
+                            : counted("day-shown-back", days, weekday, date);
 }
 
 std::string dayNotSaved() {
-    return "the day could not be saved and stays as it was: the shared folder cannot be written";
+    return text("day-not-saved");
 }
 
 std::string storedDayIsOutOfRange(std::int64_t offset) {
-    return fmt::format(
-        "the stored day is {} days from today, from where there is no further step; go back with "
-        "\"quillora today\"",
-        offset);
+    return text("stored-day-is-out-of-range", std::to_string(offset));
 }
 
-} // namespace Companion::Texts
+} // namespace Texts
+} // namespace Companion

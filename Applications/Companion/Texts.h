@@ -1,37 +1,51 @@
 #pragma once
 
 #include "Platform/EventStore/EKEventStore.h"
+#include "Platform/EventStore/Folder/TerminalConsentPrompt.h"
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-/// What the program says in its own words, in one place; what commands and options mean stands in the command
-/// table. Errors tell what failed, with the value that matters, and what the person can do. None ends with a
-/// line feed.
+/// What the program says, in one place. The words stand in the tables in Resources/, a table a language; here
+/// each text has its name and the values that it tells. Errors tell what failed, with the value that matters,
+/// and what the person can do. None ends with a line feed.
 namespace Companion::Texts {
 
+/// Speaks these languages from now on, best first. English until then. Once, before other threads are
+/// started.
+void useLanguages(std::vector<std::string> const& languages);
+
+/// The text of `key`, for what the command table says of commands and options.
+std::string text(std::string_view key);
+
 // Help.
-inline constexpr std::string_view programDescription = "Quillora shows your day on the desktop. This program "
-                                                       "sets it up and does from a terminal or a script what "
-                                                       "the widget does with its buttons.";
-inline constexpr std::string_view firstSteps =
-    "To begin: \"quillora setup\", then \"quillora sources add DIR\" for a folder of calendars, then "
-    "\"quillora day\". Each command explains itself with --help.";
-inline constexpr std::string_view usageHeading = "Usage:";
-inline constexpr std::string_view commandsHeading = "Commands:";
-inline constexpr std::string_view argumentsHeading = "Arguments:";
-inline constexpr std::string_view optionsHeading = "Options:";
-inline constexpr std::string_view examplesHeading = "Examples:";
-inline constexpr std::string_view exitCodesHeading = "Exit codes:";
-inline constexpr std::string_view exitDone = "done";
-inline constexpr std::string_view exitFailed = "it failed; standard error says why";
-inline constexpr std::string_view exitWrongUse =
-    "wrong use: an unknown option, family, date, folder and the like; nothing was changed";
-inline constexpr std::string_view helpOption = "print this help";
+std::string programDescription();
+std::string firstSteps();
+std::string usageHeading();
+std::string commandsHeading();
+std::string argumentsHeading();
+std::string optionsHeading();
+std::string examplesHeading();
+std::string exitCodesHeading();
+std::string exitDone();
+std::string exitFailed();
+std::string exitWrongUse();
+std::string helpOption();
+std::string usageCommand();
+std::string usageCommandHelp();
+std::string usageMembers();
 std::string version();
+
+// Questions on the terminal.
+std::string askHint();
+/// Whether `answer` is a yes, or a no, in the language of the texts or in English; absent when it is neither.
+std::optional<bool> yesOrNo(std::string_view answer);
+/// The question whether the calendars may be read.
+Platform::TerminalConsentTexts consent();
 
 // The command line.
 std::string unknownCommand(std::string_view path);

@@ -2,6 +2,7 @@
 #include "Applications/Companion/Help.h"
 #include "Applications/Companion/Invocation.h"
 #include "Applications/Companion/Texts.h"
+#include "Foundation/Locale.h"
 
 #include <csignal>
 #include <exception>
@@ -33,6 +34,7 @@ int main(int argc, char* argv[]) {
     std::signal(SIGXFSZ, SIG_IGN);
 
     auto const environment = Foundation::Environment::ofProcess();
+    Texts::useLanguages(Foundation::Locale::textLanguages(environment));
     Console const console(environment);
     try {
         return static_cast<int>(run({argv + 1, argv + argc}, console, environment));

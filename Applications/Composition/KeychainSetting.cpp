@@ -1,5 +1,6 @@
 #include "Applications/Composition/KeychainSetting.h"
 
+#include "Applications/Composition/Texts.h"
 #include "Foundation/JSON.h"
 #include "Foundation/Text.h"
 
@@ -35,14 +36,11 @@ std::expected<KeychainKind, std::string> KeychainSetting::load() const {
         return KeychainKind::secretService;
     auto const path = Foundation::Text::sanitizedUTF8(file().string());
     if (!content) {
-        return std::unexpected("the choice of a keychain in " + path +
-                               " cannot be read, so no key was looked for: " + content.error().message());
+        return std::unexpected(Texts::unreadableKeychainChoice(path, content.error().message()));
     }
     auto const kind = kindOf(*content);
     if (!kind) {
-        return std::unexpected("the file " + path +
-                               " names no keychain, so no key was looked for; write \"secret-service\" or "
-                               "\"file\" into it, with the quotation marks");
+        return std::unexpected(Texts::noKeychainNamed(path));
     }
     return *kind;
 }

@@ -2,6 +2,7 @@
 
 #include "Applications/Composition/KeychainItem.h"
 #include "Applications/Composition/LiveServices.h"
+#include "Applications/Composition/Texts.h"
 #include "CalendarProviders/CalendarProviderRegistryApplication.h"
 #include "CalendarProviders/EventKitPermissionRepositoryImpl.h"
 #include "CalendarProviders/LocalRegistryRepositoryImpl.h"
@@ -28,8 +29,7 @@ std::shared_ptr<KeychainSetting const> LiveRegistryServices::keychainSetting() {
 std::expected<std::shared_ptr<Platform::Keychain>, std::string> LiveRegistryServices::keychain() {
     auto const setting = keychainSetting();
     if (!setting) {
-        return std::unexpected(std::string("neither HOME nor the XDG folders are set, so no keychain was "
-                                           "looked for; set HOME to your home folder"));
+        return std::unexpected(Texts::noHomeForKeychain());
     }
     auto const kind = setting->load();
     if (!kind) return std::unexpected(kind.error());
@@ -54,8 +54,8 @@ std::expected<void, std::string> LiveRegistryServices::chooseKeychain(KeychainKi
         if (!carried) return carried;
     }
     if (auto const error = setting->save(kind)) {
-        return std::unexpected(Foundation::Text::sanitizedUTF8(setting->file().string()) +
-                               " could not be written, and the keychain stays as it was: " + error.message());
+        return std::unexpected(Texts::keychainChoiceNotSaved(
+            Foundation::Text::sanitizedUTF8(setting->file().string()), error.message()));
     }
     return {};
 }
@@ -75,10 +75,7 @@ std::expected<void, std::string> LiveRegistryServices::carryKey(KeychainKind fro
                   .account = std::string(CalendarProviders::RealmEncryptionKeyStore::defaultAccount)});
     if (status == Platform::KeychainStatus::success || status == Platform::KeychainStatus::itemNotFound)
         return {};
-    return std::unexpected("the key of the registered providers could not be copied into the other keychain "
-                           "(status " +
-                           std::to_string(static_cast<std::int32_t>(status)) +
-                           "), so the keychain stays as it was; see that both can be used, and try again");
+    return std::unexpected(Texts::keyNotCopied(static_cast<std::int32_t>(status)));
 }
 
 std::shared_ptr<Platform::ObjectDatabaseEngine> LiveRegistryServices::objectDatabaseEngine() {

@@ -1,5 +1,6 @@
 #include "Applications/Composition/LiveServices.h"
 
+#include "Applications/Composition/Texts.h"
 #include "Meetings/BundleFinder.h"
 #include "Meetings/EventKit/LiveEventKitStore.h"
 #include "Meetings/MeetConfigEnum.h"
@@ -183,9 +184,7 @@ std::shared_ptr<Platform::EKEventStore> LiveServices::eventStore() {
     return once(parts->eventStore, [&] {
         auto const places = calendarPlaces();
         if (!places) {
-            throw Platform::EKError(
-                "Neither HOME nor the XDG folders are set, so no calendars were looked for; "
-                "set HOME to your home folder.");
+            throw Platform::EKError(Texts::noHomeForCalendars());
         }
         auto prompt = parts->options.consentPrompt;
         if (!prompt) prompt = std::make_shared<NobodyToAsk>();

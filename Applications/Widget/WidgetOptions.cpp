@@ -51,10 +51,10 @@ std::expected<Words, EarlyEnd> readWords(int count, char const* const* arguments
         return std::unexpected(wrongUse(Texts::wrongOption(error.what())));
     }
     if (words.asksForHelp) {
-        return std::unexpected(EarlyEnd{.exitCode = 0, .text = Texts::help});
+        return std::unexpected(EarlyEnd{.exitCode = 0, .text = Texts::help()});
     }
     if (words.asksForVersion) {
-        return std::unexpected(EarlyEnd{.exitCode = 0, .text = Texts::version});
+        return std::unexpected(EarlyEnd{.exitCode = 0, .text = Texts::version()});
     }
     if (auto const extras = parser.remaining(); !extras.empty()) {
         return std::unexpected(wrongUse(Texts::unknownWord(extras.front())));
@@ -85,7 +85,7 @@ std::expected<WidgetOptions, EarlyEnd> parseCommandLine(int count, char const* c
         .quitsAfterFirstFrame = words.quitsAfterFirstFrame,
     };
     if (words.isWindow && words.isDesktop) {
-        return std::unexpected(wrongUse(Texts::placementsExclude));
+        return std::unexpected(wrongUse(Texts::placementsExclude()));
     }
     if (words.family) {
         options.family = offeredFamily(*words.family);

@@ -8,6 +8,7 @@
 #include "Applications/Widget/PreferenceWatches.h"
 #include "Applications/Widget/Texts.h"
 #include "Applications/Widget/WidgetOptions.h"
+#include "Foundation/Locale.h"
 #include "Platform/Appearance/PortalAppearanceWatch.h"
 #include "Platform/Clock/SystemRegionSettings.h"
 #include "Platform/Desktop/Display.h"
@@ -106,7 +107,7 @@ int runWidget(Widget::WidgetOptions const& options, Foundation::Environment cons
     // Before the display is opened: the calendars are read meanwhile.
     host->start();
     if (!Platform::openDisplay(environment, options.placement)) {
-        fail(Widget::Texts::noDisplay);
+        fail(Widget::Texts::noDisplay().c_str());
         return 1;
     }
 
@@ -174,6 +175,7 @@ int main(int argc, char** argv) {
     std::signal(SIGXFSZ, SIG_IGN);
 
     auto const environment = Foundation::Environment::ofProcess();
+    Widget::Texts::useLanguages(Foundation::Locale::textLanguages(environment));
     auto const options =
         Widget::parseCommandLine(argc, argv, Platform::SystemRegionSettings(environment).currentCalendar());
     if (!options) {

@@ -1,6 +1,7 @@
 #include "Platform/EventStore/Folder/TerminalConsentPrompt.h"
 
-#include <algorithm>
+#include "Foundation/Text.h"
+
 #include <cerrno>
 #include <optional>
 #include <string>
@@ -11,10 +12,6 @@ namespace Platform {
 
 namespace {
 
-constexpr std::string_view question =
-    "Quillora shows the events of your calendars and keeps everything on this "
-    "computer.\nMay it read and change your calendars? [yes/no] ";
-constexpr std::string_view again = "Please answer yes or no: ";
 constexpr int attempts = 3;
 
 bool writeAll(int output, std::string_view text) {
@@ -40,17 +37,6 @@ std::optional<std::string> readLine(int input) {
     }
 }
 
-std::optional<ConsentAnswer> answerIn(std::string_view line) {
-    std::string word;
-    for (char const character : line) {
-        if (character == ' ' || character == '\t' || character == '\r') continue;
-        word += character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
-    }
-    if (word == "y" || word == "yes") return ConsentAnswer::yes;
-    if (word == "n" || word == "no") return ConsentAnswer::no;
-    return std::nullopt;
-}
-
 } // namespace
 
 Foundation::Task<ConsentAnswer> TerminalConsentPrompt::ask() {
@@ -59,12 +45,13 @@ Foundation::Task<ConsentAnswer> TerminalConsentPrompt::ask() {
 
 ConsentAnswer TerminalConsentPrompt::askNow() const {
     if (::isatty(input) != 1 || ::isatty(output) != 1) return ConsentAnswer::unavailable;
-    if (!writeAll(output, question)) return ConsentAnswer::unavailable;
+    if (!writeAll(output, texts.question)) return ConsentAnswer::unavailable;
     for (int attempt = 1; attempt <= attempts; ++attempt) {
         auto const line = readLine(input);
         if (!line) return ConsentAnswer::unavailable;
-        if (auto const answer = answerIn(*line)) return *answer;
-        if (attempt < attempts && !writeAll(output, again)) return ConsentAnswer::unavailable;
+        auto const isYes = texts.yesOrNo(Foundation::Text::trimmingWhitespacesAndNewlines(*line));
+        if (isYes) return *isYes ? ConsentAnswer::yes : ConsentAnswer::no;
+        if (attempt < attempts && !writeAll(output, texts.again)) return ConsentAnswer::unavailable;
     }
     return ConsentAnswer::unavailable;
 }

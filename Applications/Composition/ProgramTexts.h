@@ -1,0 +1,42 @@
+#pragma once
+
+#include "Platform/Resources/Bundle.h"
+#include "Platform/Resources/StringsFile.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Composition {
+
+/// The words of a program, from the tables of its own bundle. The English table is in the executable, too: a
+/// program that was copied away from its bundles still says what is wrong.
+class ProgramTexts final {
+public:
+    /// `marker` is an address inside the program's code; `english` is the content of its English table.
+    ProgramTexts(std::string bundleName, void const* marker, std::string_view english);
+
+    /// Looks the bundle up and speaks these languages from now on, best first. English until then. Before
+    /// other threads are started.
+    void useLanguages(std::vector<std::string> const& languages);
+
+    /// The text of `key` with its places filled; the key itself where no table has it.
+    [[nodiscard]] std::string text(std::string_view key, std::vector<std::string> const& values = {}) const;
+
+    /// The form of the text that goes with `count`, its places filled.
+    [[nodiscard]] std::string counted(std::string_view key, std::int64_t count,
+                                      std::vector<std::string> const& values) const;
+
+    /// What was wrong with the tables, each as "<file>:<line>: <reason>".
+    [[nodiscard]] std::vector<std::string> problems() const;
+
+private:
+    std::string bundleName;
+    void const* marker;
+    Platform::StringsFile english;
+    std::optional<Platform::Bundle> bundle;
+};
+
+} // namespace Composition

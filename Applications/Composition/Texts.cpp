@@ -1,0 +1,56 @@
+#include "Applications/Composition/Texts.h"
+
+#include "Applications/Composition/ProgramTexts.h"
+
+namespace Composition {
+
+extern std::string_view const englishTable; // Built in from Resources/en.lproj.
+
+namespace Texts {
+
+namespace {
+
+ProgramTexts& words() {
+    static constexpr char marker = 0;
+    static ProgramTexts texts("Composition_Composition", &marker, englishTable);
+    return texts;
+}
+
+// The text of `key` with its places filled, in the order in which the values stand here.
+template <typename... Values>
+std::string text(std::string_view key, Values const&... values) {
+    return words().text(key, {std::string(values)...});
+}
+
+} // namespace
+
+void useLanguages(std::vector<std::string> const& languages) {
+    words().useLanguages(languages);
+}
+
+std::string noHomeForCalendars() {
+    return text("no-home-for-calendars");
+}
+
+std::string noHomeForKeychain() {
+    return text("no-home-for-keychain");
+}
+
+std::string unreadableKeychainChoice(std::string_view path, std::string_view reason) {
+    return text("unreadable-keychain-choice", path, reason);
+}
+
+std::string noKeychainNamed(std::string_view path) {
+    return text("no-keychain-named", path);
+}
+
+std::string keychainChoiceNotSaved(std::string_view path, std::string_view reason) {
+    return text("keychain-choice-not-saved", path, reason);
+}
+
+std::string keyNotCopied(std::int32_t status) {
+    return text("key-not-copied", std::to_string(status));
+}
+
+} // namespace Texts
+} // namespace Composition

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// What the parts that both programs share say, from the tables in Resources/. None ends with a line feed.
+namespace Composition::Texts {
+
+/// Speaks these languages from now on, best first. English until then. Once, before other threads are
+/// started.
+void useLanguages(std::vector<std::string> const& languages);
+
+std::string noHomeForCalendars();
+std::string noHomeForKeychain();
+std::string unreadableKeychainChoice(std::string_view path, std::string_view reason);
+std::string noKeychainNamed(std::string_view path);
+std::string keychainChoiceNotSaved(std::string_view path, std::string_view reason);
+std::string keyNotCopied(std::int32_t status);
+
+} // namespace Composition::Texts

@@ -1,0 +1,102 @@
+#include "Applications/Widget/Texts.h"
+
+#include "Applications/Composition/ProgramTexts.h"
+#include "Applications/Composition/Texts.h"
+#include "Foundation/Text.h"
+
+namespace Widget {
+
+extern std::string_view const englishTable; // Built in from Resources/en.lproj.
+
+namespace Texts {
+
+namespace {
+
+Composition::ProgramTexts& words() {
+    static constexpr char marker = 0;
+    static Composition::ProgramTexts texts("Widget_Widget", &marker, englishTable);
+    return texts;
+}
+
+// The text of `key` with its places filled, in the order in which the values stand here.
+template <typename... Values>
+std::string text(std::string_view key, Values const&... values) {
+    return words().text(key, {std::string(values)...});
+}
+
+// What a person typed, made harmless and short enough for one line.
+std::string quoted(std::string_view value) {
+    constexpr std::size_t longest = 60;
+    auto const harmless = Foundation::Text::neutralized(Foundation::Text::sanitizedUTF8(value));
+    return text("quoted", Foundation::Text::truncated(harmless, longest));
+}
+
+} // namespace
+
+void useLanguages(std::vector<std::string> const& languages) {
+    words().useLanguages(languages);
+    Composition::Texts::useLanguages(languages);
+}
+
+std::string help() {
+    return text("help");
+}
+
+std::string version() {
+    return "quillora-widget " QUILLORA_VERSION "\n";
+}
+
+std::string noDisplay() {
+    return text("no-display");
+}
+
+std::string placementsExclude() {
+    return text("placements-exclude");
+}
+
+std::string wrongOption(std::string_view reason) {
+    auto const line = Foundation::Text::sanitizedUTF8(reason.substr(0, reason.find('\n')));
+    return text("wrong-option", Foundation::Text::neutralized(line));
+}
+
+std::string unknownWord(std::string_view word) {
+    return text("unknown-word", quoted(word));
+}
+
+std::string unknownFamily(std::string_view name) {
+    return text("unknown-family", quoted(name));
+}
+
+std::string unknownScheme(std::string_view name) {
+    return text("unknown-scheme", quoted(name));
+}
+
+std::string unreadableMoment(std::string_view moment) {
+    return text("unreadable-moment", quoted(moment));
+}
+
+Platform::FaceWindowTexts window() {
+    return {
+        .title = "Quillora",
+        .today = text("menu-today"),
+        .size = text("menu-size"),
+        .small = text("menu-small"),
+        .medium = text("menu-medium"),
+        .large = text("menu-large"),
+        .reload = text("menu-reload"),
+        .quit = text("menu-quit"),
+    };
+}
+
+Platform::ConsentDialogTexts consent() {
+    return {
+        .title = "Quillora",
+        .question = text("consent-question"),
+        .explanation = text("consent-explanation"),
+        .yes = text("consent-yes"),
+        .no = text("consent-no"),
+    };
+}
+
+} // namespace Texts
+} // namespace Widget

@@ -1,0 +1,142 @@
+#include "PrivateHome.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+
+std::string const oneEvent = calendarFile(event("u1", "Tea", ":20260311T090000Z", ":20260311T093000Z"));
+
+// A home of someone who reads Spanish. Nothing asks whether the machine has generated such a locale.
+class SpanishJourneys : public testing::Test {
+protected:
+    SpanishJourneys() { home.environment["LANG"] = "es_ES.UTF-8"; }
+
+    PrivateHome home;
+};
+
+TEST_F(SpanishJourneys, theSetUpSaysWhatItDid) {
+    auto const own = (home.folder() / "data/Quillora/Calendars/quillora-native-calendar").string();
+    EXPECT_EQ(home.outputOf({"setup", "--yes"}),
+              "Creado el calendario propio de Quillora: " + own +
+                  "\n"
+                  "Los calendarios de este equipo están activados\n"
+                  "Acceso a los calendarios: concedido\n"
+                  "Añade calendarios con «quillora sources add DIR»; mira tu día con «quillora day»\n");
+}
+
+TEST_F(SpanishJourneys, theQuestionsTakeASpanishYes) {
+    home.write(home.folder() / ".calendars" / "casa" / "te.ics", oneEvent);
+    auto const result = home.quillora({"setup"}, ProgramRun::Output::terminal, "Sí\ns\n");
+    EXPECT_EQ(result.exitCode, 0) << result.output;
+    EXPECT_THAT(result.output, HasSubstr("¿Puede leer y cambiar tus calendarios? [sí/no] "));
+    EXPECT_THAT(result.output, HasSubstr("¿Mostrarlos? [s/n] "));
+    EXPECT_THAT(result.output, HasSubstr("Añadida la fuente «.calendars»"));
+    EXPECT_THAT(result.output, HasSubstr("Acceso a los calendarios: concedido"));
+}
+
+TEST_F(SpanishJourneys, theDayIsSpanishFromTheWeekdayToTheCount) {
+    home.setUp();
+    std::string events = event("d", "Fiesta", ";VALUE=DATE:20260311", ";VALUE=DATE:20260312");
+    for (auto const* hour : {"08", "09", "10", "11"})
+        events += event(hour, "Reunión", ":20260311T" + std::string(hour) + "0000Z",
+                        ":20260311T" + std::string(hour) + "3000Z");
+    home.write(home.calendars() / "casa" / "dia.ics", calendarFile(events));
+    auto const day = home.outputOf({"day", "--at", "2026-03-11T08:00", "--family", "medium"});
+    EXPECT_THAT(day, HasSubstr("Miércoles 11\n"));
+    EXPECT_THAT(day, HasSubstr("+1 más\n"));
+    EXPECT_THAT(home.outputOf({"day", "--at", "2026-03-11T08:00"}), HasSubstr("Todo el día\n"));
+    EXPECT_THAT(home.outputOf({"day", "--at", "2026-04-01T08:00"}), HasSubstr("Sin eventos\n"));
+    EXPECT_THAT(home.outputOf({"next"}), HasSubstr(" (1 día después)\n"));
+    EXPECT_THAT(home.outputOf({"today"}), HasSubstr(" (hoy)\n"));
+}
+
+TEST_F(SpanishJourneys, errorsSayWhatToDo) {
+    auto const wrong = home.quillora({"dya"});
+    EXPECT_EQ(wrong.exitCode, 2);
+    EXPECT_EQ(wrong.errors, "quillora: no existe la orden «dya»; véase «quillora --help»\n");
+    EXPECT_EQ(home.quillora({"day", "--family", "huge"}).errors,
+              "quillora: --family admite small, medium o large, no «huge»\n");
+    EXPECT_THAT(home.quillora({"day"}).errors, HasSubstr("los calendarios de este equipo aún no están "));
+}
+
+TEST(LanguageJourneys, theListOfLanguagesDecidesAndEnglishIsTheLastResort) {
+    PrivateHome home;
+    auto const heading = [&](std::string const& list, std::string const& language) {
+        home.environment["LANGUAGE"] = list;
+        home.environment["LANG"] = language;
+        auto const help = home.outputOf({"--help"});
+        return help.substr(help.find("\n\n") + 2, help.find(':', help.find("\n\n")) - help.find("\n\n") - 2);
+    };
+    EXPECT_EQ(heading("", "es_MX.UTF-8"), "Uso");
+    EXPECT_EQ(heading("es", "C.UTF-8"), "Uso");
+    EXPECT_EQ(heading("en:es", "es_ES.UTF-8"), "Usage");
+    EXPECT_EQ(heading("fi:es", "fi_FI.UTF-8"), "Uso");
+    EXPECT_EQ(heading("", "fi_FI.UTF-8"), "Usage");
+    EXPECT_EQ(heading("", "tr_TR.UTF-8"), "Usage");
+}
+
+// The program as it is installed: bin/ and share/quillora/ below a prefix.
+class InstalledJourneys : public testing::Test {
+protected:
+    InstalledJourneys() {
+        home.environment["LANG"] = "es_ES.UTF-8";
+        home.setUp();
+        home.write(home.calendars() / "casa" / "te.ics",
+                   calendarFile("BEGIN:VEVENT\r\nUID:u1\r\nDTSTART:20260311T090000Z\r\nEND:VEVENT\r\n"));
+        fs::create_directories(prefix / "bin");
+        fs::copy_file(QUILLORA_BUILD_DIR "/bin/quillora", prefix / "bin" / "quillora");
+        fs::create_directories(bundles);
+        fs::copy(QUILLORA_BUILD_DIR "/share/quillora", bundles, fs::copy_options::recursive);
+    }
+
+    [[nodiscard]] ProgramResult quillora(std::vector<std::string> words) const {
+        return run({.path = (prefix / "bin" / "quillora").string(),
+                    .arguments = std::move(words),
+                    .environment = home.environment,
+                    .directory = home.folder().string()});
+    }
+    [[nodiscard]] ProgramResult day() const { return quillora({"day", "--at", "2026-03-11T08:00"}); }
+
+    PrivateHome home;
+    fs::path prefix = home.folder() / "prefix";
+    fs::path bundles = prefix / "share" / "quillora";
+};
+
+TEST_F(InstalledJourneys, theBundlesAreFoundBelowThePrefix) {
+    EXPECT_THAT(day().output, HasSubstr("Sin título"));
+}
+
+TEST_F(InstalledJourneys, aPackageWithoutItsBundleEndsTheProgram) {
+    fs::remove_all(bundles / "Meetings_Meetings.bundle");
+    auto const result = day();
+    EXPECT_EQ(result.signal, 6);
+    EXPECT_EQ(result.errors, "unable to find bundle named Meetings_Meetings\n");
+}
+
+TEST_F(InstalledJourneys, theOverrideComesBeforeThePrefix) {
+    auto const table = fs::path("Meetings_Meetings.bundle") / "es.lproj" / "Localizable.strings";
+    home.write(home.folder() / "path" / table, "\"eventkit-meet-untitled\" = \"Por la ruta\";");
+    home.write(home.folder() / "url" / table, "\"eventkit-meet-untitled\" = \"Por la dirección\";");
+    home.environment["PACKAGE_RESOURCE_BUNDLE_URL"] = (home.folder() / "url").string();
+    EXPECT_THAT(day().output, HasSubstr("Por la dirección"));
+    home.environment["PACKAGE_RESOURCE_BUNDLE_PATH"] = (home.folder() / "path").string();
+    EXPECT_THAT(day().output, HasSubstr("Por la ruta"));
+    // What the override lacks is looked for in the other places, and nobody looks at the second variable.
+    home.environment["PACKAGE_RESOURCE_BUNDLE_PATH"] = (home.folder() / "nowhere").string();
+    EXPECT_THAT(day().output, HasSubstr("Sin título"));
+}
+
+TEST_F(InstalledJourneys, withoutAnyBundleItsOwnWordsAreEnglish) {
+    fs::remove_all(bundles);
+    EXPECT_THAT(quillora({"--help"}).output, HasSubstr("Usage:"));
+    EXPECT_EQ(quillora({"access", "status"}).output, "Calendar access: granted\n");
+}
+
+} // namespace
