@@ -47,13 +47,13 @@ std::string uidFromContent(std::string_view bytes) {
     return "no-uid-" + Foundation::UUID{.bytes = Foundation::md5(content)}.uuidString();
 }
 
-// Calls `take` with each value between commas that is not empty; stops when one call says no.
+// Calls `take` with each value between commas that is not empty.
 template <typename Take>
 void forEachValue(std::string_view values, Take take) {
     for (bool isMore = true; isMore;) {
         auto const comma = values.find(',');
         auto const value = trimmed(values.substr(0, comma));
-        if (!value.empty() && !take(value)) return;
+        if (!value.empty()) take(value);
         isMore = comma != std::string_view::npos;
         if (isMore) values.remove_prefix(comma + 1);
     }
@@ -72,6 +72,7 @@ void EventBuilder::start(std::int64_t line, std::size_t offset) {
     uid.reset();
     hasRange = false;
     failure.reset();
+    leftOut.clear();
 }
 
 void EventBuilder::property(std::string_view line, std::int64_t lineNumber, bool isFolded) {
@@ -149,11 +150,12 @@ void EventBuilder::readTimes(ContentLine const& content, bool isFolded) {
         value = unfolded;
     }
     auto const is = [&content](std::string_view name) { return equalsIgnoringCase(content.name, name); };
-    auto const notATime = [this, &content](std::string_view text) {
-        fail(std::string(content.name) + ' ' + quoted(text) +
-             " is not a date or time of the years 1 to 9999");
-        return false;
+    auto const notATime = [&content](std::string_view text) {
+        return std::string(content.name) + ' ' + quoted(text) +
+               " is not a date or time of the years 1 to 9999";
     };
+    // One date of many is no reason to lose the event.
+    auto const leaveOutValue = [&](std::string_view text) { leaveOut(notATime(text) + "; it is left out"); };
 
     if (is("DTSTAMP")) {
         auto const stamp = parseTime(value, parameters);
@@ -164,21 +166,25 @@ void EventBuilder::readTimes(ContentLine const& content, bool isFolded) {
     } else if (is("EXDATE")) {
         forEachValue(value, [&](std::string_view text) {
             auto const time = parseTime(text, parameters);
-            if (!time) return notATime(text);
-            event.exceptionDates.push_back(*time);
-            return true;
+            if (time) {
+                event.exceptionDates.push_back(*time);
+            } else {
+                leaveOutValue(text);
+            }
         });
     } else if (is("RDATE")) {
         forEachValue(value, [&](std::string_view text) {
             auto const date = parseRecurrenceDate(text, parameters);
-            if (!date) return notATime(text);
-            event.recurrenceDates.push_back(*date);
-            return true;
+            if (date) {
+                event.recurrenceDates.push_back(*date);
+            } else {
+                leaveOutValue(text);
+            }
         });
     } else {
         auto const time = parseTime(value, parameters);
         if (!time) {
-            notATime(value);
+            fail(notATime(value));
         } else if (is("DTSTART")) {
             if (!startTime) startTime = time;
         } else if (is("DTEND")) {
@@ -249,6 +255,8 @@ void EventBuilder::finish(std::size_t endOffset) {
         report(failure->line, Problem::Effect::skipped, std::move(failure->reason));
         return;
     }
+    for (auto& [line, reason] : leftOut)
+        report(line, Problem::Effect::adjusted, std::move(reason));
     event.start = *startTime;
     event.length = endOffset - event.offset;
     if (!event.hasUID)
@@ -296,6 +304,11 @@ void EventBuilder::settleEnd() {
 
 void EventBuilder::fail(std::string reason) {
     if (!failure) failure = {.line = propertyLine, .reason = std::move(reason)};
+}
+
+void EventBuilder::leaveOut(std::string reason) {
+    if (leftOut.size() < CalendarFile::maximumProblems)
+        leftOut.push_back({.line = propertyLine, .reason = std::move(reason)});
 }
 
 void EventBuilder::adjust(std::string reason) {

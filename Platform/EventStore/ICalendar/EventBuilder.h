@@ -10,6 +10,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <vector>
 
 namespace Platform::ICalendar {
 
@@ -43,6 +44,7 @@ private:
     std::uint32_t zoneIndex(std::string_view identifier);
     void settleEnd();
     void fail(std::string reason);
+    void leaveOut(std::string reason);
     void adjust(std::string reason);
     void report(std::int64_t line, Problem::Effect effect, std::string reason);
 
@@ -61,6 +63,7 @@ private:
         std::string reason;
     };
     std::optional<Failure> failure;
+    std::vector<Failure> leftOut; // Told only of an event that is taken.
 };
 
 } // namespace Platform::ICalendar
