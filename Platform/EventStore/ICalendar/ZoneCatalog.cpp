@@ -23,11 +23,18 @@ bool isZoneDigit(char byte) {
     return (byte >= '0' && byte <= '9') || byte == '+' || byte == '-';
 }
 
+// Links in the zone folder that lead out of it, to what this machine was set to: no zones of their own.
+bool isNameOfThisMachine(std::string_view name) {
+    auto const last = name.substr(name.rfind('/') + 1);
+    return last == "localtime" || last == "posixrules";
+}
+
 // Whether the name could be one of the zone database. It must not be taken for a POSIX rule text, which a
 // file's own name ("Zone1") may well look like.
 bool mayBeSystemName(std::string_view name) {
     constexpr std::size_t longest = 64;
     if (name.empty() || name.size() > longest || name.front() == '/') return false;
+    if (isNameOfThisMachine(name)) return false;
     auto const isPart = [](char byte) { return isZoneLetter(byte) || isZoneDigit(byte); };
     if (!std::ranges::all_of(name, isPart)) return false;
     bool const hasFolder = name.find('/') != std::string_view::npos;
@@ -43,6 +50,8 @@ std::optional<Foundation::TimeZone> systemZone(std::string_view name) {
 // "/example.org/2005/Europe/Berlin": the longest ending that the system knows. Without the leading slash an
 // ending of one word could be anything.
 std::optional<Foundation::TimeZone> zoneOfSuffix(std::string_view name) {
+    // A way through folders is no vendor's prefix.
+    if (name.find("..") != std::string_view::npos) return std::nullopt;
     bool const isMarked = name.starts_with('/');
     constexpr int deepest = 8;
     for (int depth = 0; depth < deepest; ++depth) {

@@ -50,6 +50,22 @@ TEST(ZoneTests, anUnknownNameIsTheViewersZoneAndIsReported) {
                "clock"}));
 }
 
+TEST(ZoneTests, aPathOutOfTheZoneFolderIsNoZone) {
+    for (std::string const name :
+         {"/etc/localtime", ":/etc/localtime", "localtime", "/localtime", "posix/localtime", "posixrules",
+          "/usr/share/zoneinfo/localtime", "../../../etc/localtime", "Europe/../../../../etc/localtime",
+          "../Europe/Berlin", "/usr/share/zoneinfo/../zoneinfo/Europe/Berlin", "/dev/zero", "."}) {
+        SCOPED_TRACE(name);
+        auto const series = seriesOf(eventWith("DTSTART;TZID=\"" + name + "\":20260311T090000\n"));
+        // No machine is set to that zone by chance.
+        EXPECT_EQ(happenings(series, "2026-03-10T00:00:00Z", "2026-03-13T00:00:00Z", "Pacific/Chatham"),
+                  (Lines{"2026-03-10T19:15:00Z/2026-03-10T19:15:00Z Event"}));
+        EXPECT_EQ(reasons(series.problems()),
+                  (Lines{"line 3: the time zone \"" + name +
+                         "\" is not known; its times are read on the viewer's clock"}));
+    }
+}
+
 TEST(ZoneTests, aNameThatLooksLikeARuleTextIsNotTakenForOne) {
     auto const series = seriesOf("BEGIN:VTIMEZONE\nTZID:Zone1\nBEGIN:STANDARD\nDTSTART:19700101T000000\n"
                                  "TZOFFSETFROM:+0500\nTZOFFSETTO:+0500\nEND:STANDARD\nEND:VTIMEZONE\n" +
