@@ -98,11 +98,15 @@ void InMemoryEventStore::save(EKEvent& event, EKSpan span) {
     std::scoped_lock const lock(mutex);
     saveHistory.push_back({.event = event, .span = span});
     throwIfRefusing();
-    if (!event.calendar || !findCalendar(event.calendar->calendarIdentifier)) {
-        throw EKError("The event has no calendar of this store; it was not saved.");
+    if (!event.calendar) throw EKError("The event has no calendar; it was not saved.");
+    if (!findCalendar(event.calendar->calendarIdentifier)) {
+        throw EKError("The calendar \"" + event.calendar->title +
+                      "\" is no longer there; the event was not saved.");
     }
     if (!event.startDate || !event.endDate)
         throw EKError("The event has no start or no end; it was not saved.");
+    if (*event.endDate < *event.startDate)
+        throw EKError("The event ends before it starts; it was not saved.");
     if (hasImpossibleWeekday(event)) {
         throw EKError("The event repeats on a weekday outside 1…7; it was not saved.");
     }
@@ -117,6 +121,8 @@ void InMemoryEventStore::save(EKEvent& event, EKSpan span) {
         storedEvents.push_back(event);
         return;
     }
+    if (found->calendar && found->calendar->calendarIdentifier != event.calendar->calendarIdentifier)
+        throw EKError("An event cannot be moved to another calendar; it was not saved.");
     if (!event.occurrenceKey) {
         *found = event;
         return;
@@ -129,7 +135,13 @@ void InMemoryEventStore::save(EKEvent& event, EKSpan span) {
     }
     auto const before = *found;
     auto const seriesIdentifier = event.eventIdentifier;
-    event.eventIdentifier = event.calendar->calendarIdentifier + ":new-" + std::to_string(++identifiersMade);
+    bool const isWholeSeries = std::ranges::none_of(storedEvents, [&](EKEvent const& stored) {
+        return stored.eventIdentifier == seriesIdentifier && !startsNoEarlier(stored, before);
+    });
+    if (!isWholeSeries) {
+        event.eventIdentifier =
+            event.calendar->calendarIdentifier + ":new-" + std::to_string(++identifiersMade);
+    }
     for (auto& stored : storedEvents) {
         if (stored.eventIdentifier != seriesIdentifier || !startsNoEarlier(stored, before)) continue;
         stored = followingOccurrence(stored, before, event);
@@ -140,11 +152,13 @@ void InMemoryEventStore::remove(EKEvent const& event, EKSpan span) {
     std::scoped_lock const lock(mutex);
     removalHistory.push_back({.event = event, .span = span});
     throwIfRefusing();
-    auto const removed = std::erase_if(storedEvents, [&](EKEvent const& stored) {
+    bool const isThere = std::ranges::any_of(
+        storedEvents, [&](EKEvent const& stored) { return isSameOccurrence(stored, event); });
+    if (!isThere) throw EKError("The event is no longer in the store; nothing was removed.");
+    std::erase_if(storedEvents, [&](EKEvent const& stored) {
         if (span == EKSpan::thisEvent || !event.occurrenceKey) return isSameOccurrence(stored, event);
         return isSameItem(stored, event) && startsNoEarlier(stored, event);
     });
-    if (removed == 0) throw EKError("The event is no longer in the store; nothing was removed.");
 }
 
 EKEvent InMemoryEventStore::makeEvent() {

@@ -18,13 +18,6 @@ using namespace Platform;
 
 namespace {
 
-Foundation::Date at(double seconds) {
-    return {.secondsSince1970 = seconds};
-}
-
-constexpr double dayStart = 1773183600; // 2026-03-11 in Madrid
-constexpr double dayEnd = 1773270000;
-
 std::shared_ptr<EKEventStore> fakeOfTheWorld() {
     auto const calendar = [](std::string const& name) {
         return EKCalendar{.calendarIdentifier = "here/" + name,
@@ -97,24 +90,6 @@ std::shared_ptr<EKEventStore> foldersOfTheWorld() {
         .logger = Logger(std::make_shared<RecordingLogSink>(), "tests", "EventStore"),
     });
     return {world, world->store.get()};
-}
-
-std::vector<std::string> titlesIn(EKEventStore& store, double start, double end,
-                                  std::optional<std::vector<std::string>> calendars = std::nullopt) {
-    std::vector<std::string> titles;
-    for (auto const& event :
-         store.eventsMatching({.start = at(start), .end = at(end), .calendars = std::move(calendars)})) {
-        titles.push_back(event.title.value_or("untitled"));
-    }
-    std::ranges::sort(titles);
-    return titles;
-}
-
-std::string identifierOf(EKEventStore& store, std::string_view title) {
-    for (auto const& calendar : store.calendarsForEntityType(EKEntityType::event)) {
-        if (calendar.title == title) return calendar.calendarIdentifier;
-    }
-    return "no calendar of that title";
 }
 
 using Titles = std::vector<std::string>;

@@ -4,9 +4,13 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 /// An event of the contract's world: `occurrences` of them, a day apart.
@@ -57,6 +61,33 @@ inline std::vector<ContractEvent> contractEvents() {
          .endSeconds = 1773270000,
          .isAllDay = true},
     };
+}
+
+inline Foundation::Date at(double seconds) {
+    return {.secondsSince1970 = seconds};
+}
+
+inline constexpr double dayStart = 1773183600; // 2026-03-11 in Madrid
+inline constexpr double dayEnd = 1773270000;
+
+/// What a store shows between two instants, in alphabetical order.
+inline std::vector<std::string> titlesIn(Platform::EKEventStore& store, double start, double end,
+                                         std::optional<std::vector<std::string>> calendars = std::nullopt) {
+    std::vector<std::string> titles;
+    for (auto const& event :
+         store.eventsMatching({.start = at(start), .end = at(end), .calendars = std::move(calendars)})) {
+        titles.push_back(event.title.value_or("untitled"));
+    }
+    std::ranges::sort(titles);
+    return titles;
+}
+
+/// The identifier of the calendar of that title.
+inline std::string identifierOf(Platform::EKEventStore& store, std::string_view title) {
+    for (auto const& calendar : store.calendarsForEntityType(Platform::EKEntityType::event)) {
+        if (calendar.title == title) return calendar.calendarIdentifier;
+    }
+    return "no calendar of that title";
 }
 
 /// A store of that world, together with whatever keeps it alive. Its consent is not determined, and whoever

@@ -144,10 +144,10 @@ TEST(InMemoryEventStoreTests, whatCannotBeKeptIsRefusedAndChangesNothing) {
     };
     std::vector<Row> const rows{
         {"no calendar", [](EKEvent& event) { event.calendar = nullptr; },
-         "The event has no calendar of this store; it was not saved."},
+         "The event has no calendar; it was not saved."},
         {"a calendar from elsewhere",
          [](EKEvent& event) { event.calendar = std::make_shared<EKCalendar const>(calendar("x")); },
-         "The event has no calendar of this store; it was not saved."},
+         "The calendar \"A calendar\" is no longer there; the event was not saved."},
         {"no end", [](EKEvent& event) { event.endDate = std::nullopt; },
          "The event has no start or no end; it was not saved."},
         {"weekday 0",

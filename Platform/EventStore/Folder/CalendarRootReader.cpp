@@ -39,14 +39,6 @@ std::optional<std::string> metadata(std::filesystem::path const& file) {
     return text;
 }
 
-bool isCalendarOfItsOwn(ICalendar::CalendarFile const& file) {
-    if (file.name) return true;
-    std::set<std::string_view> uids;
-    for (auto const& event : file.events)
-        uids.insert(event.uid);
-    return uids.size() > 1;
-}
-
 StoreProblem::Effect effectOf(ICalendar::Problem const& problem) {
     return problem.effect == ICalendar::Problem::Effect::skipped ? StoreProblem::Effect::skipped
                                                                  : StoreProblem::Effect::adjusted;
@@ -57,6 +49,14 @@ bool isWritable(std::filesystem::path const& path) {
 }
 
 } // namespace
+
+bool isCalendarOfItsOwn(ICalendar::CalendarFile const& file) {
+    if (file.name) return true;
+    std::set<std::string_view> uids;
+    for (auto const& event : file.events)
+        uids.insert(event.uid);
+    return uids.size() > 1;
+}
 
 /// A calendar as the last look at the root found it.
 struct CalendarRootReader::Found {
@@ -143,6 +143,19 @@ std::optional<EKEvent> CalendarRootReader::event(std::string_view identifier,
         }
     }
     return std::nullopt;
+}
+
+std::vector<std::filesystem::path> CalendarRootReader::filesOfEvent(std::string_view calendarIdentifier,
+                                                                    std::string_view uid, std::int64_t now) {
+    std::vector<std::filesystem::path> paths;
+    for (auto const& calendar : find(now)) {
+        if (calendar.record.calendarIdentifier != calendarIdentifier) continue;
+        for (auto const& file : upToDate(calendar, now).files) {
+            if (std::ranges::find(file->events, uid, &ICalendar::EventComponent::uid) != file->events.end())
+                paths.emplace_back(file->path);
+        }
+    }
+    return paths;
 }
 
 std::vector<StoreProblem> CalendarRootReader::problems(std::int64_t now) {

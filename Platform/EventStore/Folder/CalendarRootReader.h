@@ -51,6 +51,10 @@ public:
     std::optional<EKEvent> event(std::string_view identifier, Foundation::TimeZone const& viewer,
                                  std::int64_t now);
 
+    /// The files that hold something of that UID in one of the root's calendars.
+    std::vector<std::filesystem::path> filesOfEvent(std::string_view calendarIdentifier, std::string_view uid,
+                                                    std::int64_t now);
+
     /// Reads whatever changed and yields all that could not be taken as it stands.
     std::vector<StoreProblem> problems(std::int64_t now);
 
@@ -87,5 +91,9 @@ private:
     std::vector<StoreProblem> metProblems;
     std::int64_t readsOfForgottenCalendars = 0;
 };
+
+/// Whether a loose file is a calendar, not one event of its folder's: it names itself or holds several
+/// events.
+bool isCalendarOfItsOwn(ICalendar::CalendarFile const& file);
 
 } // namespace Platform

@@ -13,8 +13,6 @@ namespace Platform {
 
 namespace {
 
-constexpr auto readsOnly = "Quillora cannot change calendars yet; nothing was saved.";
-
 bool isDirectory(std::filesystem::path const& path) {
     std::error_code failure;
     return std::filesystem::is_directory(path, failure);
@@ -54,7 +52,8 @@ FolderEventStore::FolderEventStore(FolderEventStoreParts parts)
     : parts(std::move(parts)),
       configuration(this->parts.places.configurationDirectory, this->parts.files),
       consent(this->parts.places.configurationDirectory, this->parts.files),
-      zones(std::make_shared<ICalendar::ZoneCatalog>()) {}
+      zones(std::make_shared<ICalendar::ZoneCatalog>()),
+      writer(zones) {}
 
 FolderEventStore::~FolderEventStore() = default;
 
@@ -117,12 +116,32 @@ std::optional<EKEvent> FolderEventStore::eventWithIdentifier(std::string_view id
     return found;
 }
 
-void FolderEventStore::save(EKEvent&, EKSpan) {
-    throw EKError(readsOnly);
+void FolderEventStore::save(EKEvent& event, EKSpan span) {
+    std::scoped_lock const lock(mutex);
+    writer.save(event, span, editSurroundings());
 }
 
-void FolderEventStore::remove(EKEvent const&, EKSpan) {
-    throw EKError(readsOnly);
+void FolderEventStore::remove(EKEvent const& event, EKSpan span) {
+    std::scoped_lock const lock(mutex);
+    writer.remove(event, span, editSurroundings());
+}
+
+EditSurroundings FolderEventStore::editSurroundings() {
+    bringRootsUpToDate();
+    std::vector<CalendarRoot> roots;
+    for (auto const& reader : readers)
+        roots.push_back(reader->root());
+    return {.roots = std::move(roots),
+            .viewer = parts.region->currentCalendar().timeZone(),
+            .now = parts.fileSystemClock->now(),
+            .filesOfEvent = [this](std::string_view calendarIdentifier, std::string_view uid) {
+                std::vector<std::filesystem::path> files;
+                for (auto const& reader : readers)
+                    std::ranges::move(reader->filesOfEvent(calendarIdentifier, uid, now()),
+                                      std::back_inserter(files));
+                logMetProblems();
+                return files;
+            }};
 }
 
 EKEvent FolderEventStore::makeEvent() {

@@ -8,6 +8,7 @@
 #include "Platform/EventStore/Folder/CalendarStoreConfiguration.h"
 #include "Platform/EventStore/Folder/CalendarStorePlaces.h"
 #include "Platform/EventStore/Folder/ConsentRecord.h"
+#include "Platform/EventStore/Folder/EventFileWriter.h"
 #include "Platform/EventStore/Folder/StoreProblem.h"
 #include "Platform/Files/FileManager.h"
 #include "Platform/Logging/Logger.h"
@@ -57,9 +58,9 @@ public:
     std::optional<EKCalendar> defaultCalendarForNewEvents() override;
     std::vector<EKEvent> eventsMatching(EKEventPredicate const& predicate) override;
     std::optional<EKEvent> eventWithIdentifier(std::string_view identifier) override;
-    /// Always throws: this store reads only.
+    /// Writes a new event into a file of its own, or where all events of the calendar are in one. Of a file
+    /// that is there only the bytes of what changes are replaced.
     void save(EKEvent& event, EKSpan span) override;
-    /// Always throws: this store reads only.
     void remove(EKEvent const& event, EKSpan span) override;
     EKEvent makeEvent() override;
     /// The recorded consent; denied when not one of the folders may be opened.
@@ -75,6 +76,7 @@ public:
 
 private:
     void bringRootsUpToDate();
+    [[nodiscard]] EditSurroundings editSurroundings();
     void logNew(std::vector<StoreProblem> const& problems);
     void logMetProblems();
     [[nodiscard]] std::int64_t now() const;
@@ -88,6 +90,7 @@ private:
 
     std::mutex mutex; ///< Guards all that follows.
     std::vector<std::unique_ptr<CalendarRootReader>> readers;
+    EventFileWriter writer;
     std::vector<StoreProblem> recordProblems; ///< Of calendar-store.json, when it was last read.
     std::set<StoreProblem> loggedProblems;
 };

@@ -42,11 +42,6 @@ bool mayBeSystemName(std::string_view name) {
            std::ranges::find(singleNamesWithDigits, name) != singleNamesWithDigits.end();
 }
 
-std::optional<Foundation::TimeZone> systemZone(std::string_view name) {
-    if (!mayBeSystemName(name)) return std::nullopt;
-    return Foundation::TimeZone::named(name);
-}
-
 // "/example.org/2005/Europe/Berlin": the longest ending that the system knows. Without the leading slash an
 // ending of one word could be anything.
 std::optional<Foundation::TimeZone> zoneOfSuffix(std::string_view name) {
@@ -60,7 +55,7 @@ std::optional<Foundation::TimeZone> zoneOfSuffix(std::string_view name) {
         name.remove_prefix(slash + 1);
         bool const isCandidate = isMarked || name.find('/') != std::string_view::npos;
         if (!isCandidate) return std::nullopt;
-        if (auto zone = systemZone(name)) return zone;
+        if (auto zone = ZoneCatalog::systemZone(name)) return zone;
     }
     return std::nullopt;
 }
@@ -89,6 +84,11 @@ FileZones::FileZones(CalendarFile const& file) {
     components.reserve(file.timeZones.size());
     for (auto const& component : file.timeZones)
         components.try_emplace(component.identifier, &component);
+}
+
+std::optional<Foundation::TimeZone> ZoneCatalog::systemZone(std::string_view name) {
+    if (!mayBeSystemName(name)) return std::nullopt;
+    return Foundation::TimeZone::named(name);
 }
 
 std::optional<EventZone> ZoneCatalog::zone(std::string_view identifier, FileZones& file) {

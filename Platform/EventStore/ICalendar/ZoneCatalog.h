@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Foundation/TimeZone.h"
 #include "Platform/EventStore/ICalendar/CalendarFile.h"
 
 #include <cstdint>
@@ -34,6 +35,9 @@ public:
     /// The clock of `identifier` in `file`; absent when nothing explains it, and then its times are read on
     /// the viewer's clock.
     std::optional<EventZone> zone(std::string_view identifier, FileZones& file);
+
+    /// The zone of that very name in the system's tzdata. A text that only looks like a POSIX rule is none.
+    static std::optional<Foundation::TimeZone> systemZone(std::string_view name);
 
 private:
     std::shared_ptr<CustomTimeZone const> customZone(std::string_view identifier, FileZones& file);

@@ -394,18 +394,6 @@ TEST_F(FolderEventStoreTests, aVanishedFolderIsNoRefusal) {
     EXPECT_EQ(subject.authorizationStatus(), EKAuthorizationStatus::fullAccess);
 }
 
-TEST_F(FolderEventStoreTests, changesAreRefusedInPlainWords) {
-    auto subject = store();
-    auto event = subject.makeEvent();
-    try {
-        subject.save(event, EKSpan::thisEvent);
-        FAIL() << "saved";
-    } catch (EKError const& error) {
-        EXPECT_STREQ(error.what(), "Quillora cannot change calendars yet; nothing was saved.");
-    }
-    EXPECT_THROW(subject.remove(event, EKSpan::thisEvent), EKError);
-}
-
 TEST_F(FolderEventStoreTests, severalThreadsMayAskAtOnce) {
     home.write("One/x/a.ics", smallFile({smallEvent("a", "One")}));
     add("One");
