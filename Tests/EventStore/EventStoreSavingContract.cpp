@@ -287,3 +287,66 @@ TEST_P(EventStoreContract, whatHasGoneCannotBeRemoved) {
     }
     EXPECT_EQ(startsOf(eventsTitled(*store, "Series")), (Starts{seriesStart, seriesStart + 2 * day}));
 }
+
+TEST_P(EventStoreContract, futureOccurrencesSavedAreASeriesOfTheirOwn) {
+    auto const store = GetParam().make();
+    auto event = eventsTitled(*store, "Series").at(1);
+    auto const identifier = event.eventIdentifier;
+    event.title = "Later";
+    event.startDate = event.startDate->addingTimeInterval(hour);
+    event.endDate = event.startDate->addingTimeInterval(2 * hour);
+    store->save(event, EKSpan::futureEvents);
+    EXPECT_NE(event.eventIdentifier, identifier);
+
+    auto const before = only(eventsTitled(*store, "Series"));
+    EXPECT_EQ(before.eventIdentifier, identifier);
+    EXPECT_EQ(before.startDate, at(seriesStart));
+    auto const after = eventsTitled(*store, "Later");
+    EXPECT_EQ(startsOf(after), (Starts{seriesStart + day + hour, seriesStart + 2 * day + hour}));
+    for (auto const& occurrence : after) {
+        EXPECT_EQ(occurrence.eventIdentifier, event.eventIdentifier);
+        EXPECT_EQ(occurrence.endDate->timeIntervalSince(*occurrence.startDate), 2 * hour);
+    }
+}
+
+TEST_P(EventStoreContract, futureOccurrencesFromTheFirstOnAreTheWholeSeries) {
+    auto const store = GetParam().make();
+    auto event = eventsTitled(*store, "Series").at(0);
+    auto const identifier = event.eventIdentifier;
+    event.title = "All";
+    event.startDate = event.startDate->addingTimeInterval(-hour);
+    event.endDate = event.startDate->addingTimeInterval(hour);
+    store->save(event, EKSpan::futureEvents);
+    EXPECT_EQ(event.eventIdentifier, identifier);
+    EXPECT_TRUE(eventsTitled(*store, "Series").empty());
+    auto const all = eventsTitled(*store, "All");
+    EXPECT_EQ(startsOf(all),
+              (Starts{seriesStart - hour, seriesStart + day - hour, seriesStart + 2 * day - hour}));
+    for (auto const& occurrence : all)
+        EXPECT_EQ(occurrence.eventIdentifier, identifier);
+}
+
+TEST_P(EventStoreContract, futureOccurrencesRemovedLeaveTheEarlierOnes) {
+    auto const store = GetParam().make();
+    store->remove(eventsTitled(*store, "Series").at(1), EKSpan::futureEvents);
+    EXPECT_EQ(startsOf(eventsTitled(*store, "Series")), (Starts{seriesStart}));
+    EXPECT_EQ(eventsTitled(*store, "Meeting").size(), 1U);
+}
+
+TEST_P(EventStoreContract, futureOccurrencesRemovedFromTheFirstOnAreTheWholeSeries) {
+    auto const store = GetParam().make();
+    auto const first = eventsTitled(*store, "Series").at(0);
+    store->remove(first, EKSpan::futureEvents);
+    EXPECT_FALSE(store->eventWithIdentifier(*first.eventIdentifier).has_value());
+    EXPECT_TRUE(eventsTitled(*store, "Series").empty());
+}
+
+TEST_P(EventStoreContract, aSingleEventHasNoFutureButItself) {
+    auto const store = GetParam().make();
+    auto event = only(eventsTitled(*store, "Meeting"));
+    event.title = "Changed";
+    store->save(event, EKSpan::futureEvents);
+    EXPECT_EQ(only(eventsTitled(*store, "Changed")).eventIdentifier, event.eventIdentifier);
+    store->remove(event, EKSpan::futureEvents);
+    EXPECT_TRUE(eventsTitled(*store, "Changed").empty());
+}

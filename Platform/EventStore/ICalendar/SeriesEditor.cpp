@@ -2,6 +2,7 @@
 
 #include "Platform/EventStore/ICalendar/CivilDays.h"
 #include "Platform/EventStore/ICalendar/EventTextWriter.h"
+#include "Platform/EventStore/ICalendar/OccurrenceTimes.h"
 #include "Platform/EventStore/ICalendar/TimeZoneWriter.h"
 
 #include <algorithm>
@@ -21,15 +22,6 @@ std::vector<std::shared_ptr<CalendarFile const>> filesOf(std::vector<CalendarSou
 
 std::int64_t seconds(Foundation::Date date) {
     return static_cast<std::int64_t>(std::floor(date.secondsSince1970));
-}
-
-EventTimes timesOf(Occurrence const& occurrence) {
-    if (occurrence.isAllDay) {
-        return {.isAllDay = true,
-                .start = occurrence.firstDay.time_since_epoch().count() * secondsPerDay,
-                .end = occurrence.endDay.time_since_epoch().count() * secondsPerDay};
-    }
-    return {.isAllDay = false, .start = seconds(occurrence.start), .end = seconds(occurrence.end)};
 }
 
 std::int64_t lengthOf(EventTimes const& times) {
@@ -84,9 +76,8 @@ std::optional<Occurrence> SeriesEditor::occurrence(std::optional<std::string> co
     return std::nullopt;
 }
 
-std::expected<CalendarEdit, std::string> SeriesEditor::save(Occurrence const& occurrence,
-                                                            EventChange const& change, EditSpan span,
-                                                            EditCircumstances const& given) const {
+EditResult SeriesEditor::save(Occurrence const& occurrence, EventChange const& change, EditSpan span,
+                              EditCircumstances const& given) const {
     auto const& shown = parts.partOf(occurrence.event);
     if (!parts.series().master() || !occurrence.key) return edited(shown, occurrence, change, given);
     if (span == EditSpan::thisOccurrence) {
@@ -98,17 +89,32 @@ std::expected<CalendarEdit, std::string> SeriesEditor::save(Occurrence const& oc
         if (isException) return edited(shown, occurrence, own, given);
         return withException(occurrence, own, given);
     }
-    return std::unexpected("changing all future events is not possible yet");
+    SeriesTimes const times(*parts.series().master(), viewerZone);
+    SeriesSplit const split(parts, times.localOfKey(*occurrence.key).value(), viewer);
+    if (!split.hasEarlier()) return split.whole(occurrence, change, given.now);
+    // The division itself must neither lose nor add anything; then what changes may go into it.
+    auto const plain = split.divided(occurrence, {}, given.newUID, given.now);
+    if (!plain) return plain;
+    if (!showsTheSame(*plain, occurrence)) {
+        return std::unexpected(
+            "The series repeats in a way that cannot be divided at this event; change this "
+            "event alone, or the whole series from its first event on");
+    }
+    return split.divided(occurrence, change, given.newUID, given.now);
 }
 
-std::expected<CalendarEdit, std::string> SeriesEditor::remove(Occurrence const& occurrence, EditSpan span,
-                                                              EditCircumstances const& given) const {
+EditResult SeriesEditor::remove(Occurrence const& occurrence, EditSpan span,
+                                EditCircumstances const& given) const {
     if (!occurrence.key) return withoutAll();
     if (span == EditSpan::thisOccurrence) {
         auto edit = withoutOccurrence(occurrence, given);
         return isEmptyAfter(edit) ? withoutAll() : edit;
     }
-    return std::unexpected("removing all future events is not possible yet");
+    if (!parts.series().master()) return withoutAll();
+    SeriesTimes const times(*parts.series().master(), viewerZone);
+    SeriesSplit const split(parts, times.localOfKey(*occurrence.key).value(), viewer);
+    if (!split.hasEarlier()) return withoutAll();
+    return split.ended(given.now);
 }
 
 // The exceptions of that occurrence, in whatever version. Without a master each stands by its own name.
@@ -278,15 +284,49 @@ CalendarEdit SeriesEditor::withoutAll() const {
     return builder.edit();
 }
 
-// Whether nothing of the event would be left to see.
-bool SeriesEditor::isEmptyAfter(CalendarEdit const& edit) const {
+// The files as they would be.
+std::vector<std::shared_ptr<CalendarFile const>> SeriesEditor::filesAfter(CalendarEdit const& edit) const {
     std::vector<std::shared_ptr<CalendarFile const>> files;
     for (std::size_t index = 0; index < sources.size(); ++index) {
         auto const change = std::ranges::find(edit.files, index, &CalendarEdit::FileEdit::source);
         files.push_back(change == edit.files.end() ? sources[index].file
                                                    : read(spliced(sources[index].bytes, change->splices)));
     }
-    return !SeriesSet(std::move(files), zones).firstOccurrence(parts.uid(), viewer).has_value();
+    if (edit.newItem) {
+        auto const zonesOfOrigin = missingTimeZones(edit.newItem->components, nullptr,
+                                                    sources[edit.newItem->origin].file.get(), "\r\n");
+        files.push_back(read(newCalendar(zonesOfOrigin + edit.newItem->components)));
+    }
+    return files;
+}
+
+// Whether nothing of the event would be left to see.
+bool SeriesEditor::isEmptyAfter(CalendarEdit const& edit) const {
+    return !SeriesSet(filesAfter(edit), zones).firstOccurrence(parts.uid(), viewer).has_value();
+}
+
+// Whether the years around the occurrence would show what they show now.
+bool SeriesEditor::showsTheSame(CalendarEdit const& edit, Occurrence const& around) const {
+    constexpr double year = 366.0 * secondsPerDay;
+    auto const from = around.start.addingTimeInterval(-2 * year);
+    auto const to = around.start.addingTimeInterval(4 * year);
+    SeriesSet const after(filesAfter(edit), zones);
+    bool isCut = false;
+    std::vector<std::pair<double, double>> shownBefore;
+    std::vector<std::pair<double, double>> shownAfter;
+    auto const collect = [&](SeriesSet const& set, std::string const& uid, auto& shown) {
+        auto const found = set.occurrencesOfSeries(uid, from, to, viewer);
+        isCut = isCut || !found.problems.empty();
+        for (auto const& occurrence : found.occurrences)
+            shown.emplace_back(occurrence.start.secondsSince1970, occurrence.end.secondsSince1970);
+    };
+    collect(all, parts.uid(), shownBefore);
+    collect(after, parts.uid(), shownAfter);
+    collect(after, edit.uid, shownAfter);
+    std::ranges::sort(shownBefore);
+    std::ranges::sort(shownAfter);
+    // Nobody counts what happens tens of thousands of times.
+    return isCut || shownBefore == shownAfter;
 }
 
 } // namespace Platform::ICalendar

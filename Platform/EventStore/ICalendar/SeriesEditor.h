@@ -7,11 +7,11 @@
 #include "Platform/EventStore/ICalendar/EventTextWriter.h"
 #include "Platform/EventStore/ICalendar/SeriesParts.h"
 #include "Platform/EventStore/ICalendar/SeriesSet.h"
+#include "Platform/EventStore/ICalendar/SeriesSplit.h"
 #include "Platform/EventStore/ICalendar/SeriesTimes.h"
 #include "Platform/EventStore/ICalendar/WritingClock.h"
 
 #include <cstdint>
-#include <expected>
 #include <memory>
 #include <optional>
 #include <string>
@@ -46,13 +46,12 @@ public:
 
     /// Changes an occurrence that `occurrence` gave, and with `thisAndFuture` all that follow it. The error
     /// is a reason for people.
-    [[nodiscard]] std::expected<CalendarEdit, std::string> save(Occurrence const& occurrence,
-                                                                EventChange const& change, EditSpan span,
-                                                                EditCircumstances const& given) const;
+    [[nodiscard]] EditResult save(Occurrence const& occurrence, EventChange const& change, EditSpan span,
+                                  EditCircumstances const& given) const;
 
     /// Removes one, or with `thisAndFuture` all from it on.
-    [[nodiscard]] std::expected<CalendarEdit, std::string> remove(Occurrence const& occurrence, EditSpan span,
-                                                                  EditCircumstances const& given) const;
+    [[nodiscard]] EditResult remove(Occurrence const& occurrence, EditSpan span,
+                                    EditCircumstances const& given) const;
 
 private:
     [[nodiscard]] std::vector<SeriesPart const*> exceptionsOf(Occurrence const& occurrence) const;
@@ -69,7 +68,9 @@ private:
     [[nodiscard]] CalendarEdit withoutOccurrence(Occurrence const& occurrence,
                                                  EditCircumstances const& given) const;
     [[nodiscard]] CalendarEdit withoutAll() const;
+    [[nodiscard]] std::vector<std::shared_ptr<CalendarFile const>> filesAfter(CalendarEdit const& edit) const;
     [[nodiscard]] bool isEmptyAfter(CalendarEdit const& edit) const;
+    [[nodiscard]] bool showsTheSame(CalendarEdit const& edit, Occurrence const& around) const;
 
     std::vector<CalendarSource> const& sources;
     std::shared_ptr<ZoneCatalog> zones;
