@@ -1,8 +1,7 @@
 #include "Applications/Companion/CommandLine.h"
 
 #include "Applications/Companion/Texts.h"
-
-#include <CLI/CLI.hpp>
+#include "Applications/Options/OptionWords.h"
 
 #include <algorithm>
 #include <utility>
@@ -15,57 +14,26 @@ bool looksLikeOption(std::string_view word) {
     return word.size() > 1 && word.starts_with('-');
 }
 
-// The parsed options of one command, with the words that are none.
-struct ParsedWords {
-    std::map<std::string, std::string, std::less<>> options;
-    std::vector<std::string> others;
-    bool asksForHelp = false;
-};
-
-// CLI11 names the option at the start of its message; the message itself is written for programmers.
-[[noreturn]] void refuseMissingValue(Command const& command, std::string_view message) {
+Options::OptionWords readOptions(Command const& command, std::vector<std::string> words) {
+    std::vector<Options::OptionForm> forms{{.names = "-h,--help", .takesValue = false}};
     for (auto const& option : command.options)
-        if (message.starts_with(option.name + ":"))
-            throw CommandError::wrongUse(Texts::missingValue(command.path, option.name, option.valueName));
-    throw CommandError::wrongUse(Texts::badOptions(command.path, message));
+        forms.push_back({.names = option.name, .takesValue = !option.valueName.empty()});
+    return Options::readOptionWords(forms, std::move(words));
 }
 
-ParsedWords parseOptions(Command const& command, std::vector<std::string> words) {
-    CLI::App parser;
-    parser.set_help_flag();
-    parser.allow_extras();
-    bool asksForHelp = false;
-    parser.add_flag("-h,--help", asksForHelp);
-
-    // CLI11 keeps pointers to where the values go, so the map is complete before it parses.
-    struct Slot {
-        CLI::Option* option;
-        std::vector<std::string> values;
-    };
-    std::map<std::string, Slot, std::less<>> slots;
-    for (auto const& option : command.options) {
-        auto& slot = slots[option.name];
-        slot.option = option.valueName.empty()
-                          ? parser.add_flag(option.name)
-                          : parser.add_option(option.name, slot.values)->expected(1)->allow_extra_args(false);
-        slot.option->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+[[noreturn]] void refuse(Command const& command, Options::OptionFault const& fault) {
+    using Kind = Options::OptionFault::Kind;
+    switch (fault.kind) {
+    case Kind::missingValue: {
+        auto const option = std::ranges::find(command.options, fault.option, &CommandOption::name);
+        auto const value = option == command.options.end() ? "" : option->valueName;
+        throw CommandError::wrongUse(Texts::missingValue(command.path, fault.option, value));
     }
-    try {
-        std::ranges::reverse(words); // Its parse takes the words from the back.
-        parser.parse(words);
-    } catch (CLI::ArgumentMismatch const& error) {
-        refuseMissingValue(command, error.what());
-    } catch (CLI::ParseError const& error) {
-        throw CommandError::wrongUse(Texts::badOptions(command.path, error.what()));
+    case Kind::unexpectedValue:
+        throw CommandError::wrongUse(Texts::unexpectedValue(command.path, fault.option));
+    case Kind::repeated: throw CommandError::wrongUse(Texts::repeatedOption(fault.option));
     }
-
-    ParsedWords parsed{.options = {}, .others = parser.remaining(), .asksForHelp = asksForHelp};
-    for (auto const& [name, slot] : slots) {
-        if (slot.option->count() > 1) throw CommandError::wrongUse(Texts::repeatedOption(name));
-        if (slot.option->count() == 1)
-            parsed.options.emplace(name, slot.values.empty() ? "" : slot.values.front());
-    }
-    return parsed;
+    std::unreachable();
 }
 
 // The words that are the command's arguments: those before "--" must not look like options.
@@ -155,12 +123,13 @@ CommandLine parseCommandLine(std::vector<std::string> const& words) {
     Command const* command = takeCommand(rest);
     if (command == nullptr || command->run == nullptr) return parseForGroup(command, rest);
 
-    auto parsed = parseOptions(*command, std::move(rest));
-    if (parsed.asksForHelp) return HelpRequest{command};
-    auto arguments = positionalWords(*command, std::move(parsed.others));
-    checkOptions(*command, parsed.options);
+    auto read = readOptions(*command, std::move(rest));
+    if (read.has("--help")) return HelpRequest{command};
+    if (read.fault) refuse(*command, *read.fault);
+    auto arguments = positionalWords(*command, std::move(read.others));
+    checkOptions(*command, read.values);
     checkArguments(*command, arguments);
-    return CommandToRun{command, ArgumentValues(std::move(parsed.options), std::move(arguments))};
+    return CommandToRun{command, ArgumentValues(std::move(read.values), std::move(arguments))};
 }
 
 } // namespace Companion

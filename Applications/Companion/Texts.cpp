@@ -188,8 +188,8 @@ std::string repeatedOption(std::string_view option) {
     return text("repeated-option", option);
 }
 
-std::string badOptions(std::string_view command, std::string_view reason) {
-    return text("bad-options", Foundation::Text::sanitizedUTF8(reason), seeHelp(command));
+std::string unexpectedValue(std::string_view command, std::string_view option) {
+    return text("unexpected-value", option, seeHelp(command));
 }
 
 std::string missingArgument(std::string_view command, std::string_view argument) {

@@ -57,7 +57,7 @@ std::string unknownChoice(std::string_view option, std::string_view value,
 std::string optionsExclude(std::string_view option, std::string_view other);
 std::string missingValue(std::string_view command, std::string_view option, std::string_view value);
 std::string repeatedOption(std::string_view option);
-std::string badOptions(std::string_view command, std::string_view reason);
+std::string unexpectedValue(std::string_view command, std::string_view option);
 std::string missingArgument(std::string_view command, std::string_view argument);
 std::string unexpectedArgument(std::string_view command, std::string_view argument);
 std::string notANumber(std::string_view option, std::string_view value);

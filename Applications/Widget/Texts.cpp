@@ -54,9 +54,16 @@ std::string placementsExclude() {
     return text("placements-exclude");
 }
 
-std::string wrongOption(std::string_view reason) {
-    auto const line = Foundation::Text::sanitizedUTF8(reason.substr(0, reason.find('\n')));
-    return text("wrong-option", Foundation::Text::neutralized(line));
+std::string missingValue(std::string_view option) {
+    return text("missing-value", option);
+}
+
+std::string unexpectedValue(std::string_view option) {
+    return text("unexpected-value", option);
+}
+
+std::string repeatedOption(std::string_view option) {
+    return text("repeated-option", option);
 }
 
 std::string unknownWord(std::string_view word) {

@@ -21,7 +21,9 @@ std::string version();
 // Errors, one line each without its end.
 std::string noDisplay();
 std::string placementsExclude();
-std::string wrongOption(std::string_view reason);
+std::string missingValue(std::string_view option);
+std::string unexpectedValue(std::string_view option);
+std::string repeatedOption(std::string_view option);
 std::string unknownWord(std::string_view word);
 std::string unknownFamily(std::string_view name);
 std::string unknownScheme(std::string_view name);

@@ -1,65 +1,70 @@
 #include "Applications/Widget/WidgetOptions.h"
 
+#include "Applications/Options/OptionWords.h"
 #include "Applications/Widget/Texts.h"
 #include "Foundation/DateFormatting.h"
 
-#include <CLI/CLI.hpp>
-
+#include <algorithm>
 #include <array>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace Widget {
 
 namespace {
 
-/// The words as they stand, before their values are looked at.
-struct Words {
-    std::optional<std::string> family;
-    std::optional<std::string> moment;
-    std::optional<std::string> scheme;
-    bool isWindow = false;
-    bool isDesktop = false;
-    bool asksForHelp = false;
-    bool asksForVersion = false;
-    bool printsFirstFrame = false;
-    bool quitsAfterFirstFrame = false;
-};
+using Options::OptionFault;
+using Options::OptionForm;
 
 EarlyEnd wrongUse(std::string text) {
     return {.exitCode = 2, .text = std::move(text)};
 }
 
-std::expected<Words, EarlyEnd> readWords(int count, char const* const* arguments) {
-    Words words;
-    CLI::App parser;
-    parser.set_help_flag();
-    parser.add_option("--family", words.family);
-    parser.add_option("--at", words.moment);
-    parser.add_option("--scheme", words.scheme);
-    parser.add_flag("--window", words.isWindow);
-    parser.add_flag("--desktop", words.isDesktop);
-    parser.add_flag("-h,--help", words.asksForHelp);
-    parser.add_flag("--version", words.asksForVersion);
-    parser.add_flag("--print-first-frame", words.printsFirstFrame);
-    parser.add_flag("--quit-after-first-frame", words.quitsAfterFirstFrame);
-    // What is left over is told in our own words.
-    parser.allow_extras();
-    try {
-        parser.parse(count, arguments);
-    } catch (CLI::ParseError const& error) {
-        return std::unexpected(wrongUse(Texts::wrongOption(error.what())));
+Options::OptionWords readWords(int count, char const* const* arguments) {
+    std::array const forms{
+        OptionForm{.names = "--family", .takesValue = true},
+        OptionForm{.names = "--at", .takesValue = true},
+        OptionForm{.names = "--scheme", .takesValue = true},
+        OptionForm{.names = "--window", .takesValue = false},
+        OptionForm{.names = "--desktop", .takesValue = false},
+        OptionForm{.names = "-h,--help", .takesValue = false},
+        OptionForm{.names = "--version", .takesValue = false},
+        OptionForm{.names = "--print-first-frame", .takesValue = false},
+        OptionForm{.names = "--quit-after-first-frame", .takesValue = false},
+    };
+    // A program may be started without even its own name.
+    auto const* const first = arguments + std::min(count, 1);
+    return Options::readOptionWords(forms, std::vector<std::string>(first, arguments + count));
+}
+
+std::string faultText(OptionFault const& fault) {
+    switch (fault.kind) {
+    case OptionFault::Kind::missingValue: return Texts::missingValue(fault.option);
+    case OptionFault::Kind::unexpectedValue: return Texts::unexpectedValue(fault.option);
+    case OptionFault::Kind::repeated: return Texts::repeatedOption(fault.option);
     }
-    if (words.asksForHelp) {
-        return std::unexpected(EarlyEnd{.exitCode = 0, .text = Texts::help()});
+    std::unreachable();
+}
+
+/// What the words ask for without a look at the values: an answer, or what is wrong with the words.
+std::optional<EarlyEnd> endOf(Options::OptionWords const& words) {
+    if (words.has("--help")) {
+        return EarlyEnd{.exitCode = 0, .text = Texts::help()};
     }
-    if (words.asksForVersion) {
-        return std::unexpected(EarlyEnd{.exitCode = 0, .text = Texts::version()});
+    if (words.has("--version")) {
+        return EarlyEnd{.exitCode = 0, .text = Texts::version()};
     }
-    if (auto const extras = parser.remaining(); !extras.empty()) {
-        return std::unexpected(wrongUse(Texts::unknownWord(extras.front())));
+    if (words.fault) {
+        return wrongUse(faultText(*words.fault));
     }
-    return words;
+    if (!words.others.empty()) {
+        return wrongUse(Texts::unknownWord(words.others.front()));
+    }
+    if (words.has("--window") && words.has("--desktop")) {
+        return wrongUse(Texts::placementsExclude());
+    }
+    return std::nullopt;
 }
 
 std::optional<Platform::WidgetFamily> offeredFamily(std::string_view name) {
@@ -71,40 +76,38 @@ std::optional<Platform::WidgetFamily> offeredFamily(std::string_view name) {
 
 std::expected<WidgetOptions, EarlyEnd> parseCommandLine(int count, char const* const* arguments,
                                                         Foundation::Calendar const& calendar) {
-    auto const read = readWords(count, arguments);
-    if (!read) {
-        return std::unexpected(read.error());
+    auto const words = readWords(count, arguments);
+    if (auto end = endOf(words)) {
+        return std::unexpected(*std::move(end));
     }
-    Words const& words = *read;
     WidgetOptions options{
         .family = std::nullopt,
         .fixedMoment = std::nullopt,
         .colorScheme = std::nullopt,
-        .placement = words.isWindow ? Platform::WindowPlacement::window : Platform::WindowPlacement::desktop,
-        .printsFirstFrame = words.printsFirstFrame,
-        .quitsAfterFirstFrame = words.quitsAfterFirstFrame,
+        .placement =
+            words.has("--window") ? Platform::WindowPlacement::window : Platform::WindowPlacement::desktop,
+        .printsFirstFrame = words.has("--print-first-frame"),
+        .quitsAfterFirstFrame = words.has("--quit-after-first-frame"),
     };
-    if (words.isWindow && words.isDesktop) {
-        return std::unexpected(wrongUse(Texts::placementsExclude()));
-    }
-    if (words.family) {
-        options.family = offeredFamily(*words.family);
+    if (auto const name = words.value("--family")) {
+        options.family = offeredFamily(*name);
         if (!options.family) {
-            return std::unexpected(wrongUse(Texts::unknownFamily(*words.family)));
+            return std::unexpected(wrongUse(Texts::unknownFamily(*name)));
         }
     }
-    if (words.moment) {
-        options.fixedMoment = Foundation::momentFromISO8601(*words.moment, calendar);
+    if (auto const text = words.value("--at")) {
+        options.fixedMoment = Foundation::momentFromISO8601(*text, calendar);
         if (!options.fixedMoment) {
-            return std::unexpected(wrongUse(Texts::unreadableMoment(*words.moment)));
+            return std::unexpected(wrongUse(Texts::unreadableMoment(*text)));
         }
     }
-    if (words.scheme == "light") {
+    auto const scheme = words.value("--scheme");
+    if (scheme == "light") {
         options.colorScheme = Platform::ColorScheme::light;
-    } else if (words.scheme == "dark") {
+    } else if (scheme == "dark") {
         options.colorScheme = Platform::ColorScheme::dark;
-    } else if (words.scheme && words.scheme != "auto") {
-        return std::unexpected(wrongUse(Texts::unknownScheme(*words.scheme)));
+    } else if (scheme && scheme != "auto") {
+        return std::unexpected(wrongUse(Texts::unknownScheme(*scheme)));
     }
     return options;
 }

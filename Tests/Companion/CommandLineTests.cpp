@@ -64,6 +64,7 @@ TEST(CommandLineTests, helpIsThereOnEveryLevel) {
     EXPECT_EQ(helpedCommand({"sources", "--help"})->path, "sources");
     EXPECT_EQ(helpedCommand({"sources", "add", "-h"})->path, "sources add");
     EXPECT_EQ(helpedCommand({"day", "--offset", "1", "--help"})->path, "day");
+    EXPECT_EQ(helpedCommand({"day", "--help", "--offset"})->path, "day");
 }
 
 TEST(CommandLineTests, theVersionIsAskedForAtTheTopAlone) {
@@ -121,6 +122,10 @@ INSTANTIATE_TEST_SUITE_P(
         WrongUse{"optionWithNothing",
                  {"day", "--offset="},
                  R"(--offset needs a value: N; see "quillora day --help")"},
+        WrongUse{"switchWithAValue",
+                 {"day", "--json=maybe"},
+                 R"(--json takes no value; see "quillora day --help")"},
+        WrongUse{"switchTwice", {"day", "--json", "--json"}, "--json can be given only once"},
         WrongUse{"optionTwice", {"day", "--offset", "1", "--offset", "1"}, "--offset can be given only once"},
         WrongUse{"unknownChoice",
                  {"day", "--family", "huge"},

@@ -73,7 +73,25 @@ TEST(WidgetOptionsTests, wrongUseIsOneClearLine) {
                  .text = "\"--colour\" is no option; quillora-widget --help lists them."},
              Row{.words = {"today"}, .text = "\"today\" is no option; quillora-widget --help lists them."},
              Row{.words = {"--family"},
-                 .text = "--family: 1 required TEXT missing; quillora-widget --help lists the options."},
+                 .text = "--family needs a value; quillora-widget --help lists the options."},
+             Row{.words = {"--window", "--at="},
+                 .text = "--at needs a value; quillora-widget --help lists the options."},
+             Row{.words = {"--family", ""}, .text = "There is no family \"\"; use small, medium or large."},
+             Row{.words = {"--window=maybe"},
+                 .text = "--window takes no value; quillora-widget --help lists the options."},
+             Row{.words = {"--desktop=3"},
+                 .text = "--desktop takes no value; quillora-widget --help lists the options."},
+             Row{.words = {"--family", "small", "--family", "large"},
+                 .text = "--family can be given only once."},
+             Row{.words = {"--window", "--window"}, .text = "--window can be given only once."},
+             Row{.words = {"-x"}, .text = "\"-x\" is no option; quillora-widget --help lists them."},
+             Row{.words = {"--fam=small"},
+                 .text = "\"--fam=small\" is no option; quillora-widget --help lists them."},
+             Row{.words = {"--"}, .text = "\"--\" is no option; quillora-widget --help lists them."},
+             Row{.words = {"--=x"}, .text = "\"--=x\" is no option; quillora-widget --help lists them."},
+             Row{.words = {"a\nb\x1b"},
+                 .text = "\"a b\uFFFD\" is no option; quillora-widget --help lists them."},
+             Row{.words = {"[a,b]"}, .text = "\"[a,b]\" is no option; quillora-widget --help lists them."},
          }) {
         SCOPED_TRACE(row.text);
         auto const result = parsed(row.words);
@@ -92,8 +110,11 @@ TEST(WidgetOptionsTests, emptyValuesAreWrongUse) {
 }
 
 TEST(WidgetOptionsTests, helpAndVersionAreAnswersWhateverElseStands) {
-    for (std::vector<std::string> const& words :
-         {std::vector<std::string>{"--help"}, {"-h", "--family", "huge"}, {"--version"}}) {
+    for (std::vector<std::string> const& words : {std::vector<std::string>{"--help"},
+                                                  {"-h", "--family", "huge"},
+                                                  {"--version"},
+                                                  {"--help", "--help"},
+                                                  {"--help", "--family"}}) {
         auto const result = parsed(words);
         ASSERT_FALSE(result.has_value());
         EXPECT_EQ(result.error().exitCode, 0);
