@@ -1,56 +1,8 @@
 #include "Applications/Widget/CalendarWatches.h"
 
-#include <system_error>
 #include <utility>
 
 namespace Widget {
-
-namespace {
-
-/// Past this many folders the rest is followed by the host's ordinary reload: watches are a scarce resource
-/// that the whole session shares.
-constexpr std::size_t mostFolders = 512;
-
-using Folders = std::vector<std::filesystem::path>;
-
-bool isHidden(std::filesystem::path const& path) {
-    return path.filename().native().starts_with('.');
-}
-
-void appendRoot(Folders& folders, std::filesystem::path const& root) {
-    // The store reads no relative root either: it would lie wherever the program was started.
-    if (!root.is_absolute() || folders.size() >= mostFolders) {
-        return;
-    }
-    std::error_code failure;
-    std::filesystem::directory_iterator entries(root, failure);
-    if (failure) {
-        return;
-    }
-    folders.push_back(root);
-    for (; entries != std::filesystem::directory_iterator() && folders.size() < mostFolders;
-         entries.increment(failure)) {
-        if (failure) {
-            return;
-        }
-        std::error_code unknown;
-        if (!isHidden(entries->path()) && entries->is_directory(unknown)) {
-            folders.push_back(entries->path());
-        }
-    }
-}
-
-} // namespace
-
-Folders calendarFolders(Platform::CalendarStorePlaces const& places,
-                        Platform::CalendarStoreConfiguration const& configuration) {
-    Folders folders;
-    appendRoot(folders, places.nativeCalendar);
-    for (auto const& root : configuration.load().roots) {
-        appendRoot(folders, root.path);
-    }
-    return folders;
-}
 
 CalendarWatches::CalendarWatches(Platform::FolderEvents& events, Platform::CalendarStorePlaces places,
                                  std::shared_ptr<Platform::CalendarStoreConfiguration const> configuration,
@@ -69,10 +21,10 @@ void CalendarWatches::update() {
                          std::shared_ptr<Platform::CalendarStoreConfiguration const> configuration,
                          Platform::MainLoop* loop,
                          std::weak_ptr<CalendarWatches*> weak) -> Foundation::Task<void> {
-        auto folders = calendarFolders(places, *configuration);
-        loop->invoke([weak = std::move(weak), folders = std::move(folders)] {
+        auto found = watchedPlaces(places, *configuration);
+        loop->invoke([weak = std::move(weak), found = std::move(found)] {
             if (auto const watches = weak.lock()) {
-                (*watches)->watch(folders);
+                (*watches)->watch(found);
             }
         });
         co_return;
@@ -80,24 +32,43 @@ void CalendarWatches::update() {
     executor.start(list(places, configuration, &mainLoop, self));
 }
 
-void CalendarWatches::watch(Folders const& folders) {
+void CalendarWatches::watch(std::vector<WatchedPlace> const& wanted) {
     bool const isFirst = watches.empty();
     bool hasNew = false;
     auto former = std::exchange(watches, {});
-    for (auto const& folder : folders) {
-        auto known = former.extract(folder);
+    for (auto const& place : wanted) {
+        auto known = former.extract(place);
         if (!known.empty() && known.mapped()->isWatching()) {
             watches.insert(std::move(known));
             continue;
         }
-        watches.try_emplace(folder, std::make_unique<Platform::FolderWatch>(
-                                        events, folder, std::vector<std::string>{}, [this] { changed(); }));
-        hasNew = true;
+        auto watch = watchOf(place);
+        // One that cannot be had is no news, or this would never come to an end.
+        hasNew = hasNew || watch->isWatching();
+        watches.emplace(place, std::move(watch));
     }
-    if (hasNew && !isFirst) {
-        // Files may have come into a new folder after it was read and before it was watched.
+    if (!hasNew) {
+        return;
+    }
+    // Folders and files may have come into a new place after it was listed and before it was watched.
+    update();
+    if (!isFirst) {
         onChange();
     }
+}
+
+std::unique_ptr<Platform::FolderWatch> CalendarWatches::watchOf(WatchedPlace const& place) {
+    auto const tell = [this] { changed(); };
+    switch (place.kind) {
+    case WatchedPlace::Kind::calendars:
+        return std::make_unique<Platform::FolderWatch>(events, place.folder, std::vector<std::string>{},
+                                                       tell);
+    case WatchedPlace::Kind::entry:
+        return std::make_unique<Platform::FolderWatch>(events, place.folder, std::vector{place.name}, tell);
+    case WatchedPlace::Kind::itself:
+        return std::make_unique<Platform::FolderWatch>(events, place.folder, tell);
+    }
+    std::unreachable();
 }
 
 void CalendarWatches::changed() {

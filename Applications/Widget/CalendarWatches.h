@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Applications/Widget/WatchedPlaces.h"
 #include "Foundation/Task.h"
 #include "Platform/EventStore/Folder/CalendarStoreConfiguration.h"
 #include "Platform/EventStore/Folder/CalendarStorePlaces.h"
@@ -7,7 +8,6 @@
 #include "Platform/WidgetHost/GLibSource.h"
 #include "Platform/WidgetHost/MainLoop.h"
 
-#include <filesystem>
 #include <functional>
 #include <map>
 #include <memory>
@@ -15,13 +15,8 @@
 
 namespace Widget {
 
-/// The folders whose files are calendars: the product's own, each root of the list, and the folders directly
-/// in a root; 512 at most. Relative roots and those that cannot be read are left out.
-std::vector<std::filesystem::path> calendarFolders(Platform::CalendarStorePlaces const& places,
-                                                   Platform::CalendarStoreConfiguration const& configuration);
-
-/// Notices when a program writes into the person's calendars. On the main loop's thread but for the listing
-/// of folders, which may take long.
+/// Notices when a program writes into the person's calendars, and when a folder of them is moved away, comes
+/// back or is made only later. On the main loop's thread but for the listing of folders, which may take long.
 class CalendarWatches final {
 public:
     /// A program that brings many files tells of it many times; this is how long more of them are awaited.
@@ -39,7 +34,8 @@ public:
     void update();
 
 private:
-    void watch(std::vector<std::filesystem::path> const& folders);
+    void watch(std::vector<WatchedPlace> const& wanted);
+    std::unique_ptr<Platform::FolderWatch> watchOf(WatchedPlace const& place);
     void changed();
 
     Platform::FolderEvents& events;
@@ -48,7 +44,7 @@ private:
     Foundation::TaskExecutor executor;
     Platform::MainLoop& mainLoop;
     std::function<void()> onChange;
-    std::map<std::filesystem::path, std::unique_ptr<Platform::FolderWatch>> watches;
+    std::map<WatchedPlace, std::unique_ptr<Platform::FolderWatch>> watches;
     Platform::GLibSource settled;
     bool isSettling = false;
     std::shared_ptr<CalendarWatches*> self;

@@ -14,9 +14,11 @@ namespace Platform {
 
 namespace {
 
+// Several watches may share one of the kernel's: each adds what it wants to be told.
+constexpr std::uint32_t eventsOfFolder = IN_DELETE_SELF | IN_MOVE_SELF | IN_ONLYDIR | IN_MASK_ADD;
+
 // IN_CREATE alone tells of a file that is linked in.
-constexpr std::uint32_t interestingEvents = IN_MOVED_TO | IN_MOVED_FROM | IN_CLOSE_WRITE | IN_CREATE |
-                                            IN_DELETE | IN_DELETE_SELF | IN_MOVE_SELF | IN_ONLYDIR;
+constexpr std::uint32_t eventsWithin = IN_MOVED_TO | IN_MOVED_FROM | IN_CLOSE_WRITE | IN_CREATE | IN_DELETE;
 
 } // namespace
 
@@ -37,7 +39,8 @@ int FolderEvents::add(std::filesystem::path const& folder, FolderWatch& watch) {
     if (descriptor < 0) {
         return -1;
     }
-    int const handle = inotify_add_watch(descriptor, folder.c_str(), interestingEvents);
+    auto const wanted = watch.mattersWithin() ? eventsOfFolder | eventsWithin : eventsOfFolder;
+    int const handle = inotify_add_watch(descriptor, folder.c_str(), wanted);
     if (handle >= 0) {
         watches.emplace(handle, &watch);
     }
@@ -89,7 +92,7 @@ void FolderEvents::note(int handle, unsigned mask, std::string_view name) {
     }
     auto const [first, last] = watches.equal_range(handle);
     for (auto entry = first; entry != last; ++entry) {
-        if ((mask & (IN_DELETE_SELF | IN_MOVE_SELF)) != 0) {
+        if ((mask & (IN_DELETE_SELF | IN_MOVE_SELF | IN_UNMOUNT)) != 0) {
             told[entry->second].isLost = true;
         } else if (!name.empty() && entry->second->matters(name)) {
             told[entry->second].hasChanged = true;

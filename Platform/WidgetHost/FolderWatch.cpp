@@ -14,6 +14,13 @@ FolderWatch::FolderWatch(FolderEvents& events, std::filesystem::path folder, std
     renew();
 }
 
+FolderWatch::FolderWatch(FolderEvents& events, std::filesystem::path folder, std::function<void()> onChange)
+    : events(events),
+      folder(std::move(folder)),
+      onChange(std::move(onChange)) {
+    renew();
+}
+
 FolderWatch::~FolderWatch() {
     letGo();
 }
@@ -42,7 +49,10 @@ void FolderWatch::tell(bool isLost) {
 }
 
 bool FolderWatch::matters(std::string_view name) const {
-    return names.empty() ? !name.starts_with('.') : std::ranges::find(names, name) != names.end();
+    if (!names) {
+        return false;
+    }
+    return names->empty() ? !name.starts_with('.') : std::ranges::find(*names, name) != names->end();
 }
 
 } // namespace Platform

@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -19,6 +20,10 @@ public:
     /// missing or cannot be watched is tried again by renew(). `events` has to outlive the watch.
     FolderWatch(FolderEvents& events, std::filesystem::path folder, std::vector<std::string> names,
                 std::function<void()> onChange);
+
+    /// Tells only when the folder itself is moved or removed: what happens in it wakes nobody.
+    FolderWatch(FolderEvents& events, std::filesystem::path folder, std::function<void()> onChange);
+
     FolderWatch(FolderWatch const&) = delete;
     FolderWatch& operator=(FolderWatch const&) = delete;
     ~FolderWatch();
@@ -32,12 +37,13 @@ private:
     friend class FolderEvents;
 
     void tell(bool isLost);
+    [[nodiscard]] bool mattersWithin() const { return names.has_value(); }
     [[nodiscard]] bool matters(std::string_view name) const;
     void letGo();
 
     FolderEvents& events;
     std::filesystem::path folder;
-    std::vector<std::string> names;
+    std::optional<std::vector<std::string>> names; // Absent when no entry matters.
     std::function<void()> onChange;
     int handle = -1;
 };

@@ -131,6 +131,26 @@ TEST_F(FolderWatchTests, folderThatIsReplacedIsFollowedByItsPath) {
     EXPECT_EQ(changes, 2);
 }
 
+TEST_F(FolderWatchTests, folderItselfIsToldWhenItMovesAndNotWhatHappensInIt) {
+    watch = std::make_unique<Platform::FolderWatch>(events, folder, [this] { ++changes; });
+    write(folder / "offset.json", "1");
+    std::filesystem::remove(folder / "offset.json");
+    LoopDriver::runPending();
+    EXPECT_EQ(changes, 0);
+    std::filesystem::rename(folder, root / "old");
+    EXPECT_TRUE(LoopDriver::runUntil([&] { return changes == 1; }));
+    EXPECT_FALSE(watch->isWatching());
+}
+
+TEST_F(FolderWatchTests, watchOfTheFolderItselfTakesNothingFromOneOfItsFiles) {
+    watchFor({"offset.json"});
+    int moves = 0;
+    Platform::FolderWatch const itself(events, folder, [&] { ++moves; });
+    write(folder / "offset.json", "1");
+    EXPECT_TRUE(LoopDriver::runUntil([&] { return changes == 1; }));
+    EXPECT_EQ(moves, 0);
+}
+
 TEST_F(FolderWatchTests, fileInPlaceOfTheFolderIsNotWatched) {
     std::filesystem::remove(folder);
     write(folder, "a plain file");

@@ -9,10 +9,10 @@
 /// Drives GLib's default main context on the calling thread.
 namespace LoopDriver {
 
-/// Serves the context until `condition` holds; yields whether it did within ten seconds.
+/// Serves the context until `condition` holds; yields whether it did within a minute.
 inline bool runUntil(std::function<bool()> const& condition) {
     bool isLate = false;
-    auto const guard = Platform::GLibSource::afterDelay(10'000, [&isLate] { isLate = true; });
+    auto const guard = Platform::GLibSource::afterDelay(60'000, [&isLate] { isLate = true; });
     while (!condition() && !isLate) {
         g_main_context_iteration(nullptr, TRUE);
     }

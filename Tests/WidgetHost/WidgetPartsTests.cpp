@@ -36,6 +36,7 @@ using Foundation::Calendar;
 using Foundation::Date;
 using Meetings::MeetEntity;
 using Platform::EntryKind;
+using Widget::WatchedPlace;
 using WidgetExtension::ScheduleWidgetEntry;
 
 Date moment(char const* text) {
@@ -172,7 +173,7 @@ TEST(FaceContentTests, endlessTitlesAndPlacesAreCut) {
               std::string(500, 'x') + "…\n01:30 p.m. – 02:30 p.m.\n" + std::string(500, 'y') + "…");
 }
 
-TEST(CalendarFoldersTests, rootsPastTheMostAndRelativeOnesAreLeftOut) {
+TEST(WatchedPlacesTests, rootsPastTheMostAndRelativeOnesAreLeftOut) {
     TemporaryFolder const home;
     std::string sources = R"({"kind":"folder","id":"here","path":".","title":"Here"})";
     for (int number = 0; number < 600; ++number) {
@@ -185,11 +186,13 @@ TEST(CalendarFoldersTests, rootsPastTheMostAndRelativeOnesAreLeftOut) {
     files->place("/config/calendar-store.json", R"({"version":1,"sources":[)" + sources + "]}");
     Platform::CalendarStoreConfiguration const configuration("/config", files);
     ASSERT_EQ(configuration.load().roots.size(), 601U);
-    auto const folders = Widget::calendarFolders(
+    auto places = Widget::watchedPlaces(
         {.configurationDirectory = "/config", .nativeCalendar = home / "none"}, configuration);
-    EXPECT_EQ(folders.size(), 512U);
-    EXPECT_EQ(folders.front(), home / "0");
-    EXPECT_EQ(folders.back(), home / "511");
+    EXPECT_LE(places.size(), 1024U);
+    std::erase_if(places, [](auto const& place) { return place.kind != WatchedPlace::Kind::calendars; });
+    EXPECT_EQ(places.size(), 512U);
+    EXPECT_EQ(places.front().folder, home / "0");
+    EXPECT_EQ(places.back().folder, home / "511");
 }
 
 TEST(FaceContentTests, meetsWithOneIdentifierKeepTheirOwnTooltips) {

@@ -264,6 +264,24 @@ TEST_F(WidgetProgramTests, calendarsThatOtherProgramsWriteAreFollowed) {
     EXPECT_TRUE(showsWednesday()) << "a calendar that was not there";
 }
 
+TEST_F(WidgetProgramTests, calendarsThatAreMovedAwayLeaveAndComeBack) {
+    open();
+    ASSERT_TRUE(showsWednesday());
+    std::filesystem::rename(home / "calendars", home / "away");
+    EXPECT_TRUE(dayWith(lightBrand, wednesdayColor).has_value()) << "gone";
+    std::filesystem::rename(home / "away", home / "calendars");
+    EXPECT_TRUE(showsWednesday()) << "back";
+}
+
+TEST_F(WidgetProgramTests, calendarsThatAreMadeLaterCome) {
+    std::filesystem::rename(home / "calendars", home / "away");
+    open();
+    ASSERT_TRUE(dayWith(lightBrand, wednesdayColor).has_value());
+    std::filesystem::create_directory(home / "calendars");
+    std::filesystem::rename(home / "away/Wednesday", home / "calendars/Wednesday");
+    EXPECT_TRUE(showsWednesday());
+}
+
 TEST_F(WidgetProgramTests, terminationIsACleanEnd) {
     for (int const number : {SIGTERM, SIGINT}) {
         open();
