@@ -5,6 +5,8 @@
 #include "Platform/WidgetHost/AppIntent.h"
 #include "Platform/WidgetHost/WidgetCenter.h"
 
+#include <cstdint>
+#include <functional>
 #include <memory>
 
 namespace Widget {
@@ -13,19 +15,23 @@ namespace Widget {
 /// thread.
 class DayPresses final {
 public:
+    /// `refused` hears, on the executor's thread, of a press that was not carried out because from the stored
+    /// day, which it is given, there is no further step.
     DayPresses(Foundation::TaskExecutor executor, std::shared_ptr<Platform::FileManager const> files,
-               std::shared_ptr<Platform::WidgetCenter> widgetCenter);
+               std::shared_ptr<Platform::WidgetCenter> widgetCenter,
+               std::function<void(std::int64_t storedDay)> refused);
 
     void previousDay() const;
     void nextDay() const;
     void today() const;
 
 private:
-    void perform(std::shared_ptr<Platform::AppIntent> intent) const;
+    void perform(std::shared_ptr<Platform::AppIntent> intent, std::int64_t days) const;
 
     Foundation::TaskExecutor executor;
     std::shared_ptr<Platform::FileManager const> files;
     std::shared_ptr<Platform::WidgetCenter> widgetCenter;
+    std::function<void(std::int64_t storedDay)> refused;
 };
 
 } // namespace Widget

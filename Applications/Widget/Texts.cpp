@@ -82,6 +82,18 @@ std::string unreadableMoment(std::string_view moment) {
     return text("unreadable-moment", quoted(moment));
 }
 
+std::string notRead(std::string_view path, std::string_view cause) {
+    return text("not-read", path, cause);
+}
+
+std::string notReadSince(std::string_view since, std::string_view path, std::string_view cause) {
+    return text("not-read-since", since, path, cause);
+}
+
+std::string storedDayIsOutOfRange(std::int64_t storedDay) {
+    return text("stored-day-is-out-of-range", std::to_string(storedDay));
+}
+
 Platform::FaceWindowTexts window() {
     return {
         .title = "Quillora",

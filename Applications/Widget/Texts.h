@@ -3,6 +3,7 @@
 #include "Platform/Desktop/ConsentDialog.h"
 #include "Platform/Desktop/FaceWindow.h"
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -28,6 +29,12 @@ std::string unknownWord(std::string_view word);
 std::string unknownFamily(std::string_view name);
 std::string unknownScheme(std::string_view name);
 std::string unreadableMoment(std::string_view text);
+
+// Notices beside the face. `since` is the day and time when all calendars were
+// last read.
+std::string notRead(std::string_view path, std::string_view cause);
+std::string notReadSince(std::string_view since, std::string_view path, std::string_view cause);
+std::string storedDayIsOutOfRange(std::int64_t storedDay);
 
 Platform::FaceWindowTexts window();
 Platform::ConsentDialogTexts consent();

@@ -1,19 +1,23 @@
 #include "Applications/Composition/LiveServices.h"
+#include "Applications/Widget/CalendarHealth.h"
 #include "Applications/Widget/CalendarWatches.h"
 #include "Applications/Widget/DayPresses.h"
 #include "Applications/Widget/DesktopLooks.h"
 #include "Applications/Widget/EntryChanges.h"
 #include "Applications/Widget/FaceContent.h"
 #include "Applications/Widget/FirstFrame.h"
+#include "Applications/Widget/Notices.h"
 #include "Applications/Widget/PreferenceWatches.h"
 #include "Applications/Widget/Texts.h"
 #include "Applications/Widget/WidgetOptions.h"
 #include "Foundation/Locale.h"
+#include "Meetings/MeetConfigEnum.h"
 #include "Platform/Appearance/PortalAppearanceWatch.h"
 #include "Platform/Clock/SystemRegionSettings.h"
 #include "Platform/Desktop/Display.h"
 #include "Platform/Desktop/SingleInstance.h"
 #include "Platform/EventStore/Folder/CalendarStorePlaces.h"
+#include "Platform/Logging/Logger.h"
 #include "Platform/WidgetHost/GLibMainLoop.h"
 #include "Platform/WidgetHost/LocalWidgetCenter.h"
 #include "Platform/WidgetHost/MainLoopExecutor.h"
@@ -66,6 +70,9 @@ int runWidget(Widget::WidgetOptions const& options, Foundation::Environment cons
     // The road: the host asks the provider, and what it answers becomes the face in the window.
     std::optional<Platform::FaceWindow> window;
     std::optional<Widget::PreferenceWatches> watches;
+    std::optional<Widget::CalendarHealth> health;
+    Widget::Notices notices;
+    auto const showNotices = [&] { window->setNotice(notices.text(services.region()->currentCalendar())); };
     std::optional<Platform::ResidentHost<ScheduleWidgetEntry>> host;
     Widget::DesktopLooks looks(services.appearance(), options.colorScheme, mainLoop, [&] {
         window->setAccent(looks.accentColor());
@@ -89,6 +96,12 @@ int runWidget(Widget::WidgetOptions const& options, Foundation::Environment cons
                                          *services.htmlReader(), mainExecutor));
         if (kind == Platform::EntryKind::loaded) {
             watches->renew();
+            if (health) {
+                health->check();
+            }
+            if (std::exchange(notices.refusedDay, std::nullopt)) {
+                showNotices();
+            }
             if (!std::exchange(hasShownTheDay, true)) {
                 window->afterNextFrame(firstFrame);
             }
@@ -116,13 +129,27 @@ int runWidget(Widget::WidgetOptions const& options, Foundation::Environment cons
     auto const quit = [&] { mainLoop.quit(); };
     auto const chooseFamily = [&](Platform::WidgetFamily family) { host->setFamily(family); };
     auto const center = std::make_shared<Platform::LocalWidgetCenter>(mainLoop, reload);
-    Widget::DayPresses const presses(taskThread.executor(), services.files(), center);
+    Platform::Logger const logger(services.logSink(), std::string(Meetings::MeetConfigEnum::loggerSubsystem),
+                                  "Widget");
+    Widget::DayPresses const presses(taskThread.executor(), services.files(), center,
+                                     [&](std::int64_t storedDay) {
+                                         logger.error(Widget::Texts::storedDayIsOutOfRange(storedDay));
+                                         mainLoop.invoke([&, storedDay] {
+                                             notices.refusedDay = storedDay;
+                                             showNotices();
+                                         });
+                                     });
     auto const places = services.calendarPlaces();
     std::optional<Widget::CalendarWatches> calendars;
     if (places) {
         calendars.emplace(folderEvents, *places, services.calendarConfiguration(), taskThread.executor(),
                           mainLoop, reload);
         calendars->update();
+        health.emplace(services.calendarConfiguration(), taskThread.executor(), mainLoop, services.clock(),
+                       [&](std::optional<Widget::CalendarTrouble> const& trouble) {
+                           notices.calendarTrouble = trouble;
+                           showNotices();
+                       });
     }
     watches.emplace(folderEvents, *services.files(),
                     places.transform([](auto const& known) { return known.configurationDirectory; }), [&] {

@@ -30,6 +30,20 @@ FaceMenu::~FaceMenu() {
     }
 }
 
+void FaceMenu::setNotice(std::string const& text) {
+    notice = text;
+    if (menu != nullptr) {
+        showNotice();
+    }
+}
+
+void FaceMenu::showNotice() {
+    GtkWidget* const label = gtk_bin_get_child(GTK_BIN(noticeItem));
+    gtk_label_set_text(GTK_LABEL(label), notice.c_str());
+    gtk_widget_set_visible(noticeItem, notice.empty() ? FALSE : TRUE);
+    gtk_widget_set_visible(noticeLine, notice.empty() ? FALSE : TRUE);
+}
+
 void FaceMenu::popUp(GtkWidget* widget, GdkEvent const* event, WidgetFamily family) {
     if (menu == nullptr) {
         build(widget);
@@ -49,6 +63,16 @@ void FaceMenu::popUp(GtkWidget* widget, GdkEvent const* event, WidgetFamily fami
 void FaceMenu::build(GtkWidget* widget) {
     menu = GTK_WIDGET(g_object_ref_sink(gtk_menu_new()));
     gtk_menu_attach_to_widget(GTK_MENU(menu), widget, nullptr);
+    constexpr int widestNotice = 48; // Characters; a path or a cause may be long.
+    noticeItem = gtk_menu_item_new_with_label("");
+    GtkWidget* const noticeLabel = gtk_bin_get_child(GTK_BIN(noticeItem));
+    gtk_label_set_line_wrap(GTK_LABEL(noticeLabel), TRUE);
+    gtk_label_set_line_wrap_mode(GTK_LABEL(noticeLabel), PANGO_WRAP_WORD_CHAR);
+    gtk_label_set_max_width_chars(GTK_LABEL(noticeLabel), widestNotice);
+    gtk_widget_set_sensitive(noticeItem, FALSE);
+    append(menu, noticeItem);
+    noticeLine = gtk_separator_menu_item_new();
+    append(menu, noticeLine);
     appendAction(menu, texts->today, actions.today);
 
     GtkWidget* const sizeMenu = gtk_menu_new();
@@ -76,6 +100,7 @@ void FaceMenu::build(GtkWidget* widget) {
     append(menu, gtk_separator_menu_item_new());
     appendAction(menu, texts->quit, actions.quit);
     gtk_widget_show_all(menu);
+    showNotice();
 }
 
 } // namespace Platform

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <memory>
+#include <string>
 #include <utility>
 
 namespace Platform {
@@ -22,15 +23,22 @@ public:
     FaceMenu& operator=(FaceMenu const&) = delete;
     ~FaceMenu();
 
+    /// Stands first in the menu, where it can be read and not chosen; empty for nothing.
+    void setNotice(std::string const& text);
+
     /// Opens at the pointer of `event`, or in the middle of `widget` without one. `family` is marked.
     void popUp(GtkWidget* widget, GdkEvent const* event, WidgetFamily family);
 
 private:
     void build(GtkWidget* widget);
+    void showNotice();
 
     std::unique_ptr<FaceWindowTexts> texts;
     FaceWindowActions const& actions;
+    std::string notice;
     GtkWidget* menu = nullptr;
+    GtkWidget* noticeItem = nullptr;
+    GtkWidget* noticeLine = nullptr;
     std::array<std::pair<WidgetFamily, GtkWidget*>, 3> sizes{};
     bool isMarking = false;
 };

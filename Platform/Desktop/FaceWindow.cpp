@@ -105,6 +105,16 @@ public:
         gtk_widget_queue_draw(container);
     }
 
+    void setNotice(std::string text) {
+        if (notice == text) {
+            return;
+        }
+        notice = std::move(text);
+        menu.setNotice(notice);
+        atk_object_set_description(gtk_widget_get_accessible(container), notice.c_str());
+        gtk_widget_trigger_tooltip_query(container);
+    }
+
     void afterNextFrame(std::function<void()> painted) {
         paintedHandler = std::move(painted);
         gtk_widget_queue_draw(container);
@@ -207,7 +217,8 @@ private:
         auto const hit = hitTest(geometry, x, y);
         auto const* const index = std::get_if<std::size_t>(&hit);
         if (index == nullptr || *index >= content->tooltips.size() || content->tooltips[*index].empty()) {
-            return false;
+            gtk_tooltip_set_text(tooltip, notice.c_str());
+            return !notice.empty();
         }
         gtk_tooltip_set_text(tooltip, content->tooltips[*index].c_str());
         auto const& frame = geometry.rows[*index].frame;
@@ -274,6 +285,7 @@ private:
     FaceMenu menu;
     FacePainter painter;
     std::optional<FaceWindowContent> content;
+    std::string notice;
     FaceGeometry geometry{.width = 0, .height = 0, .cornerRadius = 0, .rows = {}, .buttons = {}};
     std::function<void()> paintedHandler;
     bool hasPainted = false;
@@ -300,6 +312,10 @@ void FaceWindow::present() {
 
 void FaceWindow::setAccent(std::optional<SRGBColor> accent) {
     widgets->setAccent(accent);
+}
+
+void FaceWindow::setNotice(std::string text) {
+    widgets->setNotice(std::move(text));
 }
 
 void FaceWindow::afterNextFrame(std::function<void()> painted) {

@@ -143,6 +143,52 @@ TEST_F(FaceWindowTests, screenReaderFindsTheButtonsTheHeadingAndEachRow) {
                                   ATK_ROLE_LIST_ITEM, ATK_ROLE_LIST_ITEM}));
 }
 
+TEST_F(FaceWindowTests, aNoticeStandsBesideTheFaceAndGoes) {
+    show(twoCards());
+    auto const rows = names();
+    auto const description = [] {
+        char const* const text = atk_object_get_description(face().get());
+        return std::string(text == nullptr ? "" : text);
+    };
+    EXPECT_EQ(description(), "");
+    window->setNotice("Not all calendars could be read");
+    EXPECT_EQ(description(), "Not all calendars could be read");
+    EXPECT_EQ(names(), rows);
+    window->setNotice("");
+    EXPECT_EQ(description(), "");
+}
+
+TEST_F(FaceWindowTests, theMenuBeginsWithTheNotice) {
+    show(twoCards());
+    GtkWidget* const top = toplevels().front();
+    auto const firstShown = [top]() -> std::pair<std::string, bool> {
+        gboolean isHandled = FALSE;
+        g_signal_emit_by_name(top, "popup-menu", &isHandled);
+        GList* const menus = gtk_menu_get_for_attach_widget(gtk_bin_get_child(GTK_BIN(top)));
+        if (menus == nullptr) {
+            return {"no menu", false};
+        }
+        GList* const items = gtk_container_get_children(GTK_CONTAINER(menus->data));
+        std::pair<std::string, bool> first{"no item", false};
+        for (GList* entry = items; entry != nullptr; entry = entry->next) {
+            auto* const item = GTK_WIDGET(entry->data);
+            if (gtk_widget_get_visible(item) != FALSE) {
+                first = {gtk_menu_item_get_label(GTK_MENU_ITEM(item)),
+                         gtk_widget_get_sensitive(item) != FALSE};
+                break;
+            }
+        }
+        g_list_free(items);
+        gtk_menu_popdown(GTK_MENU(menus->data));
+        return first;
+    };
+    EXPECT_EQ(firstShown(), (std::pair<std::string, bool>("Today", true)));
+    window->setNotice("Not all calendars could be read");
+    EXPECT_EQ(firstShown(), (std::pair<std::string, bool>("Not all calendars could be read", false)));
+    window->setNotice("");
+    EXPECT_EQ(firstShown(), (std::pair<std::string, bool>("Today", true)));
+}
+
 TEST_F(FaceWindowTests, rowsKnowTheirParentTheirPlaceAndThatTheyAreSeen) {
     show(twoCards());
     auto const parent = face();

@@ -2,14 +2,17 @@
 
 #include "Tests/EventStore/TemporaryFolder.h"
 
-#include "Applications/Widget/CalendarWatches.h"
+#include "Applications/Widget/CalendarHealth.h"
 #include "Applications/Widget/DayPresses.h"
 #include "Applications/Widget/DesktopLooks.h"
 #include "Applications/Widget/EntryChanges.h"
 #include "Applications/Widget/FaceContent.h"
+#include "Applications/Widget/Notices.h"
+#include "Applications/Widget/WatchedPlaces.h"
 #include "Foundation/DateFormatting.h"
 #include "Foundation/Locale.h"
 #include "Platform/Appearance/FixedAppearance.h"
+#include "Platform/Clock/FixedClock.h"
 #include "Platform/Files/InMemoryFileManager.h"
 #include "Platform/HTMLReader/LibXMLHTMLReader.h"
 #include "Platform/Resources/TableTextProvider.h"
@@ -23,6 +26,8 @@
 #include <boost/asio/io_context.hpp>
 
 #include <chrono>
+#include <cstdint>
+#include <filesystem>
 #include <future>
 #include <memory>
 #include <string>
@@ -223,7 +228,9 @@ protected:
     std::shared_ptr<Platform::RecordingWidgetCenter> center =
         std::make_shared<Platform::RecordingWidgetCenter>();
     boost::asio::io_context context;
-    Widget::DayPresses presses{Foundation::TaskExecutor(context.get_executor()), files, center};
+    std::vector<std::int64_t> refused;
+    Widget::DayPresses presses{Foundation::TaskExecutor(context.get_executor()), files, center,
+                               [this](std::int64_t storedDay) { refused.push_back(storedDay); }};
 };
 
 TEST_F(DayPressesTests, pressesMoveTheStoredDayOneAfterAnother) {
@@ -250,6 +257,102 @@ TEST_F(DayPressesTests, pressThatCannotBeStoredStillReloads) {
     presses.today();
     context.run();
     EXPECT_EQ(center->reloadCount, 2);
+}
+
+TEST_F(DayPressesTests, pressFromTheEndOfNumbersIsRefusedAndThereIsAWayBack) {
+    for (auto const* const end : {"9223372036854775807", "-9223372036854775808"}) {
+        files->place(offsetFile, end);
+        (end[0] == '-' ? presses.previousDay() : presses.nextDay());
+        context.run();
+        context.restart();
+        EXPECT_EQ(files->content(offsetFile), end);
+    }
+    EXPECT_EQ(refused, (std::vector{INT64_MAX, INT64_MIN}));
+    EXPECT_EQ(center->reloadCount, 0);
+    presses.nextDay();
+    context.run();
+    EXPECT_EQ(files->content(offsetFile), "-10") << "a step that can be made is made";
+    EXPECT_EQ(refused.size(), 2U);
+}
+
+class CalendarHealthTests : public testing::Test {
+protected:
+    void placeSources(std::vector<std::filesystem::path> const& paths) {
+        std::string sources;
+        for (auto const& path : paths) {
+            sources += std::string(sources.empty() ? "" : ",") + R"({"kind":"folder","id":"r)" +
+                       std::to_string(sources.size()) + R"(","path":")" + path.native() +
+                       R"(","title":"Root"})";
+        }
+        files->place("/config/calendar-store.json", R"({"version":1,"sources":[)" + sources + "]}");
+    }
+
+    void checkAt(char const* now) {
+        clock->set(moment(now));
+        health.check();
+        context.run();
+        context.restart();
+        mainLoop.runPending();
+    }
+
+    TemporaryFolder const home;
+    std::shared_ptr<Platform::InMemoryFileManager> files = std::make_shared<Platform::InMemoryFileManager>();
+    std::shared_ptr<Platform::FixedClock> clock =
+        std::make_shared<Platform::FixedClock>(moment("2026-03-11T08:00:00Z"));
+    boost::asio::io_context context;
+    Platform::QueuedMainLoop mainLoop;
+    std::vector<std::optional<Widget::CalendarTrouble>> told;
+    Widget::CalendarHealth health{std::make_shared<Platform::CalendarStoreConfiguration>("/config", files),
+                                  Foundation::TaskExecutor(context.get_executor()), mainLoop, clock,
+                                  [this](auto const& trouble) { told.push_back(trouble); }};
+};
+
+TEST_F(CalendarHealthTests, whatCanBeReadIsNotWorthAWord) {
+    checkAt("2026-03-11T09:00:00Z");
+    placeSources({home.path()});
+    checkAt("2026-03-11T09:15:00Z");
+    EXPECT_TRUE(told.empty());
+}
+
+TEST_F(CalendarHealthTests, aSourceThatGoesIsToldOnceWithItsAgeAndCauseAndSoIsItsReturn) {
+    std::filesystem::create_directory(home / "source");
+    placeSources({home.path(), home / "source"});
+    checkAt("2026-03-11T09:00:00Z");
+    std::filesystem::remove(home / "source");
+    checkAt("2026-03-11T09:15:00Z");
+    checkAt("2026-03-11T09:30:00Z");
+    Widget::CalendarTrouble const gone{.path = (home / "source").native(),
+                                       .cause = "No such file or directory",
+                                       .lastRead = moment("2026-03-11T09:00:00Z")};
+    EXPECT_EQ(told, (std::vector<std::optional<Widget::CalendarTrouble>>{gone}));
+    std::filesystem::create_directory(home / "source");
+    checkAt("2026-03-11T09:45:00Z");
+    EXPECT_EQ(told, (std::vector<std::optional<Widget::CalendarTrouble>>{gone, std::nullopt}));
+}
+
+TEST_F(CalendarHealthTests, aDamagedListIsTroubleOfItsOwn) {
+    files->place("/config/calendar-store.json", "{");
+    checkAt("2026-03-11T09:00:00Z");
+    ASSERT_EQ(told.size(), 1U);
+    ASSERT_TRUE(told.front().has_value());
+    EXPECT_EQ(told.front()->path, "/config/calendar-store.json");
+    EXPECT_TRUE(told.front()->cause.starts_with("the list of calendar folders is damaged"));
+    EXPECT_EQ(told.front()->lastRead, std::nullopt);
+}
+
+TEST(NoticesTests, eachIsALineOfItsOwn) {
+    auto const calendar = Meetings::calendarIn("Asia/Kathmandu");
+    Widget::Notices notices;
+    EXPECT_EQ(notices.text(calendar), "");
+    notices.calendarTrouble =
+        Widget::CalendarTrouble{.path = "/a", .cause = "Permission denied", .lastRead = std::nullopt};
+    EXPECT_EQ(notices.text(calendar), "Not all calendars could be read: /a: Permission denied");
+    notices.calendarTrouble->lastRead = moment("2026-03-11T09:00:59Z");
+    notices.refusedDay = INT64_MAX;
+    EXPECT_EQ(notices.text(calendar),
+              "Not all calendars could be read since 2026-03-11 14:45: /a: Permission denied\n"
+              "The stored day is 9223372036854775807 days from today, from where there is no further step; "
+              "\"Today\" goes back.");
 }
 
 class DesktopLooksTests : public testing::Test {

@@ -233,6 +233,18 @@ TEST_F(WidgetProgramTests, damagedPreferenceFilesShowToday) {
     }
 }
 
+TEST_F(WidgetProgramTests, pressFromTheEndOfNumbersDoesNotEndIt) {
+    write(offsetFile(), "9223372036854775807");
+    open();
+    ASSERT_TRUE(showsWednesday());
+    screen.press(title, "Right");
+    screen.press(title, "Home");
+    // One after another: refused, back to today, one ahead.
+    screen.press(title, "Right");
+    EXPECT_TRUE(showsThursday());
+    EXPECT_EQ(readFile(offsetFile()), "1");
+}
+
 TEST_F(WidgetProgramTests, hiddenCalendarLeavesAtOnce) {
     open();
     ASSERT_TRUE(showsWednesday());
