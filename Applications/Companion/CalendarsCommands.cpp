@@ -6,7 +6,7 @@
 #include "Meetings/HiddenCalendarsStore.h"
 #include "Platform/WidgetHost/WidgetCenter.h"
 
-#include <algorithm>
+#include <cstdint>
 #include <utility>
 
 namespace Companion {
@@ -74,39 +74,46 @@ void saveHidden(Composition::LiveServices& services, std::set<std::string> const
     services.widgetCenter()->reloadAllTimelines();
 }
 
-ExitCode hide(Invocation const& invocation) {
+enum class Visibility : std::uint8_t { hidden, shown };
+
+// What is said of the calendars that the person names, with the choice changed for each of them.
+std::string change(std::set<std::string>& hidden, Visibility visibility, Accounts const& accounts,
+                   std::vector<std::string> const& identifiers) {
+    auto const hiddenBefore = hidden;
+    std::string said;
+    for (auto const& identifier : identifiers) {
+        auto const title = calendarTitle(accounts, identifier);
+        // A calendar that is gone may still be on the list; it can be taken off like any other.
+        bool const isListed = visibility == Visibility::shown && hiddenBefore.contains(identifier);
+        if (!title && !isListed) throw CommandError::wrongUse(Texts::unknownCalendar(identifier));
+        auto const name = title.value_or(identifier);
+        if (visibility == Visibility::hidden) {
+            hidden.insert(identifier);
+            said += Texts::calendarHidden(name) + "\n";
+        } else {
+            hidden.erase(identifier);
+            said += Texts::calendarShown(name) + "\n";
+        }
+    }
+    return said;
+}
+
+template <Visibility visibility>
+ExitCode setVisibility(Invocation const& invocation) {
     auto const services = liveServices(invocation);
     auto const accounts = availableAccounts(*services);
     auto hidden = Meetings::HiddenCalendarsStore::load(*services->files());
-    std::string said;
-    for (auto const& identifier : invocation.values.arguments()) {
-        auto const title = calendarTitle(accounts, identifier);
-        if (!title) throw CommandError::wrongUse(Texts::unknownCalendar(identifier));
-        said += Texts::calendarHidden(*title) + "\n";
-        hidden.insert(identifier);
-    }
+    auto const said = change(hidden, visibility, accounts, invocation.values.arguments());
     saveHidden(*services, hidden);
     invocation.console.write(said);
     return ExitCode::done;
 }
 
-ExitCode show(Invocation const& invocation) {
-    auto const services = liveServices(invocation);
-    auto const accounts = availableAccounts(*services);
-    auto hidden = Meetings::HiddenCalendarsStore::load(*services->files());
-    std::string said;
-    for (auto const& identifier : invocation.values.arguments()) {
-        // A calendar that is gone may still be on the list; it can be taken off like any other.
-        auto const title = calendarTitle(accounts, identifier);
-        if (!title && !hidden.contains(identifier))
-            throw CommandError::wrongUse(Texts::unknownCalendar(identifier));
-        said += Texts::calendarShown(title.value_or(identifier)) + "\n";
-    }
-    for (auto const& identifier : invocation.values.arguments())
-        hidden.erase(identifier);
-    saveHidden(*services, hidden);
-    invocation.console.write(said);
-    return ExitCode::done;
+std::vector<CommandArgument> calendarArguments() {
+    return {{.name = "ID",
+             .help = Texts::text("calendars-argument-id"),
+             .kind = ValueKind::calendar,
+             .count = CommandArgument::Count::oneOrMore}};
 }
 
 } // namespace
@@ -135,12 +142,9 @@ Command calendarsHideCommand() {
         .path = "calendars hide",
         .summary = Texts::text("calendars-hide-summary"),
         .description = Texts::text("calendars-hide-description"),
-        .arguments = {{.name = "ID",
-                       .help = Texts::text("calendars-hide-argument-id"),
-                       .kind = ValueKind::calendar,
-                       .count = CommandArgument::Count::oneOrMore}},
+        .arguments = calendarArguments(),
         .examples = {{"quillora calendars hide k3fa/holidays", Texts::text("calendars-hide-example-1")}},
-        .run = hide,
+        .run = setVisibility<Visibility::hidden>,
     };
 }
 
@@ -149,12 +153,9 @@ Command calendarsShowCommand() {
         .path = "calendars show",
         .summary = Texts::text("calendars-show-summary"),
         .description = Texts::text("calendars-show-description"),
-        .arguments = {{.name = "ID",
-                       .help = Texts::text("calendars-show-argument-id"),
-                       .kind = ValueKind::calendar,
-                       .count = CommandArgument::Count::oneOrMore}},
+        .arguments = calendarArguments(),
         .examples = {{"quillora calendars show k3fa/holidays", Texts::text("calendars-show-example-1")}},
-        .run = show,
+        .run = setVisibility<Visibility::shown>,
     };
 }
 
