@@ -67,10 +67,11 @@ ExitCode list(Invocation const& invocation) {
 }
 
 void saveHidden(Composition::LiveServices& services, std::set<std::string> const& hidden) {
-    Meetings::HiddenCalendarsStore::save(*services.files(), *services.notifications(), hidden);
+    WriteWitness const files(services.files());
+    Meetings::HiddenCalendarsStore::save(files, *services.notifications(), hidden);
     // The store never fails aloud, so a person's own command looks whether the choice was kept.
-    if (Meetings::HiddenCalendarsStore::load(*services.files()) != hidden)
-        throw CommandError::failed(Texts::hiddenCalendarsNotSaved());
+    if (Meetings::HiddenCalendarsStore::load(files) != hidden)
+        throw CommandError::failed(Texts::hiddenCalendarsNotSaved(whyNotKept(files)));
     services.widgetCenter()->reloadAllTimelines();
 }
 

@@ -35,11 +35,12 @@ std::string dayLine(Composition::LiveServices& services, std::int64_t offset) {
 }
 
 // The stores and intents fail silently, as a button must; a command looks whether its day was kept.
-ExitCode reportMove(Invocation const& invocation, Composition::LiveServices& services, std::int64_t expected,
-                    std::int64_t before) {
-    auto const stored = DayOffsetStore::load(*services.files());
+ExitCode reportMove(Invocation const& invocation, Composition::LiveServices& services,
+                    WriteWitness const& files, std::int64_t expected, std::int64_t before) {
+    auto const stored = DayOffsetStore::load(files);
     // A press elsewhere may have moved on meanwhile; only a day that did not move at all was not kept.
-    if (stored == before && expected != before) throw CommandError::failed(Texts::dayNotSaved());
+    if (stored == before && expected != before)
+        throw CommandError::failed(Texts::dayNotSaved(whyNotKept(files)));
     invocation.console.writeLine(dayLine(services, stored));
     return ExitCode::done;
 }
@@ -47,14 +48,15 @@ ExitCode reportMove(Invocation const& invocation, Composition::LiveServices& ser
 template <typename Intent>
 ExitCode step(Invocation const& invocation, std::int64_t days) {
     auto const services = liveServices(invocation);
-    auto const before = DayOffsetStore::load(*services->files());
+    auto const files = std::make_shared<WriteWitness const>(services->files());
+    auto const before = DayOffsetStore::load(*files);
     std::int64_t next = 0;
     // The intent ends the process over such a file; a person is better told what to do.
     if (__builtin_add_overflow(before, days, &next))
         throw CommandError::failed(Texts::storedDayIsOutOfRange(before));
-    Intent intent(services->files(), services->widgetCenter());
+    Intent intent(files, services->widgetCenter());
     Foundation::runTask(intent.perform());
-    return reportMove(invocation, *services, clamped(next), before);
+    return reportMove(invocation, *services, *files, clamped(next), before);
 }
 
 ExitCode next(Invocation const& invocation) {
@@ -67,10 +69,11 @@ ExitCode previous(Invocation const& invocation) {
 
 ExitCode today(Invocation const& invocation) {
     auto const services = liveServices(invocation);
-    auto const before = DayOffsetStore::load(*services->files());
-    DayOffsetStore::save(*services->files(), 0);
+    WriteWitness const files(services->files());
+    auto const before = DayOffsetStore::load(files);
+    DayOffsetStore::save(files, 0);
     services->widgetCenter()->reloadAllTimelines();
-    return reportMove(invocation, *services, 0, before);
+    return reportMove(invocation, *services, files, 0, before);
 }
 
 } // namespace

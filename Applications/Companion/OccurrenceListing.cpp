@@ -130,6 +130,9 @@ OccurrenceListing listOccurrences(Platform::FileManager const& files, std::files
         throw CommandError::wrongUse(Texts::noSuchPath(shownPath(path)));
 
     bool const isFolder = std::filesystem::is_directory(status);
+    // A device, a pipe or a socket has no end to read to.
+    if (!error && !isFolder && !std::filesystem::is_regular_file(status))
+        throw CommandError::wrongUse(Texts::neitherFileNorFolder(shownPath(path)));
     if (isFolder)
         if (auto const reason = whyNotAFolder(path)) throw CommandError::failed(*reason);
     auto listing = isFolder ? listFolder(path, interval, viewer) : listFile(files, path, interval, viewer);

@@ -40,8 +40,12 @@ void checkMirror(Composition::LiveServices& services, CalendarProviderRegistryAp
     for (auto const& provider :
          required<std::vector<CalendarProviderEntity>>(registry.getAll(), Texts::providersNotRead()))
         if (provider.capIsEnabled) enabled.insert(provider.capProvider);
-    if (EnabledCalendarAccountsStore::load(*services.files()) != enabled)
-        throw CommandError::failed(Texts::mirrorNotSaved());
+    WriteWitness const files(services.files());
+    if (EnabledCalendarAccountsStore::load(files) == enabled) return;
+    // The registry writes it without a word; writing it once more mends it or tells why not.
+    EnabledCalendarAccountsStore::save(files, enabled);
+    if (EnabledCalendarAccountsStore::load(files) != enabled)
+        throw CommandError::failed(Texts::mirrorNotSaved(whyNotKept(files)));
 }
 
 } // namespace Companion

@@ -72,12 +72,12 @@ private:
     }
 
     void enableCalendarAccount() const {
-        auto accounts = AccountsStore::load(*services.files());
-        if (accounts.insert(AccountProviderEnum::eventKit).second)
-            AccountsStore::save(*services.files(), accounts);
+        WriteWitness const files(services.files());
+        auto accounts = AccountsStore::load(files);
+        if (accounts.insert(AccountProviderEnum::eventKit).second) AccountsStore::save(files, accounts);
         // The store never fails aloud, so the set-up looks whether the choice was kept.
-        if (!AccountsStore::load(*services.files()).contains(AccountProviderEnum::eventKit))
-            throw CommandError::failed(Texts::accountsNotSaved());
+        if (!AccountsStore::load(files).contains(AccountProviderEnum::eventKit))
+            throw CommandError::failed(Texts::accountsNotSaved(whyNotKept(files)));
         say(Texts::accountEnabled());
     }
 

@@ -51,6 +51,12 @@ std::string shownPath(std::filesystem::path const& path) {
     return Foundation::Text::neutralized(Foundation::Text::sanitizedUTF8(path.string()));
 }
 
+std::string whyNotKept(WriteWitness const& files) {
+    auto const& failure = files.lastFailure();
+    if (!failure) return Texts::changedElsewhere();
+    return Texts::unwritableFile(shownPath(failure->path), failure->error.message());
+}
+
 std::string alignedColumns(std::vector<std::vector<std::string>> const& rows, std::string_view indent) {
     std::vector<std::size_t> widths;
     auto harmless = rows;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Applications/Companion/Invocation.h"
+#include "Applications/Companion/WriteWitness.h"
 #include "Applications/Composition/LiveServices.h"
 #include "Foundation/Calendar.h"
 #include "Platform/EventStore/Folder/CalendarStoreConfiguration.h"
@@ -29,6 +30,9 @@ std::filesystem::path absolutePath(std::string_view text);
 
 /// A path as it may be shown: valid UTF-8 that cannot break a line.
 std::string shownPath(std::filesystem::path const& path);
+
+/// Why a choice was not kept, as the end of a sentence: the file that could not be written, with the cause.
+std::string whyNotKept(WriteWitness const& files);
 
 /// Rows of texts as aligned lines, two blanks between the columns, each text made harmless.
 std::string alignedColumns(std::vector<std::vector<std::string>> const& rows, std::string_view indent = "");

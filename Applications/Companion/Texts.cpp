@@ -268,6 +268,18 @@ std::string cannotWrite(std::string_view path, std::string_view reason) {
     return text("cannot-write", path, reason);
 }
 
+std::string unwritableFile(std::string_view path, std::string_view reason) {
+    return text("unwritable-file", path, reason);
+}
+
+std::string changedElsewhere() {
+    return text("changed-elsewhere");
+}
+
+std::string neitherFileNorFolder(std::string_view path) {
+    return text("neither-file-nor-folder", path);
+}
+
 std::string cannotWriteOutput(std::string_view reason) {
     return text("cannot-write-output", reason);
 }
@@ -332,8 +344,8 @@ std::string accountEnabled() {
     return text("account-enabled");
 }
 
-std::string accountsNotSaved() {
-    return text("accounts-not-saved");
+std::string accountsNotSaved(std::string_view why) {
+    return text("accounts-not-saved", why);
 }
 
 std::string keychainChosen(bool isFile) {
@@ -408,8 +420,8 @@ std::string calendarShown(std::string_view title) {
     return text("calendar-shown", quoted(title));
 }
 
-std::string hiddenCalendarsNotSaved() {
-    return text("hidden-calendars-not-saved");
+std::string hiddenCalendarsNotSaved(std::string_view why) {
+    return text("hidden-calendars-not-saved", why);
 }
 
 std::string moreProblems(std::size_t count) {
@@ -464,8 +476,8 @@ std::string providerIsGone(std::string_view id) {
     return text("provider-is-gone", quoted(id));
 }
 
-std::string mirrorNotSaved() {
-    return text("mirror-not-saved");
+std::string mirrorNotSaved(std::string_view why) {
+    return text("mirror-not-saved", why);
 }
 
 std::string dayShown(std::string_view weekday, std::string_view date, std::int64_t offset,
@@ -480,8 +492,8 @@ std::string dayShown(std::string_view weekday, std::string_view date, std::int64
                             : counted("day-shown-back", days, weekday, date);
 }
 
-std::string dayNotSaved() {
-    return text("day-not-saved");
+std::string dayNotSaved(std::string_view why) {
+    return text("day-not-saved", why);
 }
 
 std::string storedDayIsOutOfRange(std::int64_t offset) {

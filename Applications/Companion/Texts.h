@@ -79,6 +79,9 @@ std::string unreadableFolder(std::string_view path, std::string_view reason);
 std::string unreadableFile(std::string_view path, std::string_view reason);
 std::string outputIsAFolder(std::string_view path);
 std::string cannotWrite(std::string_view path, std::string_view reason);
+std::string unwritableFile(std::string_view path, std::string_view reason);
+std::string changedElsewhere();
+std::string neitherFileNorFolder(std::string_view path);
 std::string cannotWriteOutput(std::string_view reason);
 std::string unreadableInput(std::string_view reason);
 std::string inputIsTooLarge(std::size_t mostMebibytes);
@@ -97,7 +100,7 @@ std::string nobodyWasAsked();
 std::string ownCalendarMade(std::string_view path);
 std::string ownCalendarIsThere(std::string_view path);
 std::string accountEnabled();
-std::string accountsNotSaved();
+std::string accountsNotSaved(std::string_view why);
 std::string keychainChosen(bool isFile);
 std::string thisComputersCalendars();
 std::string offerFolder(std::string_view path);
@@ -118,7 +121,7 @@ std::string hiddenMark();
 std::string unknownCalendar(std::string_view identifier);
 std::string calendarHidden(std::string_view title);
 std::string calendarShown(std::string_view title);
-std::string hiddenCalendarsNotSaved();
+std::string hiddenCalendarsNotSaved(std::string_view why);
 std::string moreProblems(std::size_t count);
 
 // Providers.
@@ -134,12 +137,12 @@ std::string providerSwitched(std::string_view name, bool isEnabled);
 std::string providerNotRemoved(std::string_view id);
 std::string providerRemoved(std::string_view name);
 std::string providerIsGone(std::string_view id);
-std::string mirrorNotSaved();
+std::string mirrorNotSaved(std::string_view why);
 
 // The day.
 std::string dayShown(std::string_view weekday, std::string_view date, std::int64_t offset,
                      std::int64_t furthest);
-std::string dayNotSaved();
+std::string dayNotSaved(std::string_view why);
 std::string storedDayIsOutOfRange(std::int64_t offset);
 
 } // namespace Companion::Texts

@@ -94,9 +94,9 @@ TEST_F(NavigationJourneys, aDayThatCannotBeKeptIsAFailure) {
     auto const result = home.quillora({"next"});
     EXPECT_EQ(result.exitCode, 1);
     EXPECT_EQ(result.output, "");
-    EXPECT_EQ(
-        result.errors,
-        "quillora: the day could not be saved and stays as it was: the shared folder cannot be written\n");
+    EXPECT_EQ(result.errors, "quillora: the day could not be saved and stays as it was: " +
+                                 (home.folder() / "gone/scheduleWidgetDayOffset.json").string() +
+                                 " cannot be written (No such file or directory)\n");
 }
 
 TEST_F(NavigationJourneys, theDayIsKeptInTheContainerThatIsNamed) {

@@ -228,11 +228,11 @@ TEST_F(ProvidersJourneys, aWidgetThatCannotBeToldIsReported) {
     EXPECT_EQ(result.exitCode, 0) << result.errors; // Nothing is enabled, and nothing is what it tells.
     auto const failed = home.quillora({"providers", "enable", "cal"});
     EXPECT_EQ(failed.exitCode, 1);
-    EXPECT_EQ(
-        failed.errors,
-        "quillora: the registered providers were changed, but the widget could not be told: the shared "
-        "folder cannot be written; make it writable, then run the same \"quillora providers enable\" or "
-        "\"disable\" once more\n");
+    EXPECT_EQ(failed.errors,
+              "quillora: the registered providers were changed, but the widget could not be told: " +
+                  mirror().string() +
+                  " cannot be written (Is a directory); when that is mended, run the same \"quillora "
+                  "providers enable\" or \"disable\" once more\n");
     EXPECT_EQ(listed(), onlyCal);
 }
 
