@@ -35,6 +35,14 @@ bool isFolder(fs::directory_entry const& entry) {
     return entry.is_directory(error) && !entry.path().filename().string().starts_with('.');
 }
 
+// Whether the store reads `inner` as a calendar of `outer`: hidden folders and deeper ones it does not.
+bool isCalendarOf(fs::path const& inner, fs::path const& outer) {
+    std::error_code error;
+    auto const folder = fs::canonical(inner, error);
+    return !error && !folder.filename().string().starts_with('.') && folder.has_relative_path() &&
+           fs::equivalent(folder.parent_path(), outer, error);
+}
+
 } // namespace
 
 std::optional<std::string> whyNotAFolder(fs::path const& path) {
@@ -57,6 +65,17 @@ Platform::CalendarRoot const* rootAt(fs::path const& path, std::vector<Platform:
     };
     auto const found = std::ranges::find_if(roots, isSame);
     return found == roots.end() ? nullptr : &*found;
+}
+
+std::optional<NestedSources> nestedSources(fs::path const& path,
+                                           std::vector<Platform::CalendarRoot> const& roots) {
+    for (auto const& root : roots) {
+        if (isCalendarOf(path, root.path))
+            return NestedSources{.known = &root, .inner = path, .outer = root.path};
+        if (isCalendarOf(root.path, path))
+            return NestedSources{.known = &root, .inner = root.path, .outer = path};
+    }
+    return std::nullopt;
 }
 
 bool holdsCalendarFiles(fs::path const& folder) {

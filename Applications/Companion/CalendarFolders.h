@@ -17,6 +17,18 @@ std::optional<std::string> whyNotAFolder(std::filesystem::path const& path);
 Platform::CalendarRoot const* rootAt(std::filesystem::path const& path,
                                      std::vector<Platform::CalendarRoot> const& roots);
 
+/// Two sources of which one holds the other as one of its calendars.
+struct NestedSources {
+    Platform::CalendarRoot const* known;
+    std::filesystem::path inner;
+    std::filesystem::path outer;
+};
+
+/// The first root that lies directly in `path`, or that `path` lies directly in, links followed. The store
+/// reads the folders directly in a root, so the events of the inner one show twice.
+std::optional<NestedSources> nestedSources(std::filesystem::path const& path,
+                                           std::vector<Platform::CalendarRoot> const& roots);
+
 /// Whether `folder` or a folder directly in it holds an .ics file.
 bool holdsCalendarFiles(std::filesystem::path const& folder);
 

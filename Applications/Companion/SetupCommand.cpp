@@ -147,6 +147,11 @@ private:
             say(Texts::folderIsAdded(shownPath(folder)));
             return;
         }
+        if (auto const nested = nestedSources(folder, content.roots)) {
+            say(Texts::nestedFolderLeftOut(shownPath(folder), nested->known->title,
+                                           shownPath(nested->known->path)));
+            return;
+        }
         bool const isWanted =
             takesDefaults || invocation.console.ask(Texts::offerFolder(shownPath(folder))) == true;
         if (!isWanted) {

@@ -4,6 +4,7 @@
 #include "Applications/Companion/Support.h"
 #include "Applications/Companion/Texts.h"
 #include "Foundation/Text.h"
+#include "Platform/EventStore/Folder/CalendarStorePlaces.h"
 #include "Platform/WidgetHost/WidgetCenter.h"
 
 #include <algorithm>
@@ -69,6 +70,13 @@ ExitCode add(Invocation const& invocation) {
     auto const roots = changeableRoots(invocation, *configuration);
     if (auto const* known = rootAt(folder, roots))
         throw CommandError::wrongUse(Texts::sourceIsKnown(shownPath(folder), known->title));
+    // The product's own calendar is no source but shown like one.
+    std::vector<Platform::CalendarRoot> const own{{.kind = Platform::folderRootKind,
+                                                   .id = "",
+                                                   .path = services->calendarPlaces()->nativeCalendar,
+                                                   .title = ""}};
+    if (rootAt(folder, own) != nullptr)
+        throw CommandError::wrongUse(Texts::sourceIsOwnCalendar(shownPath(folder)));
     auto const title = invocation.values.option("--title");
     if (title && Foundation::Text::trimmingWhitespacesAndNewlines(*title).empty())
         throw CommandError::wrongUse(Texts::blankTitle());
@@ -79,6 +87,11 @@ ExitCode add(Invocation const& invocation) {
     invocation.console.writeLine(Texts::sourceAdded(root->title, shownPath(root->path), root->id));
     if (!holdsCalendarFiles(folder))
         invocation.console.report(Texts::folderHoldsNoCalendars(shownPath(folder)));
+    for (auto const* others : {&roots, &own}) {
+        if (auto const nested = nestedSources(folder, *others))
+            invocation.console.report(
+                Texts::sourcesAreNested(shownPath(nested->inner), shownPath(nested->outer), root->id));
+    }
     return ExitCode::done;
 }
 

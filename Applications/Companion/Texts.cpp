@@ -368,6 +368,10 @@ std::string folderLeftOut(std::string_view path) {
     return text("folder-left-out", path);
 }
 
+std::string nestedFolderLeftOut(std::string_view path, std::string_view title, std::string_view otherPath) {
+    return text("nested-folder-left-out", path, quoted(title), otherPath);
+}
+
 std::string setupIsDone() {
     return text("setup-is-done");
 }
@@ -382,6 +386,14 @@ std::string noSources() {
 
 std::string sourceIsKnown(std::string_view path, std::string_view title) {
     return text("source-is-known", path, quoted(title));
+}
+
+std::string sourceIsOwnCalendar(std::string_view path) {
+    return text("source-is-own-calendar", path);
+}
+
+std::string sourcesAreNested(std::string_view inner, std::string_view outer, std::string_view id) {
+    return text("sources-are-nested", inner, outer, id);
 }
 
 std::string sourceAdded(std::string_view title, std::string_view path, std::string_view id) {

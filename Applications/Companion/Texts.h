@@ -106,12 +106,15 @@ std::string thisComputersCalendars();
 std::string offerFolder(std::string_view path);
 std::string folderIsAdded(std::string_view path);
 std::string folderLeftOut(std::string_view path);
+std::string nestedFolderLeftOut(std::string_view path, std::string_view title, std::string_view otherPath);
 std::string setupIsDone();
 
 // Sources and calendars.
 std::string problemOf(std::string_view path, std::string_view problem);
 std::string noSources();
 std::string sourceIsKnown(std::string_view path, std::string_view title);
+std::string sourceIsOwnCalendar(std::string_view path);
+std::string sourcesAreNested(std::string_view inner, std::string_view outer, std::string_view id);
 std::string sourceAdded(std::string_view title, std::string_view path, std::string_view id);
 std::string sourceRemoved(std::string_view title, std::string_view path);
 std::string unknownSource(std::string_view name);

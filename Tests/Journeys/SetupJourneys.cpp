@@ -107,6 +107,42 @@ TEST(SetupJourneys, aNoIsRememberedAndCanBeTakenBack) {
     EXPECT_EQ(home.outputOf({"access", "status"}), "Calendar access: granted\n");
 }
 
+TEST(SetupJourneys, aFolderWithinASourceIsLeftOutWithTheReason) {
+    PrivateHome const home;
+    home.write(home.folder() / ".calendars" / "home" / "tea.ics", oneEvent);
+    ASSERT_EQ(home.quillora({"sources", "add", (home.folder() / ".calendars/home").string()}).exitCode, 0);
+    auto const outer = (home.folder() / ".calendars").string();
+    EXPECT_THAT(home.outputOf({"setup", "--yes"}),
+                HasSubstr("Left out the calendars in " + outer + ": it and the source \"home\" (" + outer +
+                          "/home) lie one in the other, so events would show twice; if you want both, run "
+                          "\"quillora sources add " +
+                          outer + "\"\n"));
+    EXPECT_EQ(meetNames(home.dayJSON({"--at", "2026-03-11T08:00"})), (std::vector<std::string>{"Tea"}));
+}
+
+TEST(SetupJourneys, whatCannotBeSwitchedOnIsNamedWithItsFileAndCause) {
+    PrivateHome home;
+    home.environment["QUILLORA_GROUP_CONTAINER"] = (home.folder() / "gone").string();
+    auto const result = home.quillora({"setup", "--yes"});
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_EQ(result.errors, "quillora: the calendars of this computer could not be switched on: " +
+                                 (home.folder() / "gone/enabledCalendarAccounts.json").string() +
+                                 " cannot be written (No such file or directory)\n");
+}
+
+TEST(CalendarsJourneys, aChoiceThatCannotBeKeptIsNamedWithItsFileAndCause) {
+    PrivateHome const home;
+    home.setUp();
+    // A folder in its place: as root and as anyone, no file can be put there.
+    auto const file = home.container() / "hiddenCalendarIdentifiers.json";
+    fs::create_directories(file / "x");
+    auto const result = home.quillora({"calendars", "hide", "quillora-native-calendar"});
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_EQ(result.output, "");
+    EXPECT_EQ(result.errors, "quillora: the hidden calendars could not be saved and stay as they were: " +
+                                 file.string() + " cannot be written (Is a directory)\n");
+}
+
 TEST(AccessJourneys, aRequestAsksOnceAndTellsTheAnswer) {
     PrivateHome const home;
     std::string const refusal = "Quillora may not read your calendars; \"quillora access grant\" allows it "
@@ -195,6 +231,66 @@ TEST(SourcesJourneys, anEmptyFolderIsAddedWithAWord) {
     EXPECT_EQ(result.exitCode, 0);
     EXPECT_EQ(result.errors, "quillora: " + home.calendars().string() +
                                  " holds no .ics file yet, neither itself nor in a folder directly below\n");
+}
+
+TEST(SourcesJourneys, oneSourceInAnotherIsAddedWithAWarning) {
+    PrivateHome const home;
+    home.write(home.calendars() / "home" / "tea.ics", oneEvent);
+    home.setUp();
+    auto const inner = (home.calendars() / "home").string();
+    auto const warning = [&](std::string const& list) {
+        auto const id = list.substr(list.rfind(" as ") + 4);
+        return "quillora: " + inner + " lies in " + home.calendars().string() +
+               " and each is read by itself, so the events in " + inner +
+               " show twice; if that is not what you want, take one of them off, the new one with "
+               "\"quillora sources remove " +
+               id.substr(0, id.find('\n')) + "\"\n";
+    };
+    auto const added = home.quillora({"sources", "add", inner});
+    EXPECT_EQ(added.exitCode, 0);
+    EXPECT_EQ(added.errors, warning(added.output));
+    EXPECT_EQ(meetNames(home.dayJSON({"--at", "2026-03-11T08:00"})),
+              (std::vector<std::string>{"Tea", "Tea"}));
+    // And the other way round, by way of a link.
+    static_cast<void>(home.outputOf({"sources", "remove", home.calendars().string()}));
+    fs::create_directory_symlink(home.calendars(), home.folder() / "link");
+    auto const outer = home.quillora({"sources", "add", (home.folder() / "link").string()});
+    EXPECT_EQ(outer.exitCode, 0);
+    EXPECT_THAT(outer.errors, HasSubstr(inner + " lies in " + (home.folder() / "link").string() + " and"));
+}
+
+TEST(SourcesJourneys, quilloraOwnCalendarIsNoSource) {
+    PrivateHome const home;
+    home.setUp();
+    auto const own = home.folder() / "data/Quillora/Calendars/quillora-native-calendar";
+    auto const refused = home.quillora({"sources", "add", own.string()});
+    EXPECT_EQ(refused.exitCode, 2);
+    EXPECT_EQ(refused.errors, "quillora: " + own.string() +
+                                  " is Quillora's own calendar, which is shown without being a source\n");
+    auto const above = home.quillora({"sources", "add", own.parent_path().string()});
+    EXPECT_EQ(above.exitCode, 0);
+    EXPECT_THAT(above.errors, HasSubstr(own.string() + " lies in " + own.parent_path().string() + " and"));
+}
+
+TEST(SourcesJourneys, whatIsNeitherFileNorFolderIsRefusedInPlainWords) {
+    PrivateHome const home;
+    home.setUp();
+    auto const pipe = home.folder() / "pipe";
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    auto const socket = home.folder() / "socket";
+    ASSERT_EQ(::mknod(socket.c_str(), S_IFSOCK | 0600, 0), 0);
+    for (auto const& path : {std::string("/dev/null"), pipe.string(), socket.string()}) {
+        SCOPED_TRACE(path);
+        auto const added = home.quillora({"sources", "add", path});
+        EXPECT_EQ(added.exitCode, 2);
+        EXPECT_EQ(added.errors, "quillora: " + path + " is not a folder\n");
+        auto const listed =
+            home.quillora({"occurrences", path, "--from", "2026-03-01", "--to", "2026-03-02"});
+        EXPECT_EQ(listed.exitCode, 2);
+        EXPECT_EQ(listed.errors, "quillora: " + path +
+                                     " is neither a file nor a folder; name an .ics file or a folder of "
+                                     "calendars\n");
+    }
 }
 
 TEST(SourcesJourneys, aFolderThatCannotBeReadIsRefused) {
