@@ -168,6 +168,7 @@ private:
         say(Texts::accessStatus(status));
         if (status == EKAuthorizationStatus::notDetermined)
             throw CommandError::failed(Texts::nobodyWasAsked());
+        if (status == EKAuthorizationStatus::denied) say(Texts::accessCanBeGranted());
         say(Texts::setupIsDone());
         return ExitCode::done;
     }

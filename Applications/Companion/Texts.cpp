@@ -324,6 +324,10 @@ std::string accessNotGranted() {
     return text("access-not-granted");
 }
 
+std::string accessCanBeGranted() {
+    return text("access-can-be-granted");
+}
+
 std::string calendarsAreNotSetUp() {
     return text("calendars-are-not-set-up");
 }

@@ -93,6 +93,7 @@ std::string unexpectedFailure(std::string_view reason);
 std::string accessStatus(Platform::EKAuthorizationStatus status);
 std::string accessIsMissing();
 std::string accessNotGranted();
+std::string accessCanBeGranted();
 std::string calendarsAreNotSetUp();
 std::string nobodyWasAsked();
 

@@ -98,6 +98,9 @@ TEST(SetupJourneys, aNoIsRememberedAndCanBeTakenBack) {
     PrivateHome const home;
     auto const denied = home.quillora({"setup"}, ProgramRun::Output::terminal, "no\n");
     EXPECT_EQ(denied.exitCode, 0) << denied.output;
+    EXPECT_THAT(denied.output, HasSubstr("Calendar access: denied\r\n"
+                                         "Nothing of your calendars is shown until you allow it with "
+                                         "\"quillora access grant\"\r\n"));
     EXPECT_EQ(home.contentOf(home.configuration() / "calendar-access.json"), "2");
     EXPECT_EQ(home.outputOf({"access", "status"}), "Calendar access: denied\n");
     EXPECT_EQ(home.outputOf({"access", "reset"}), "Calendar access: not asked yet\n");
