@@ -30,12 +30,19 @@ public:
         return *accent;
     }
 
+    [[nodiscard]] std::optional<std::string> interfaceFont() const override {
+        std::scoped_lock const lock(mutex);
+        if (!font) font = desktop->interfaceFont();
+        return *font;
+    }
+
 private:
     std::shared_ptr<Platform::Appearance const> desktop;
     mutable std::mutex mutex;
     // The outer optional tells whether the desktop was asked, the inner one is its answer.
     mutable std::optional<std::optional<Platform::ColorScheme>> scheme;
     mutable std::optional<std::optional<std::array<double, 3>>> accent;
+    mutable std::optional<std::optional<std::string>> font;
 };
 
 } // namespace Companion

@@ -3,6 +3,7 @@
 #include "Applications/Companion/DayJSON.h"
 #include "Applications/Companion/FaceText.h"
 #include "Applications/Companion/OutputFile.h"
+#include "Applications/Companion/PictureStyle.h"
 #include "Applications/Companion/PlainJSON.h"
 #include "Applications/Companion/ShownDay.h"
 #include "Applications/Companion/Support.h"
@@ -12,7 +13,6 @@
 #include "Platform/Face/FacePainter.h"
 #include "Platform/Face/FacePicture.h"
 
-#include <algorithm>
 #include <array>
 #include <charconv>
 #include <utility>
@@ -113,12 +113,7 @@ std::string picture(std::string_view option, Platform::FacePainter const& painte
 
 void writePictures(Invocation const& invocation, WidgetExtension::ScheduleWidgetServices const& services,
                    Platform::FaceLayout const& layout, double scale) {
-    Platform::FaceStyle style;
-    style.language = services.region->currentLocale().identifier;
-    std::ranges::replace(style.language, '_', '-'); // ICU's spelling to that of BCP 47.
-    if (auto const accent = services.appearance->accentColor())
-        style.accent = Platform::SRGBColor{(*accent)[0], (*accent)[1], (*accent)[2]};
-    Platform::FacePainter const painter(style);
+    Platform::FacePainter const painter(pictureStyle(*services.appearance, services.region->currentLocale()));
     for (auto const* option : pictureOptions) {
         auto const path = invocation.values.option(option);
         if (!path) continue;

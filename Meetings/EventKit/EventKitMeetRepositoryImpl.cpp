@@ -45,6 +45,9 @@ public:
     [[nodiscard]] std::optional<std::array<double, 3>> accentColor() const override {
         return desktop.accentColor();
     }
+    [[nodiscard]] std::optional<std::string> interfaceFont() const override {
+        return desktop.interfaceFont();
+    }
 
 private:
     Platform::Appearance const& desktop;

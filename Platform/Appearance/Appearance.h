@@ -4,6 +4,7 @@
 
 #include <array>
 #include <optional>
+#include <string>
 
 namespace Platform {
 
@@ -17,6 +18,10 @@ public:
 
     /// The desktop's accent colour as sRGB channels from 0 to 1; absent where it has none.
     [[nodiscard]] virtual std::optional<std::array<double, 3>> accentColor() const = 0;
+
+    /// The desktop's interface font as desktops describe one: its family, then style and size ("Cantarell
+    /// 11"); absent where it names none.
+    [[nodiscard]] virtual std::optional<std::string> interfaceFont() const = 0;
 };
 
 } // namespace Platform

@@ -68,8 +68,8 @@ class PortalAppearance::Bus {
 public:
     explicit Bus(std::optional<std::string> address) : address(std::move(address)) {}
 
-    /// The value of a key of the appearance's; null where nobody answers in time.
-    Owned<GVariant> read(char const* key) {
+    /// The value of a key of one namespace; null where nobody answers in time.
+    Owned<GVariant> read(char const* key, char const* space = PortalSettings::appearance) {
         if (!address) return nullptr;
         PrivateContext context;
         Owned<GCancellable> const cancellable(g_cancellable_new());
@@ -79,9 +79,9 @@ public:
         if (!current) return nullptr;
         Owned<GAsyncResult> called;
         g_dbus_connection_call(current.get(), PortalSettings::busName, PortalSettings::objectPath,
-                               PortalSettings::interfaceName, "Read",
-                               g_variant_new("(ss)", PortalSettings::appearance, key), G_VARIANT_TYPE("(v)"),
-                               G_DBUS_CALL_FLAGS_NONE, -1, cancellable.get(), arrived, &called);
+                               PortalSettings::interfaceName, "Read", g_variant_new("(ss)", space, key),
+                               G_VARIANT_TYPE("(v)"), G_DBUS_CALL_FLAGS_NONE, -1, cancellable.get(), arrived,
+                               &called);
         context.runUntil(called);
         Owned<GVariant> const reply(g_dbus_connection_call_finish(current.get(), called.get(), nullptr));
         if (!reply) return nullptr;
@@ -126,6 +126,14 @@ std::optional<std::array<double, 3>> PortalAppearance::accentColor() const {
     g_variant_get(value.get(), "(ddd)", &channels[0], &channels[1], &channels[2]);
     if (!std::ranges::all_of(channels, isChannel)) return std::nullopt;
     return channels;
+}
+
+std::optional<std::string> PortalAppearance::interfaceFont() const {
+    auto const value = bus->read("font-name", PortalSettings::desktopInterface);
+    if (!value || !g_variant_is_of_type(value.get(), G_VARIANT_TYPE_STRING)) return std::nullopt;
+    std::string font = g_variant_get_string(value.get(), nullptr);
+    if (font.empty()) return std::nullopt;
+    return font;
 }
 
 } // namespace Platform

@@ -25,6 +25,10 @@ public:
     /// Absent also where the portal reports channels outside 0 to 1, its sign for "none".
     [[nodiscard]] std::optional<std::array<double, 3>> accentColor() const override;
 
+    /// From the interface settings that portals pass on beside the appearance's own; absent where this one
+    /// does not.
+    [[nodiscard]] std::optional<std::string> interfaceFont() const override;
+
 private:
     class Bus;
     std::unique_ptr<Bus> bus;

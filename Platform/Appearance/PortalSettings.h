@@ -9,6 +9,7 @@ inline constexpr char const* busName = "org.freedesktop.portal.Desktop";
 inline constexpr char const* objectPath = "/org/freedesktop/portal/desktop";
 inline constexpr char const* interfaceName = "org.freedesktop.portal.Settings";
 inline constexpr char const* appearance = "org.freedesktop.appearance";
+inline constexpr char const* desktopInterface = "org.gnome.desktop.interface";
 
 inline constexpr auto connectionFlags = static_cast<GDBusConnectionFlags>(
     G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT | G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);

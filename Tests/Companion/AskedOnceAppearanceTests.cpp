@@ -16,9 +16,14 @@ public:
         ++accentQuestions;
         return std::nullopt;
     }
+    [[nodiscard]] std::optional<std::string> interfaceFont() const override {
+        ++fontQuestions;
+        return "Cantarell 11";
+    }
 
     mutable int schemeQuestions = 0;
     mutable int accentQuestions = 0;
+    mutable int fontQuestions = 0;
 };
 
 TEST(AskedOnceAppearanceTests, theDesktopIsAskedOnceAlsoWhenItHasNoAnswer) {
@@ -28,9 +33,11 @@ TEST(AskedOnceAppearanceTests, theDesktopIsAskedOnceAlsoWhenItHasNoAnswer) {
     for (int time = 0; time < 3; ++time) {
         EXPECT_EQ(appearance.colorScheme(), Platform::ColorScheme::dark);
         EXPECT_EQ(appearance.accentColor(), std::nullopt);
+        EXPECT_EQ(appearance.interfaceFont(), "Cantarell 11");
     }
     EXPECT_EQ(desktop->schemeQuestions, 1);
     EXPECT_EQ(desktop->accentQuestions, 1);
+    EXPECT_EQ(desktop->fontQuestions, 1);
 }
 
 TEST(AskedOnceAppearanceTests, aGivenSchemeNeedsNoQuestion) {

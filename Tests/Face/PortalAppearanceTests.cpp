@@ -13,6 +13,7 @@
 #include <filesystem>
 #include <memory>
 #include <utility>
+#include <vector>
 
 namespace {
 
@@ -155,6 +156,22 @@ TEST(PortalAppearanceTests, accentOutsideTheRangeMeansNone) {
     for (char const* value : {"<(-1.0, -1.0, -1.0)>", "<(0.0, 0.0, 1.5)>", "<'blue'>", "<(0.0, 0.0)>"}) {
         portal.set("accent-color", value);
         EXPECT_EQ(appearance.accentColor(), std::nullopt) << value;
+    }
+}
+
+TEST(PortalAppearanceTests, fontIsThatOfTheDesktopsInterface) {
+    PrivateBus const bus;
+    StubPortal portal(bus.address());
+    PortalAppearance const appearance(bus.address());
+    portal.set("font-name", "<'Wrong 10'>");
+    EXPECT_EQ(appearance.interfaceFont(), std::nullopt);
+    for (auto const& [value, expected] :
+         std::vector<std::pair<char const*, std::optional<std::string>>>{{"<'Cantarell 11'>", "Cantarell 11"},
+                                                                         {"<<'Inter 10'>>", "Inter 10"},
+                                                                         {"<''>", std::nullopt},
+                                                                         {"<uint32 11>", std::nullopt}}) {
+        portal.set("org.gnome.desktop.interface font-name", value);
+        EXPECT_EQ(appearance.interfaceFont(), expected) << value;
     }
 }
 

@@ -87,8 +87,10 @@ void StubPortal::called(GDBusConnection*, gchar const*, gchar const*, gchar cons
     char const* key = nullptr;
     g_variant_get(arguments, "(&s&s)", &space, &key);
     std::scoped_lock const lock(self.mutex);
-    auto const value = self.values.find(key);
-    if (std::string_view(space) != "org.freedesktop.appearance" || value == self.values.end()) {
+    // Keys of the appearance's own namespace are given without it.
+    bool const isAppearance = std::string_view(space) == "org.freedesktop.appearance";
+    auto const value = self.values.find(isAppearance ? key : std::string(space) + " " + key);
+    if (value == self.values.end()) {
         g_dbus_method_invocation_return_dbus_error(invocation, "org.freedesktop.portal.Error.NotFound",
                                                    "Requested setting not found");
         return;

@@ -21,8 +21,8 @@ public:
     StubPortal(StubPortal const&) = delete;
     StubPortal& operator=(StubPortal const&) = delete;
 
-    /// `value` in GVariant's text form, such as "<uint32 1>"; answered as it stands inside the reply's
-    /// variant.
+    /// `key` of the appearance's namespace, or another namespace, a blank and a key; `value` in GVariant's
+    /// text form, such as "<uint32 1>"; answered as it stands inside the reply's variant.
     void set(std::string const& key, std::string const& value);
 
     /// Sends `SettingChanged` for a key of a namespace.

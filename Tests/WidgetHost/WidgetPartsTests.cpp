@@ -397,6 +397,7 @@ public:
         return Platform::ColorScheme::dark;
     }
     [[nodiscard]] std::optional<std::array<double, 3>> accentColor() const override { return std::nullopt; }
+    [[nodiscard]] std::optional<std::string> interfaceFont() const override { return std::nullopt; }
 
     std::promise<void> permission;
 

@@ -269,6 +269,7 @@ TEST_F(EventKitMeetRepositoryImplTests, aFetchAsksTheDesktopOnceAndOnlyForCalend
         [[nodiscard]] std::optional<std::array<double, 3>> accentColor() const override {
             return std::nullopt;
         }
+        [[nodiscard]] std::optional<std::string> interfaceFont() const override { return std::nullopt; }
         mutable int questions = 0;
     };
     auto const desktop = std::make_shared<CountingAppearance>();
