@@ -24,6 +24,21 @@ std::error_code lastError() {
     return {errno, std::generic_category()};
 }
 
+// An invalid argument to who compares it. To a person those words would say nothing.
+class FileKindCategory final : public std::error_category {
+public:
+    [[nodiscard]] char const* name() const noexcept override { return "file kind"; }
+    [[nodiscard]] std::string message(int) const override { return "Not a regular file"; }
+    [[nodiscard]] std::error_condition default_error_condition(int) const noexcept override {
+        return std::make_error_condition(std::errc::invalid_argument);
+    }
+};
+
+std::error_code notARegularFile() {
+    static FileKindCategory const category;
+    return {1, category};
+}
+
 std::error_code failure(std::errc code) {
     return std::make_error_code(code);
 }
@@ -145,7 +160,7 @@ std::expected<std::string, std::error_code> PosixFileManager::contents(path cons
     struct stat status{};
     if (::fstat(descriptor.get(), &status) != 0) return std::unexpected(lastError());
     if (S_ISDIR(status.st_mode)) return std::unexpected(failure(std::errc::is_a_directory));
-    if (!S_ISREG(status.st_mode)) return std::unexpected(failure(std::errc::invalid_argument));
+    if (!S_ISREG(status.st_mode)) return std::unexpected(notARegularFile());
 
     std::string content;
     content.reserve(static_cast<std::size_t>(status.st_size));
@@ -173,7 +188,7 @@ std::error_code PosixFileManager::appendToItem(path const& file, std::string_vie
     if (!descriptor.isOpen()) return lastError();
     struct stat status{};
     if (::fstat(descriptor.get(), &status) != 0) return lastError();
-    if (!S_ISREG(status.st_mode)) return failure(std::errc::invalid_argument);
+    if (!S_ISREG(status.st_mode)) return notARegularFile();
     if (auto const failed = writeAll(descriptor.get(), content)) return failed;
     return descriptor.close();
 }

@@ -121,6 +121,16 @@ TEST_F(BadInputJourneys, aDamagedListOfSourcesIsNamedAndKeepsNobodyFromTheRest) 
                   "change keeps a copy of it and starts a new list\n");
 }
 
+TEST_F(BadInputJourneys, aListOfSourcesThatIsNoFileIsToldInPlainWords) {
+    auto const path = home.configuration() / "calendar-store.json";
+    std::filesystem::remove(path);
+    std::filesystem::create_symlink("/dev/zero", path);
+    EXPECT_EQ(home.quillora({"sources", "list"}).errors,
+              "quillora: " + path.string() +
+                  ": the list of calendar folders could not be read (Not a regular file), so none of them is "
+                  "shown\n");
+}
+
 TEST_F(BadInputJourneys, aDamagedListOfSourcesIsMendedByTheNextChange) {
     auto const path = home.configuration() / "calendar-store.json";
     for (auto const* content : {"x", "[]", "{}"}) {

@@ -120,6 +120,7 @@ TEST(PosixFileManagerTests, aPipeIsRefusedWithoutWaitingForItsWriter) {
     ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
     EXPECT_EQ(PosixFileManager(Environment()).contents(pipe).error(), std::errc::invalid_argument);
     EXPECT_EQ(PosixFileManager(Environment()).contents("/dev/zero").error(), std::errc::invalid_argument);
+    EXPECT_EQ(PosixFileManager(Environment()).contents(pipe).error().message(), "Not a regular file");
 }
 
 TEST(PosixFileManagerTests, aNameOfTheGreatestLengthCanBeWritten) {
