@@ -109,7 +109,7 @@ Platform::FaceWindowTexts window() {
 
 Platform::ConsentDialogTexts consent() {
     return {
-        .title = "Quillora",
+        .title = text("consent-title"),
         .question = text("consent-question"),
         .explanation = text("consent-explanation"),
         .yes = text("consent-yes"),

@@ -17,6 +17,7 @@
 #include "Platform/Desktop/Display.h"
 #include "Platform/Desktop/SingleInstance.h"
 #include "Platform/EventStore/Folder/CalendarStorePlaces.h"
+#include "Platform/EventStore/Folder/ConsentRecord.h"
 #include "Platform/Logging/Logger.h"
 #include "Platform/WidgetHost/GLibMainLoop.h"
 #include "Platform/WidgetHost/LocalWidgetCenter.h"
@@ -49,6 +50,14 @@ std::unique_ptr<Platform::WallClockTimer> makeTimer(Widget::WidgetOptions const&
 
 void fail(char const* text) {
     std::fprintf(stderr, "quillora-widget: %s\n", text);
+}
+
+// A question that was answered elsewhere, in a terminal for example, need not stand any longer.
+void withdrawWhenAnswered(Platform::ConsentDialog& dialog, Composition::LiveServices& services) {
+    auto const consent = services.consent();
+    if (consent && consent->status() != Platform::EKAuthorizationStatus::notDetermined) {
+        dialog.withdraw();
+    }
 }
 
 int runWidget(Widget::WidgetOptions const& options, Foundation::Environment const& environment,
@@ -126,6 +135,7 @@ int runWidget(Widget::WidgetOptions const& options, Foundation::Environment cons
 
     // The way back: presses here and elsewhere, and everything else that makes the face another one.
     auto const reload = [&] { host->reload(); };
+    consentDialog->onAnswer(reload);
     auto const quit = [&] { mainLoop.quit(); };
     auto const chooseFamily = [&](Platform::WidgetFamily family) { host->setFamily(family); };
     auto const center = std::make_shared<Platform::LocalWidgetCenter>(mainLoop, reload);
@@ -153,6 +163,7 @@ int runWidget(Widget::WidgetOptions const& options, Foundation::Environment cons
     }
     watches.emplace(folderEvents, *services.files(),
                     places.transform([](auto const& known) { return known.configurationDirectory; }), [&] {
+                        withdrawWhenAnswered(*consentDialog, services);
                         host->reload();
                         if (calendars) {
                             calendars->update();
@@ -188,7 +199,6 @@ int runWidget(Widget::WidgetOptions const& options, Foundation::Environment cons
     host->showAgain();
     window->present();
     mainLoop.run();
-    consentDialog->abandon();
     return 0;
 }
 

@@ -2,10 +2,6 @@
 
 #include "Platform/Desktop/Signal.h"
 
-#include <boost/asio/associated_executor.hpp>
-#include <boost/asio/async_result.hpp>
-#include <boost/asio/post.hpp>
-#include <boost/asio/use_awaitable.hpp>
 #include <gtk/gtk.h>
 
 #include <utility>
@@ -14,67 +10,74 @@ namespace Platform {
 
 ConsentDialog::ConsentDialog(MainLoop& mainLoop, ConsentDialogTexts texts)
     : mainLoop(mainLoop),
-      texts(std::move(texts)) {}
+      texts(std::move(texts)),
+      self(std::make_shared<ConsentDialog*>(this)) {}
 
 ConsentDialog::~ConsentDialog() {
-    abandon();
+    withdraw();
 }
 
-void ConsentDialog::abandon() {
+void ConsentDialog::withdraw() {
     if (dialog != nullptr) {
         gtk_widget_destroy(std::exchange(dialog, nullptr));
     }
-    // Who asked may own this dialog, and is owned by what is let go of here.
-    auto const dropped = std::exchange(answered, nullptr);
+    static_cast<void>(takeAnswer());
 }
 
 Foundation::Task<ConsentAnswer> ConsentDialog::ask() {
-    using Token = decltype(boost::asio::use_awaitable);
-    auto initiation = [this](auto handler) {
-        // The answer is given on the main loop and has to travel back to where the question was asked.
-        Answered resume = [handler = std::move(handler)](ConsentAnswer answer) mutable {
-            auto const executor = boost::asio::get_associated_executor(handler);
-            boost::asio::post(executor,
-                              [handler = std::move(handler), answer]() mutable { handler(answer); });
-        };
-        mainLoop.invoke([this, resume = std::move(resume)]() mutable { open(std::move(resume)); });
-    };
-    auto const answer = co_await boost::asio::async_initiate<Token, void(ConsentAnswer)>(
-        initiation, boost::asio::use_awaitable);
-    co_return answer;
+    if (auto const given = takeAnswer()) {
+        co_return *given;
+    }
+    mainLoop.invoke([weak = std::weak_ptr(self)] {
+        // Looked at on the loop's thread, where the dialog also ends: it cannot go in between.
+        if (auto const asked = weak.lock()) {
+            (*asked)->open();
+        }
+    });
+    co_return ConsentAnswer::unavailable;
 }
 
-void ConsentDialog::open(Answered newAnswered) {
-    if (dialog != nullptr || wasClosed) {
-        // One question at a time, and none after one that was closed without an answer: each reload of the
-        // day would put it again.
-        newAnswered(ConsentAnswer::unavailable);
+std::optional<ConsentAnswer> ConsentDialog::takeAnswer() {
+    std::scoped_lock const lock(mutex);
+    return std::exchange(answer, std::nullopt);
+}
+
+bool ConsentDialog::hasAnswer() {
+    std::scoped_lock const lock(mutex);
+    return answer.has_value();
+}
+
+void ConsentDialog::open() {
+    // One question at a time, and none after one that was closed without an answer: each reload of the day
+    // would put it again. The answer may have come while this was on its way.
+    if (dialog != nullptr || wasClosed || hasAnswer()) {
         return;
     }
-    answered = std::move(newAnswered);
     dialog = gtk_message_dialog_new(nullptr, GtkDialogFlags{}, GTK_MESSAGE_QUESTION, GTK_BUTTONS_NONE, "%s",
                                     texts.question.c_str());
     gtk_message_dialog_format_secondary_text(GTK_MESSAGE_DIALOG(dialog), "%s", texts.explanation.c_str());
     gtk_window_set_title(GTK_WINDOW(dialog), texts.title.c_str());
     gtk_window_set_position(GTK_WINDOW(dialog), GTK_WIN_POS_CENTER);
+    // The first button has the keyboard from the start: a key meant for another window must not allow.
     gtk_dialog_add_button(GTK_DIALOG(dialog), texts.no.c_str(), GTK_RESPONSE_NO);
     gtk_dialog_add_button(GTK_DIALOG(dialog), texts.yes.c_str(), GTK_RESPONSE_YES);
-    connectSignal<void(gint)>(dialog, "response", [this](gint response) {
-        switch (response) {
-        case GTK_RESPONSE_YES: finish(ConsentAnswer::yes); break;
-        case GTK_RESPONSE_NO: finish(ConsentAnswer::no); break;
-        default:
-            wasClosed = true;
-            finish(ConsentAnswer::unavailable);
-            break;
-        }
-    });
+    connectSignal<void(gint)>(dialog, "response", [this](gint response) { finish(response); });
     gtk_window_present(GTK_WINDOW(dialog));
 }
 
-void ConsentDialog::finish(ConsentAnswer answer) {
+void ConsentDialog::finish(int response) {
     gtk_widget_destroy(std::exchange(dialog, nullptr));
-    std::exchange(answered, nullptr)(answer);
+    if (response != GTK_RESPONSE_YES && response != GTK_RESPONSE_NO) {
+        wasClosed = true;
+        return;
+    }
+    {
+        std::scoped_lock const lock(mutex);
+        answer = response == GTK_RESPONSE_YES ? ConsentAnswer::yes : ConsentAnswer::no;
+    }
+    if (answered) {
+        answered();
+    }
 }
 
 } // namespace Platform

@@ -351,6 +351,97 @@ TEST_F(WidgetProgramTests, nothingIsWrittenButTheOffset) {
     EXPECT_EQ(after, before);
 }
 
+class WidgetConsentTests : public WidgetProgramTests {
+protected:
+    static constexpr char const* dialogTitle = "Quillora: calendar access";
+
+    WidgetConsentTests() { std::filesystem::remove(record()); }
+
+    [[nodiscard]] std::filesystem::path record() const {
+        return home / "config/quillora/calendar-access.json";
+    }
+    [[nodiscard]] bool asks() const {
+        return screen.pictureWhen(dialogTitle, [](auto const& shown) { return shown.width > 100; })
+            .has_value();
+    }
+    [[nodiscard]] bool recordBecomes(std::string const& value) const {
+        return screen.pictureWhen(title, [&](auto const&) { return readFile(record()) == value; })
+            .has_value();
+    }
+    // The header's badge and a line, but no card of any calendar.
+    [[nodiscard]] bool showsNoMeets() const {
+        return screen
+            .pictureWhen(title,
+                         [](auto const& shown) {
+                             return shown.count(lightBrand) > 50 && shown.count(wednesdayColor) == 0 &&
+                                    shown.count(thursdayColor) == 0;
+                         })
+            .has_value();
+    }
+    [[nodiscard]] bool dialogIsGone() const {
+        return screen
+            .pictureWhen(title, [&](auto const&) { return !screen.picture(dialogTitle).has_value(); })
+            .has_value();
+    }
+};
+
+TEST_F(WidgetConsentTests, yesShowsTheDayAtOnceAndIsRecorded) {
+    open();
+    ASSERT_TRUE(asks());
+    EXPECT_TRUE(showsNoMeets());
+    EXPECT_FALSE(std::filesystem::exists(record()));
+    screen.press(dialogTitle, "Tab");
+    screen.press(dialogTitle, "space");
+    EXPECT_TRUE(showsWednesday());
+    EXPECT_EQ(readFile(record()), "3");
+    EXPECT_TRUE(dialogIsGone());
+}
+
+TEST_F(WidgetConsentTests, noIsRecordedAndTheFaceStaysWithoutMeets) {
+    open();
+    ASSERT_TRUE(asks());
+    screen.press(dialogTitle, "d", "Alt_L");
+    EXPECT_TRUE(recordBecomes("2"));
+    EXPECT_TRUE(dialogIsGone());
+    EXPECT_TRUE(showsNoMeets());
+}
+
+TEST_F(WidgetConsentTests, theButtonsMoveTheDayWhileTheQuestionStands) {
+    open();
+    ASSERT_TRUE(asks());
+    screen.press(title, "Right");
+    EXPECT_TRUE(
+        screen.pictureWhen(title, [&](auto const&) { return readFile(offsetFile()) == "1"; }).has_value());
+    EXPECT_TRUE(asks());
+    screen.press(dialogTitle, "a", "Alt_L");
+    EXPECT_TRUE(showsThursday());
+    EXPECT_EQ(readFile(record()), "3");
+}
+
+TEST_F(WidgetConsentTests, closingLeavesItUndecidedAndAsksNoMoreInThisRun) {
+    open();
+    ASSERT_TRUE(asks());
+    screen.press(dialogTitle, "Escape");
+    ASSERT_TRUE(dialogIsGone());
+    auto const before = screen.picture(title);
+    ASSERT_TRUE(before.has_value());
+    // Each of these reads the day anew, which is what put the question the first time.
+    screen.press(title, "Right");
+    ASSERT_TRUE(screen.pictureWhen(title, [&](auto const& shown) { return shown != *before; }).has_value());
+    EXPECT_TRUE(dialogIsGone());
+    EXPECT_FALSE(std::filesystem::exists(record()));
+    open(); // The next run asks again.
+    EXPECT_TRUE(asks());
+}
+
+TEST_F(WidgetConsentTests, anAnswerGivenElsewhereTakesTheQuestionBack) {
+    open();
+    ASSERT_TRUE(asks());
+    write(record(), "3");
+    EXPECT_TRUE(showsWednesday());
+    EXPECT_TRUE(dialogIsGone());
+}
+
 class WidgetOnABusTests : public WidgetProgramTests {
 protected:
     WidgetOnABusTests() : bus({"dbus-daemon", "--session", "--nofork", "--print-address=3"}, environment) {
