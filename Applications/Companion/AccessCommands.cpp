@@ -1,3 +1,4 @@
+#include "Applications/Companion/CalendarAccess.h"
 #include "Applications/Companion/Commands.h"
 #include "Applications/Companion/ProviderRegistry.h"
 #include "Applications/Companion/Support.h"
@@ -15,25 +16,25 @@ ExitCode record(Invocation const& invocation, Platform::EKAuthorizationStatus st
     if (auto const error = consent->record(status))
         throw CommandError::failed(Texts::cannotWrite(shownPath(consent->file()), error.message()));
     services->widgetCenter()->reloadAllTimelines();
-    invocation.console.writeLine(Texts::accessStatus(consent->status()));
+    sayAccess(invocation, *services);
     return ExitCode::done;
 }
 
 ExitCode status(Invocation const& invocation) {
     auto const services = liveServices(invocation);
-    invocation.console.writeLine(Texts::accessStatus(requiredConsent(*services)->status()));
+    sayAccess(invocation, *services);
     return ExitCode::done;
 }
 
 ExitCode request(Invocation const& invocation) {
     auto const services = liveServices(invocation);
-    auto const consent = requiredConsent(*services);
+    static_cast<void>(requiredConsent(*services));
     CalendarProviders::EventKitPermissionRepositoryImpl permission(services->eventStore());
     auto const answered =
         Foundation::runTask(permission.requestAccess(CalendarProviders::AccountProviderEnum::eventKit));
     services->widgetCenter()->reloadAllTimelines();
-    require(answered, Texts::accessNotGranted());
-    invocation.console.writeLine(Texts::accessStatus(consent->status()));
+    require(answered, whyNoAccess(*services, Texts::accessNotGranted()));
+    sayAccess(invocation, *services);
     return ExitCode::done;
 }
 
@@ -51,7 +52,7 @@ ExitCode reset(Invocation const& invocation) {
     if (auto const error = consent->reset())
         throw CommandError::failed(Texts::cannotWrite(shownPath(consent->file()), error.message()));
     services->widgetCenter()->reloadAllTimelines();
-    invocation.console.writeLine(Texts::accessStatus(consent->status()));
+    sayAccess(invocation, *services);
     return ExitCode::done;
 }
 

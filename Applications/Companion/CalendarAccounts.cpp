@@ -1,5 +1,6 @@
 #include "Applications/Companion/CalendarAccounts.h"
 
+#include "Applications/Companion/CalendarAccess.h"
 #include "Applications/Companion/CommandError.h"
 #include "Applications/Companion/Texts.h"
 #include "Meetings/EventKit/EventKitMeetRepositoryError.h"
@@ -20,7 +21,7 @@ std::vector<Meetings::EventKitAccountCalendarsEntity> availableAccounts(Composit
     try {
         return Foundation::runTask(repository.listAvailableCalendars());
     } catch (Meetings::EventKitMeetRepositoryError const&) {
-        throw CommandError::failed(Texts::accessIsMissing());
+        throw CommandError::failed(whyNoAccess(services, Texts::accessIsMissing()));
     }
 }
 

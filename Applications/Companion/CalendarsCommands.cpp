@@ -35,15 +35,24 @@ JSON::Value accountsValue(Accounts const& accounts, std::set<std::string> const&
     return JSON::Object{{"version", 1}, {"accounts", std::move(list)}};
 }
 
-std::string accountsText(Accounts const& accounts, std::set<std::string> const& hidden) {
+// What stands above an account's calendars; as a list of accounts, with its identifier.
+std::vector<std::string> headingOf(Meetings::EventKitAccountCalendarsEntity const& account,
+                                   bool listsAccounts) {
+    std::vector<std::string> heading = {account.eacAccountTitle, "(" + account.eacAccountType + ")"};
+    if (listsAccounts) heading.insert(heading.begin(), account.eacId);
+    return heading;
+}
+
+std::string accountsText(Accounts const& accounts, std::set<std::string> const& hidden, bool listsAccounts) {
     std::string page;
     for (auto const& account : accounts) {
-        page += alignedColumns({{account.eacAccountTitle, "(" + account.eacAccountType + ")"}});
+        page += alignedColumns({headingOf(account, listsAccounts)});
         std::vector<std::vector<std::string>> rows;
         for (auto const& calendar : account.eacCalendars) {
             rows.push_back({calendar.eciId, calendar.eciTitle, calendar.eciColorHex,
                             hidden.contains(calendar.eciId) ? Texts::hiddenMark() : ""});
         }
+        if (rows.empty() && listsAccounts) rows.push_back({Texts::accountWithoutCalendars()});
         page += alignedColumns(rows, "  ");
     }
     return page;
@@ -57,7 +66,7 @@ ExitCode list(Invocation const& invocation) {
         invocation.console.writeLine(plainJSON(accountsValue(accounts, hidden)));
         return ExitCode::done;
     }
-    auto const page = accountsText(accounts, hidden);
+    auto const page = accountsText(accounts, hidden, invocation.values.has("--accounts"));
     if (page.empty()) {
         invocation.console.writeLine(Texts::noCalendars());
     } else {
@@ -132,8 +141,10 @@ Command calendarsListCommand() {
         .path = "calendars list",
         .summary = Texts::text("calendars-list-summary"),
         .description = Texts::text("calendars-list-description"),
-        .options = {{.name = "--json", .help = Texts::text("option-json")}},
-        .examples = {{"quillora calendars list", Texts::text("calendars-list-example-1")}},
+        .options = {{.name = "--accounts", .help = Texts::text("calendars-list-option-accounts")},
+                    {.name = "--json", .help = Texts::text("option-json")}},
+        .examples = {{"quillora calendars list", Texts::text("calendars-list-example-1")},
+                     {"quillora calendars list --accounts", Texts::text("calendars-list-example-2")}},
         .run = list,
     };
 }

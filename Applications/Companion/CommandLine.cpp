@@ -63,8 +63,8 @@ void checkOptions(Command const& command, std::map<std::string, std::string, std
 }
 
 void checkArguments(Command const& command, std::vector<std::string> const& given) {
-    for (std::size_t index = 0; index < command.arguments.size(); ++index)
-        if (given.size() <= index)
+    for (std::size_t index = given.size(); index < command.arguments.size(); ++index)
+        if (command.arguments[index].count != CommandArgument::Count::atMostOne)
             throw CommandError::wrongUse(Texts::missingArgument(command.path, command.arguments[index].name));
     bool const takesMore =
         !command.arguments.empty() && command.arguments.back().count == CommandArgument::Count::oneOrMore;

@@ -28,7 +28,7 @@ struct CommandOption {
 
 /// What stands after a command's name without an option's name.
 struct CommandArgument {
-    enum class Count : std::uint8_t { one, oneOrMore };
+    enum class Count : std::uint8_t { atMostOne, one, oneOrMore };
     std::string name; ///< "FILE"
     std::string help;
     ValueKind kind = ValueKind::text;

@@ -19,6 +19,12 @@ Command nextCommand();
 Command previousCommand();
 Command todayCommand();
 
+Command meetGroup();
+Command meetShowCommand();
+Command meetAddCommand();
+Command meetEditCommand();
+Command meetDeleteCommand();
+
 Command calendarsGroup();
 Command calendarsListCommand();
 Command calendarsHideCommand();

@@ -64,6 +64,10 @@ void Console::reportExactly(std::string_view text) const {
     writeAll(STDERR_FILENO, Foundation::Text::neutralized(text) + "\n");
 }
 
+void Console::tell(std::string_view text) const {
+    writeAll(STDERR_FILENO, text);
+}
+
 std::optional<bool> Console::ask(std::string_view question) const {
     if (::isatty(STDIN_FILENO) != 1 || ::isatty(STDERR_FILENO) != 1) return std::nullopt;
     for (;;) {

@@ -30,6 +30,10 @@ public:
     /// What could break the line is made harmless. Never fails.
     void reportExactly(std::string_view text) const;
 
+    /// Writes `text` to standard error as it is: what a person should know before an error or a question.
+    /// It must be harmless already. Never fails.
+    void tell(std::string_view text) const;
+
     /// Asks a yes-or-no question on the terminal. Absent when nobody sits there or the input ends.
     [[nodiscard]] std::optional<bool> ask(std::string_view question) const;
 

@@ -1,4 +1,5 @@
 #include "Applications/Companion/AskedOnceAppearance.h"
+#include "Applications/Companion/CalendarAccess.h"
 #include "Applications/Companion/Commands.h"
 #include "Applications/Companion/DayJSON.h"
 #include "Applications/Companion/FaceText.h"
@@ -28,8 +29,7 @@ constexpr double largestScale = 20;
 // What the person asked for, checked as a whole before anything is read or written.
 struct DayRequest {
     std::optional<Foundation::Date> at;
-    std::optional<std::int64_t> offset;
-    std::optional<std::chrono::local_days> day;
+    DayChoice day;
     Platform::WidgetFamily family;
     std::optional<Platform::ColorScheme> scheme;
     double scale;
@@ -79,8 +79,7 @@ DayRequest requestOf(Invocation const& invocation) {
     bool const writesJSON = values.has("--json");
     DayRequest request{
         .at = std::nullopt,
-        .offset = std::nullopt,
-        .day = std::nullopt,
+        .day = dayChoice(values),
         .family =
             *Foundation::fromRawValue<Platform::WidgetFamily>(values.option("--family").value_or("large")),
         .scheme = requestedScheme(values),
@@ -89,17 +88,8 @@ DayRequest requestOf(Invocation const& invocation) {
         .writesJSON = writesJSON,
     };
     if (auto const text = values.option("--at")) request.at = moment("--at", *text, calendar);
-    if (auto const text = values.option("--offset")) request.offset = wholeNumber("--offset", *text);
-    if (auto const text = values.option("--day")) request.day = civilDay("--day", *text);
     checkOutputs(values, request.writesText, request.writesJSON);
     return request;
-}
-
-std::optional<std::int64_t> offsetOf(DayRequest const& request,
-                                     WidgetExtension::ScheduleWidgetServices const& services) {
-    if (!request.day) return request.offset;
-    auto const today = services.region->currentCalendar().day(services.clock->now());
-    return (*request.day - today).count();
 }
 
 std::string picture(std::string_view option, Platform::FacePainter const& painter,
@@ -127,13 +117,12 @@ void writePictures(Invocation const& invocation, WidgetExtension::ScheduleWidget
 }
 
 // An empty face has reasons that it cannot tell itself.
-void reportHints(Invocation const& invocation, WidgetExtension::ScheduleWidgetServices const& services,
-                 ShownDay const& day) {
-    auto const accounts = CalendarProviders::EnabledCalendarAccountsStore::load(*services.files);
+void reportHints(Invocation const& invocation, Composition::LiveServices& services, ShownDay const& day) {
+    auto const accounts = CalendarProviders::EnabledCalendarAccountsStore::load(*services.files());
     if (!accounts.contains(CalendarProviders::AccountProviderEnum::eventKit)) {
         invocation.console.report(Texts::calendarsAreNotSetUp());
     } else if (day.entry.hasAccessError) {
-        invocation.console.report(Texts::accessIsMissing());
+        invocation.console.report(whyNoAccess(services, Texts::accessIsMissing()));
     }
 }
 
@@ -144,7 +133,7 @@ ExitCode run(Invocation const& invocation) {
     auto services = live->scheduleWidgetServices(loop.executor());
     services.appearance = std::make_shared<AskedOnceAppearance>(services.appearance, request.scheme);
 
-    auto const day = shownDay(services, loop, offsetOf(request, services));
+    auto const day = shownDay(services, loop, offsetOf(request.day, services));
     bool const drawsPictures =
         invocation.values.has("--png") || invocation.values.has("--svg") || invocation.values.has("--pdf");
     // Only a picture shows the scheme; for text alone the desktop need not be asked.
@@ -159,7 +148,7 @@ ExitCode run(Invocation const& invocation) {
         invocation.console.write(faceText(layout, {.showsColors = invocation.console.showsColors(),
                                                    .columns = invocation.console.columns()}));
     }
-    reportHints(invocation, services, day);
+    reportHints(invocation, *live, day);
     return ExitCode::done;
 }
 
@@ -170,45 +159,36 @@ Command dayCommand() {
         .path = "day",
         .summary = Texts::text("day-summary"),
         .description = Texts::text("day-description"),
-        .options = {{.name = "--offset",
-                     .valueName = "N",
-                     .help = Texts::text("day-option-offset"),
-                     .kind = ValueKind::number,
-                     .excludes = {"--day"}},
-                    {.name = "--day",
-                     .valueName = "DATE",
-                     .help = Texts::text("day-option-day"),
-                     .kind = ValueKind::day},
-                    {.name = "--family",
-                     .valueName = "FAMILY",
-                     .help = Texts::text("day-option-family"),
-                     .choices = {"small", "medium", "large"}},
-                    {.name = "--at",
-                     .valueName = "MOMENT",
-                     .help = Texts::text("day-option-at"),
-                     .kind = ValueKind::moment},
-                    {.name = "--text", .help = Texts::text("day-option-text")},
-                    {.name = "--json", .help = Texts::text("day-option-json")},
-                    {.name = "--png",
-                     .valueName = "FILE",
-                     .help = Texts::text("day-option-png"),
-                     .kind = ValueKind::file},
-                    {.name = "--svg",
-                     .valueName = "FILE",
-                     .help = Texts::text("day-option-svg"),
-                     .kind = ValueKind::file},
-                    {.name = "--pdf",
-                     .valueName = "FILE",
-                     .help = Texts::text("day-option-pdf"),
-                     .kind = ValueKind::file},
-                    {.name = "--scheme",
-                     .valueName = "SCHEME",
-                     .help = Texts::text("day-option-scheme"),
-                     .choices = {"light", "dark"}},
-                    {.name = "--scale",
-                     .valueName = "S",
-                     .help = Texts::text("day-option-scale"),
-                     .kind = ValueKind::number}},
+        .options = withDayChoice({{.name = "--family",
+                                   .valueName = "FAMILY",
+                                   .help = Texts::text("day-option-family"),
+                                   .choices = {"small", "medium", "large"}},
+                                  {.name = "--at",
+                                   .valueName = "MOMENT",
+                                   .help = Texts::text("day-option-at"),
+                                   .kind = ValueKind::moment},
+                                  {.name = "--text", .help = Texts::text("day-option-text")},
+                                  {.name = "--json", .help = Texts::text("day-option-json")},
+                                  {.name = "--png",
+                                   .valueName = "FILE",
+                                   .help = Texts::text("day-option-png"),
+                                   .kind = ValueKind::file},
+                                  {.name = "--svg",
+                                   .valueName = "FILE",
+                                   .help = Texts::text("day-option-svg"),
+                                   .kind = ValueKind::file},
+                                  {.name = "--pdf",
+                                   .valueName = "FILE",
+                                   .help = Texts::text("day-option-pdf"),
+                                   .kind = ValueKind::file},
+                                  {.name = "--scheme",
+                                   .valueName = "SCHEME",
+                                   .help = Texts::text("day-option-scheme"),
+                                   .choices = {"light", "dark"}},
+                                  {.name = "--scale",
+                                   .valueName = "S",
+                                   .help = Texts::text("day-option-scale"),
+                                   .kind = ValueKind::number}}),
         .examples = {{"quillora day", Texts::text("day-example-1")},
                      {"quillora day --offset 1", Texts::text("day-example-2")},
                      {"quillora day --day 2026-03-11 --json", Texts::text("day-example-3")},

@@ -1,11 +1,11 @@
 #include "Applications/Companion/DayJSON.h"
 
+#include "Applications/Companion/MeetJSON.h"
+#include "Applications/Companion/PlainJSON.h"
 #include "Foundation/DateFormatting.h"
-#include "Meetings/MeetEntity.h"
 
 #include <cmath>
 #include <fmt/format.h>
-#include <set>
 #include <string>
 #include <utility>
 
@@ -14,39 +14,6 @@ namespace Companion {
 namespace JSON = Foundation::JSON;
 
 namespace {
-
-// Whole numbers without a fraction, as every reader expects of seconds; the others in their shortest form.
-JSON::Value numberValue(double value) {
-    constexpr double exactIntegers = 9007199254740992.0; // 2^53
-    if (value == std::trunc(value) && std::abs(value) < exactIntegers)
-        return static_cast<std::int64_t>(value);
-    return value;
-}
-
-JSON::Value meetValue(Meetings::MeetEntity const& meet) {
-    JSON::Object object;
-    object.emplace_back("metId", meet.metId.uuidString());
-    object.emplace_back("metName", meet.metName);
-    object.emplace_back("metDate", Foundation::iso8601(meet.metDate));
-    object.emplace_back("metDescription", meet.metDescription);
-    object.emplace_back("metDuration", numberValue(meet.metDuration));
-    object.emplace_back("metColor", meet.metColor.hexValue);
-    object.emplace_back("metIsAllDay", meet.metIsAllDay);
-    if (meet.metLocation) object.emplace_back("metLocation", *meet.metLocation);
-    if (meet.metUrl) object.emplace_back("metUrl", meet.metUrl->absoluteString);
-    object.emplace_back("metCalendarName", meet.metCalendarName);
-    object.emplace_back("metCalendarIdentifier", meet.metCalendarIdentifier);
-    object.emplace_back("metRecurrenceFrequency", Foundation::rawValue(meet.metRecurrenceFrequency));
-    JSON::Array weekdays;
-    std::set<std::int64_t> const ascending(meet.metRecurringWeekdays.begin(),
-                                           meet.metRecurringWeekdays.end());
-    for (auto const weekday : ascending)
-        weekdays.emplace_back(weekday);
-    object.emplace_back("metRecurringWeekdays", std::move(weekdays));
-    object.emplace_back("metOriginalIdentifier", meet.metOriginalIdentifier);
-    object.emplace_back("metSource", Foundation::rawValue(meet.metSource));
-    return object;
-}
 
 std::string colorText(Platform::FaceColor const& color) {
     auto const* given = std::get_if<Platform::SRGBColor>(&color);
@@ -97,7 +64,7 @@ JSON::Value dayJSON(WidgetExtension::ScheduleWidgetEntry const& entry,
                     Platform::TimelineReloadPolicy const& policy, Platform::FaceLayout const& layout) {
     JSON::Array meetings;
     for (auto const& meet : entry.meetings)
-        meetings.push_back(meetValue(meet));
+        meetings.emplace_back(meetJSON(meet));
     JSON::Object object;
     object.emplace_back("version", 1);
     object.emplace_back("date", Foundation::iso8601(entry.date));

@@ -112,8 +112,10 @@ std::string programHelp() {
 std::string synopsis(Command const& command) {
     std::string line = "quillora " + command.path;
     if (command.run == nullptr) return line + " " + Texts::usageMembers();
-    for (auto const& argument : command.arguments)
-        line += " " + argumentTerm(argument);
+    for (auto const& argument : command.arguments) {
+        bool const isOptional = argument.count == CommandArgument::Count::atMostOne;
+        line += isOptional ? " [" + argumentTerm(argument) + "]" : " " + argumentTerm(argument);
+    }
     for (auto const& option : command.options)
         line += option.isRequired ? " " + optionTerm(option) : " [" + optionTerm(option) + "]";
     return line;

@@ -3,6 +3,9 @@
 #include "Applications/Companion/CommandError.h"
 #include "Applications/Companion/Texts.h"
 
+#include <cmath>
+#include <cstdint>
+
 namespace Companion {
 
 std::string plainJSON(Foundation::JSON::Value const& value) {
@@ -22,6 +25,13 @@ std::string plainJSON(Foundation::JSON::Value const& value) {
         plain += escaped;
     }
     return plain;
+}
+
+Foundation::JSON::Value numberValue(double value) {
+    constexpr double exactIntegers = 9007199254740992.0; // 2^53
+    if (value == std::trunc(value) && std::abs(value) < exactIntegers)
+        return static_cast<std::int64_t>(value);
+    return value;
 }
 
 } // namespace Companion

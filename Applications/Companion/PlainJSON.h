@@ -10,4 +10,7 @@ namespace Companion {
 /// CommandError with ExitCode::failed for a text that is not UTF-8 or a float that is not finite.
 std::string plainJSON(Foundation::JSON::Value const& value);
 
+/// Whole numbers without a fraction, as every reader expects of seconds; others in their shortest form.
+Foundation::JSON::Value numberValue(double value);
+
 } // namespace Companion

@@ -1,6 +1,7 @@
 #include "Applications/Companion/ShownDay.h"
 
 #include "Applications/Companion/CommandError.h"
+#include "Applications/Companion/Support.h"
 #include "Applications/Companion/Texts.h"
 #include "Applications/Companion/UnsavedFiles.h"
 #include "Foundation/FatalError.h"
@@ -8,6 +9,8 @@
 #include "WidgetExtension/QuilloraWidgetBundle.h"
 #include "WidgetExtension/ScheduleWidgetDayOffsetStore.h"
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace Companion {
@@ -53,6 +56,33 @@ ShownDay distantDay(ScheduleWidgetServices const& services, Foundation::TaskLoop
 }
 
 } // namespace
+
+std::vector<CommandOption> withDayChoice(std::vector<CommandOption> others) {
+    std::vector<CommandOption> options = {{.name = "--offset",
+                                           .valueName = "N",
+                                           .help = Texts::text("day-option-offset"),
+                                           .kind = ValueKind::number,
+                                           .excludes = {"--day"}},
+                                          {.name = "--day",
+                                           .valueName = "DATE",
+                                           .help = Texts::text("day-option-day"),
+                                           .kind = ValueKind::day}};
+    std::ranges::move(others, std::back_inserter(options));
+    return options;
+}
+
+DayChoice dayChoice(ArgumentValues const& values) {
+    DayChoice choice;
+    if (auto const text = values.option("--offset")) choice.offset = wholeNumber("--offset", *text);
+    if (auto const text = values.option("--day")) choice.day = civilDay("--day", *text);
+    return choice;
+}
+
+std::optional<std::int64_t> offsetOf(DayChoice const& choice, ScheduleWidgetServices const& services) {
+    if (!choice.day) return choice.offset;
+    auto const today = services.region->currentCalendar().day(services.clock->now());
+    return (*choice.day - today).count();
+}
 
 ShownDay shownDay(ScheduleWidgetServices const& services, Foundation::TaskLoop& loop,
                   std::optional<std::int64_t> offset) {

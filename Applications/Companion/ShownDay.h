@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Applications/Companion/CommandLine.h"
 #include "Foundation/TaskLoop.h"
 #include "Platform/Appearance/ColorScheme.h"
 #include "Platform/Face/FaceLayout.h"
@@ -7,10 +8,28 @@
 #include "WidgetExtension/ScheduleWidgetEntry.h"
 #include "WidgetExtension/ScheduleWidgetServices.h"
 
+#include <chrono>
 #include <cstdint>
 #include <optional>
+#include <vector>
 
 namespace Companion {
+
+/// The day that the options `--offset` and `--day` name; without them the one that the widget stands on.
+struct DayChoice {
+    std::optional<std::int64_t> offset;
+    std::optional<std::chrono::local_days> day;
+};
+
+/// Those two options, then the others.
+std::vector<CommandOption> withDayChoice(std::vector<CommandOption> others);
+
+/// Throws CommandError with ExitCode::wrongUse for a value that names no day.
+DayChoice dayChoice(ArgumentValues const& values);
+
+/// The days from today; absent when nothing was chosen.
+std::optional<std::int64_t> offsetOf(DayChoice const& choice,
+                                     WidgetExtension::ScheduleWidgetServices const& services);
 
 /// A day as the widget would show it.
 struct ShownDay {

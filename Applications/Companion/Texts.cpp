@@ -1,6 +1,6 @@
 #include "Applications/Companion/Texts.h"
 
-#include "Applications/Composition/ProgramTexts.h"
+#include "Applications/Companion/TextLookup.h"
 #include "Applications/Composition/Texts.h"
 #include "Foundation/Text.h"
 
@@ -17,33 +17,19 @@ namespace Texts {
 
 using Platform::EKAuthorizationStatus;
 
-namespace {
-
 Composition::ProgramTexts& words() {
     static constexpr char marker = 0;
     static Composition::ProgramTexts texts("Companion_Companion", &marker, englishTable);
     return texts;
 }
 
-// The text of `key` with its places filled, in the order in which the values stand here.
-template <typename... Values>
-    requires(sizeof...(Values) > 0)
-std::string text(std::string_view key, Values const&... values) {
-    return words().text(key, {std::string(values)...});
-}
-
-// The form of the text that goes with `count`, which is its first value.
-template <typename... Values>
-std::string counted(std::string_view key, std::int64_t count, Values const&... values) {
-    return words().counted(key, count, {std::to_string(count), std::string(values)...});
-}
-
-// What a person typed, made harmless and short enough for one line.
 std::string quoted(std::string_view value) {
     constexpr std::size_t longest = 60;
     auto const harmless = Foundation::Text::neutralized(Foundation::Text::sanitizedUTF8(value));
     return text("quoted", Foundation::Text::truncated(harmless, longest));
 }
+
+namespace {
 
 std::string seeHelp(std::string_view command) {
     return command.empty() ? Texts::text("see-help") : text("see-help-of", command);
@@ -316,6 +302,15 @@ std::string accessStatus(EKAuthorizationStatus status) {
     return text("access-unknown", std::to_string(static_cast<std::int64_t>(status)));
 }
 
+std::string storeRefuses() {
+    return text("access-store-refuses");
+}
+
+std::string folderIsRefused(std::string_view path, std::string_view closed, bool isClosedByOther) {
+    return isClosedByOther ? text("folder-is-refused-by-other", path, closed)
+                           : text("folder-is-refused", path, closed);
+}
+
 std::string accessIsMissing() {
     return text("access-is-missing");
 }
@@ -422,6 +417,10 @@ std::string noCalendars() {
 
 std::string hiddenMark() {
     return text("hidden-mark");
+}
+
+std::string accountWithoutCalendars() {
+    return text("account-without-calendars");
 }
 
 std::string unknownCalendar(std::string_view identifier) {

@@ -91,6 +91,8 @@ std::string unexpectedFailure(std::string_view reason);
 
 // Access.
 std::string accessStatus(Platform::EKAuthorizationStatus status);
+std::string storeRefuses();
+std::string folderIsRefused(std::string_view path, std::string_view closed, bool isClosedByOther);
 std::string accessIsMissing();
 std::string accessNotGranted();
 std::string accessCanBeGranted();
@@ -122,6 +124,7 @@ std::string unknownSource(std::string_view name);
 std::string folderHoldsNoCalendars(std::string_view path);
 std::string noCalendars();
 std::string hiddenMark();
+std::string accountWithoutCalendars();
 std::string unknownCalendar(std::string_view identifier);
 std::string calendarHidden(std::string_view title);
 std::string calendarShown(std::string_view title);

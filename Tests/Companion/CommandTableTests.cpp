@@ -125,6 +125,8 @@ TEST(HelpTests, aSynopsisMarksWhatMayBeLeftOut) {
     EXPECT_EQ(synopsis(*findCommand("occurrences")),
               "quillora occurrences FILE|DIR --from TIME --to TIME [--zone ZONE] [--json]");
     EXPECT_EQ(synopsis(*findCommand("access")), "quillora access COMMAND");
+    EXPECT_EQ(synopsis(*findCommand("meet show")),
+              "quillora meet show [ID] [--offset N] [--day DATE] [--json]");
 }
 
 } // namespace

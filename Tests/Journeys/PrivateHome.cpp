@@ -48,6 +48,17 @@ ProgramResult PrivateHome::quillora(std::vector<std::string> words, ProgramRun::
                 .output = output});
 }
 
+ProgramResult PrivateHome::quilloraAsked(std::vector<std::string> words, std::string question,
+                                         std::string input) const {
+    return run({.path = QUILLORA_BUILD_DIR "/bin/quillora",
+                .arguments = std::move(words),
+                .environment = environment,
+                .directory = root.string(),
+                .input = std::move(input),
+                .inputAfter = std::move(question),
+                .output = ProgramRun::Output::terminal});
+}
+
 ProgramResult PrivateHome::quilloraWithoutOverride(std::vector<std::string> words) const {
     return run({.path = QUILLORA_BUILD_DIR "/bin/quillora",
                 .arguments = std::move(words),

@@ -67,9 +67,10 @@ class Gathering {
 public:
     Gathering(int output, int errors) : descriptors{{output, POLLIN, 0}, {errors, POLLIN, 0}} {}
 
-    // Whether both ended in time.
-    bool run(std::chrono::steady_clock::time_point deadline) {
+    // Whether both ended in time, or `text` came on the first.
+    bool run(std::chrono::steady_clock::time_point deadline, std::string_view text = {}) {
         while (descriptors[0].fd >= 0 || descriptors[1].fd >= 0) {
+            if (!text.empty() && texts[0].contains(text)) return true;
             auto const left = std::chrono::duration_cast<std::chrono::milliseconds>(
                 deadline - std::chrono::steady_clock::now());
             if (left.count() <= 0) return false;
@@ -161,11 +162,12 @@ ProgramResult run(ProgramRun const& program) {
     ::close(errors.theirs);
     ::close(fullDevice);
     std::signal(SIGPIPE, SIG_IGN);
+    auto const deadline = std::chrono::steady_clock::now() + program.patience;
+    Gathering gathering(program.output == ProgramRun::Output::readerGone ? -1 : output.ours, errors.ours);
+    if (!program.inputAfter.empty()) gathering.run(deadline, program.inputAfter);
     writeInput(input.ours, program.input);
     if (!isTerminal) ::close(input.ours);
-
-    Gathering gathering(program.output == ProgramRun::Output::readerGone ? -1 : output.ours, errors.ours);
-    if (!gathering.run(std::chrono::steady_clock::now() + program.patience)) ::kill(child, SIGKILL);
+    if (!gathering.run(deadline)) ::kill(child, SIGKILL);
     int status = 0;
     while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
     }

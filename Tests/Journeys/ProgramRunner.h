@@ -34,6 +34,9 @@ struct ProgramRun {
     std::map<std::string, std::string> environment;
     std::string directory = "/";
     std::string input = {};
+    /// What the program must have written before it is given the input; a terminal takes Ctrl-C and the like
+    /// only from then on. Empty: at once.
+    std::string inputAfter = {};
     Output output = Output::captured;
     Rights rights = Rights::usual;
     std::chrono::seconds patience{60};

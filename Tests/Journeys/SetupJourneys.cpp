@@ -146,42 +146,6 @@ TEST(CalendarsJourneys, aChoiceThatCannotBeKeptIsNamedWithItsFileAndCause) {
                                  file.string() + " cannot be written (Is a directory)\n");
 }
 
-TEST(AccessJourneys, aRequestAsksOnceAndTellsTheAnswer) {
-    PrivateHome const home;
-    std::string const refusal = "Quillora may not read your calendars; \"quillora access grant\" allows it "
-                                "without a question";
-    // With nobody to ask nothing is recorded.
-    auto const unasked = home.quillora({"access", "request"});
-    EXPECT_EQ(unasked.exitCode, 1);
-    EXPECT_EQ(unasked.output, "");
-    EXPECT_EQ(unasked.errors, "quillora: " + refusal + "\nCalendar access was denied\n");
-    EXPECT_EQ(home.outputOf({"access", "status"}), "Calendar access: not asked yet\n");
-
-    auto const denied = home.quillora({"access", "request"}, ProgramRun::Output::terminal, "no\n");
-    EXPECT_EQ(denied.exitCode, 1) << denied.output;
-    EXPECT_THAT(denied.output, HasSubstr("Calendar access was denied"));
-    EXPECT_EQ(home.outputOf({"access", "status"}), "Calendar access: denied\n");
-    // Who has answered is not asked again.
-    auto const again = home.quillora({"access", "request"}, ProgramRun::Output::terminal, "yes\n");
-    EXPECT_EQ(again.exitCode, 1) << again.output;
-    EXPECT_EQ(home.outputOf({"access", "status"}), "Calendar access: denied\n");
-
-    static_cast<void>(home.outputOf({"access", "reset"}));
-    auto const granted = home.quillora({"access", "request"}, ProgramRun::Output::terminal, "yes\n");
-    EXPECT_EQ(granted.exitCode, 0) << granted.output;
-    EXPECT_THAT(granted.output, HasSubstr("Calendar access: granted"));
-    EXPECT_EQ(home.outputOf({"access", "request"}), "Calendar access: granted\n");
-}
-
-TEST(AccessJourneys, aWriteOnlyRecordIsADenialWithoutAQuestion) {
-    PrivateHome const home;
-    home.write(home.configuration() / "calendar-access.json", "4");
-    auto const result = home.quillora({"access", "request"}, ProgramRun::Output::terminal, "yes\n");
-    EXPECT_EQ(result.exitCode, 1);
-    EXPECT_THAT(result.output, HasSubstr("Calendar access was denied"));
-    EXPECT_EQ(home.contentOf(home.configuration() / "calendar-access.json"), "4");
-}
-
 TEST(SetupJourneys, beforeTheSetupTheDayIsEmptyAndTheHintNamesIt) {
     PrivateHome const home;
     auto const result = home.quillora({"day", "--at", "2026-03-11T08:00"});

@@ -1,6 +1,7 @@
 #include "Platform/EventStore/Folder/FolderEventStore.h"
 
 #include "Platform/EventStore/Folder/CalendarRootReader.h"
+#include "Platform/EventStore/Folder/RefusedFolder.h"
 
 #include <algorithm>
 #include <cmath>
@@ -152,12 +153,8 @@ EKAuthorizationStatus FolderEventStore::authorizationStatus() {
     std::scoped_lock const lock(mutex);
     std::vector<StoreProblem> unused;
     auto const roots = rootsOnRecord(unused);
-    auto const isRefused = [](CalendarRoot const& root) {
-        std::error_code failure;
-        std::filesystem::directory_iterator const probe(root.path, failure);
-        return failure == std::errc::permission_denied;
-    };
-    if (!roots.empty() && std::ranges::all_of(roots, isRefused)) return EKAuthorizationStatus::denied;
+    bool const isClosed = !roots.empty() && std::ranges::all_of(roots, isRefused, &CalendarRoot::path);
+    if (isClosed) return EKAuthorizationStatus::denied;
     return consent.status();
 }
 
@@ -198,7 +195,7 @@ std::int64_t FolderEventStore::fileReads() {
 
 std::vector<CalendarRoot> FolderEventStore::rootsOnRecord(std::vector<StoreProblem>& problems) const {
     std::vector<CalendarRoot> roots;
-    if (isDirectory(parts.places.nativeCalendar)) {
+    if (hasNativeCalendar(parts.places)) {
         roots.push_back({.kind = folderRootKind,
                          .id = std::string(nativeCalendarIdentifier),
                          .path = parts.places.nativeCalendar,

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "Applications/Companion/Invocation.h"
+#include "Applications/Composition/LiveServices.h"
+
+#include <string>
+
+/// Whether the calendars may be read, and what helps when they may not.
+namespace Companion {
+
+/// Prints what the person answered, and every calendar folder that the file system refuses to open. Throws
+/// CommandError with ExitCode::failed when the environment names no home.
+void sayAccess(Invocation const& invocation, Composition::LiveServices& services);
+
+/// Why the calendars may not be read and what to do: `consentIsMissing`, unless the folders themselves
+/// refuse.
+std::string whyNoAccess(Composition::LiveServices& services, std::string const& consentIsMissing);
+
+} // namespace Companion

@@ -1,0 +1,173 @@
+#include "Applications/Companion/Commands.h"
+#include "Applications/Companion/MeetArguments.h"
+#include "Applications/Companion/MeetChange.h"
+#include "Applications/Companion/MeetTexts.h"
+#include "Applications/Companion/NamedMeet.h"
+#include "Applications/Companion/Support.h"
+#include "Applications/Companion/Texts.h"
+#include "Meetings/EventKit/EventKitMeetMapper.h"
+#include "Meetings/EventKit/EventKitMeetRepositoryError.h"
+#include "Meetings/MeetDomain.h"
+#include "Platform/Clock/RegionSettings.h"
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+namespace Companion {
+
+using Meetings::MeetEntity;
+using Platform::EKEvent;
+
+namespace {
+
+// One edit, from what was typed to the meet as it will be.
+struct Edit {
+    MeetArguments arguments;
+    ChangeReach reach;
+    MeetEntity before;
+    MeetEntity after;
+    EKEvent event; ///< The store's record of the meet as it is.
+
+    [[nodiscard]] bool isOfASeries() const { return event.occurrenceKey.has_value(); }
+};
+
+MeetEntity editedMeet(MeetEntity meet, MeetArguments const& arguments, Foundation::Calendar const& calendar) {
+    auto const times = changedTimes(arguments, meet, calendar);
+    writeFields(arguments, meet);
+    meet.metDate = times.start;
+    meet.metDuration = times.end.timeIntervalSince(times.start);
+    return meet;
+}
+
+// The use case looks for the meet around its new start and takes what it finds there: of a meet that is moved
+// far nothing, or another occurrence of its series.
+bool findsTheMeet(Edit const& edit, Meetings::EventKitStoring& store, Foundation::Calendar const& calendar) {
+    auto const start = calendar.dateByAddingDays(-1, edit.after.metDate);
+    auto const end = calendar.dateByAddingDays(1, edit.after.metDate);
+    if (!start || !end) return false;
+    auto events = store.eventsMatching(store.predicateForEvents(*start, *end, std::nullopt));
+    std::erase_if(events, [&](EKEvent const& event) {
+        return Meetings::EventKitMeetMapper::identifier(event) != edit.before.metOriginalIdentifier;
+    });
+    auto found = std::ranges::find_if(events, [&](EKEvent const& event) {
+        return calendar.isDateInSameMinute(*event.startDate, edit.after.metDate);
+    });
+    if (found == events.end()) found = events.begin();
+    return found != events.end() && Meetings::EventKitMeetMapper::stableId(*found) == edit.before.metId;
+}
+
+void check(Edit const& edit, Meetings::EventKitStoring& store, Foundation::Calendar const& calendar) {
+    bool const isUseCase = edit.reach == ChangeReach::asTheUseCaseDoes;
+    if (isUseCase && edit.arguments.goesBeyondAMeet())
+        throw CommandError::wrongUse(Texts::fieldsNeedAReach());
+    if (edit.arguments.repetition && edit.isOfASeries() && edit.reach != ChangeReach::fromThisOneOn)
+        throw CommandError::wrongUse(Texts::repetitionNeedsFuture());
+    if (isUseCase && !findsTheMeet(edit, store, calendar)) throw CommandError::wrongUse(Texts::movedTooFar());
+    changing(Texts::meetNotChanged(edit.before.metName), [&] { Meetings::MeetDomain::validate(edit.after); });
+}
+
+std::string headingOf(Edit const& edit, MeetWords const& words) {
+    auto const& meet = edit.before;
+    if (!edit.isOfASeries()) return Texts::changesMeet(meet.metName, words.when(meet));
+    if (edit.reach == ChangeReach::fromThisOneOn) return Texts::changesFuture(meet.metName, words.when(meet));
+    return Texts::changesOccurrence(meet.metName, words.when(meet));
+}
+
+std::string planOf(Edit const& edit, MeetWords const& words, Foundation::Calendar const& calendar) {
+    std::vector<std::vector<std::string>> rows;
+    auto const add = [&](std::string const& label, std::string const& before, std::string const& after) {
+        if (before != after) rows.push_back({label, Texts::shortened(before), "→", Texts::shortened(after)});
+    };
+    EKEvent after = edit.event;
+    writeFields(edit.arguments, after, calendar);
+    add(Texts::titleLabel(), edit.before.metName, edit.after.metName);
+    add(Texts::whenLabel(), words.when(edit.before), words.when(edit.after));
+    add(Texts::descriptionLabel(), edit.before.metDescription, edit.after.metDescription);
+    add(Texts::placeLabel(), edit.event.location.value_or(""), after.location.value_or(""));
+    add(Texts::linkLabel(), edit.event.url.value_or(Foundation::URL{}).absoluteString,
+        after.url.value_or(Foundation::URL{}).absoluteString);
+    add(Texts::repeatsLabel(), words.repetition(edit.event.recurrenceRules),
+        words.repetition(after.recurrenceRules));
+    return headingOf(edit, words) + "\n" + alignedColumns(rows, "  ");
+}
+
+MeetEntity carryOut(Edit const& edit, Composition::LiveServices& services) {
+    if (edit.reach == ChangeReach::asTheUseCaseDoes)
+        return Foundation::runTask(meetingsApplication(services).editMeet(edit.after));
+    EKEvent event = edit.event;
+    event.startDate = edit.after.metDate;
+    event.endDate = endOf(edit.after);
+    writeFields(edit.arguments, event, services.region()->currentCalendar());
+    services.eventKitStore()->save(event, edit.reach == ChangeReach::fromThisOneOn
+                                              ? Platform::EKSpan::futureEvents
+                                              : Platform::EKSpan::thisEvent);
+    return meetOf(event, services);
+}
+
+Edit editOf(Invocation const& invocation, Composition::LiveServices& services, MeetWords const& words) {
+    auto const calendar = services.region()->currentCalendar();
+    auto arguments = meetArguments(invocation.values, calendar);
+    if (arguments.isEmpty()) throw CommandError::wrongUse(Texts::nothingToChange());
+    auto const day = meetsOfDay(services, dayChoice(invocation.values));
+    auto const meet = meetCalled(invocation.values.arguments().front(), day, invocation, words);
+    auto event = eventBehind(meet, *services.eventKitStore(), calendar);
+    if (!event) {
+        throw CommandError::refused(Texts::meetNotChanged(meet.metName),
+                                    Meetings::EventKitMeetRepositoryError::eventNotFound().what());
+    }
+    auto after = editedMeet(meet, arguments, calendar);
+    return {.arguments = std::move(arguments),
+            .reach = reachOf(invocation.values),
+            .before = meet,
+            .after = std::move(after),
+            .event = *std::move(event)};
+}
+
+ExitCode run(Invocation const& invocation) {
+    auto const services = liveServices(invocation);
+    auto const words = meetWords(*services);
+    auto const calendar = services->region()->currentCalendar();
+    auto const edit = editOf(invocation, *services, words);
+    check(edit, *services->eventKitStore(), calendar);
+    confirm(invocation, planOf(edit, words, calendar));
+
+    std::optional<MeetEntity> stored;
+    changing(Texts::meetNotChanged(edit.before.metName), [&] { stored = carryOut(edit, *services); });
+    finishChange(invocation, *services, *stored,
+                 Texts::meetChanged(stored->metName, words.when(*stored), stored->metId.uuidString()));
+    return ExitCode::done;
+}
+
+std::vector<CommandOption> editOptions() {
+    std::vector<CommandOption> options = {
+        {.name = "--name", .valueName = "NAME", .help = Texts::text("meet-edit-option-name")},
+        {.name = "--repeat",
+         .valueName = "RHYTHM",
+         .help = Texts::text("meet-edit-option-repeat"),
+         .choices = {"none", "daily", "weekly", "monthly", "yearly"}},
+        {.name = "--json", .help = Texts::text("meet-edit-option-json")}};
+    std::ranges::move(meetFieldOptions(), std::back_inserter(options));
+    std::ranges::move(
+        changeOptions(Texts::text("meet-edit-option-this"), Texts::text("meet-edit-option-future")),
+        std::back_inserter(options));
+    return withDayChoice(std::move(options));
+}
+
+} // namespace
+
+Command meetEditCommand() {
+    return {
+        .path = "meet edit",
+        .summary = Texts::text("meet-edit-summary"),
+        .description = Texts::text("meet-edit-description"),
+        .options = editOptions(),
+        .arguments = {{.name = "ID", .help = Texts::text("meet-argument-id")}},
+        .examples = {{"quillora meet edit 8558 --start 10:00", Texts::text("meet-edit-example-1")},
+                     {"quillora meet edit 8558 --future --duration 30m --yes",
+                      Texts::text("meet-edit-example-2")}},
+        .run = run,
+    };
+}
+
+} // namespace Companion

@@ -1,0 +1,115 @@
+#include "Applications/Companion/MeetWords.h"
+
+#include "Applications/Companion/MeetTexts.h"
+#include "Foundation/DateFormatting.h"
+#include "Foundation/Text.h"
+
+#include <chrono>
+#include <fmt/format.h>
+#include <utility>
+
+namespace Companion {
+
+using Meetings::MeetEntity;
+using Platform::EKRecurrenceFrequency;
+using Platform::EKRecurrenceRule;
+
+namespace {
+
+// The last instant of an interval whose end is exclusive.
+Foundation::Date lastOf(Foundation::Date start, Foundation::Date end) {
+    auto const last = end.addingTimeInterval(-1);
+    return last > start ? last : start;
+}
+
+EKRecurrenceFrequency frequencyOf(Meetings::MeetRecurrenceFrequency frequency) {
+    switch (frequency) {
+    case Meetings::MeetRecurrenceFrequency::none: break;
+    case Meetings::MeetRecurrenceFrequency::daily: return EKRecurrenceFrequency::daily;
+    case Meetings::MeetRecurrenceFrequency::weekly: return EKRecurrenceFrequency::weekly;
+    case Meetings::MeetRecurrenceFrequency::monthly: return EKRecurrenceFrequency::monthly;
+    }
+    return EKRecurrenceFrequency::other;
+}
+
+} // namespace
+
+MeetWords::MeetWords(Foundation::Calendar calendar, Foundation::Locale locale)
+    : calendar(std::move(calendar)),
+      locale(std::move(locale)) {}
+
+std::string MeetWords::day(Foundation::Date date) const {
+    auto const parts = calendar.components(date);
+    auto const name = Foundation::Text::capitalized(Foundation::weekdayName(date, calendar, locale));
+    return fmt::format("{} {:04}-{:02}-{:02}", name, parts.year, parts.month, parts.day);
+}
+
+std::string MeetWords::days(Foundation::Date start, Foundation::Date end) const {
+    auto const last = lastOf(start, end);
+    if (calendar.isDateInSameDay(start, last)) return day(start);
+    return Texts::fromTo(day(start), day(last));
+}
+
+std::string MeetWords::when(Foundation::Date start, Foundation::Date end, bool isAllDay) const {
+    if (isAllDay) return Texts::dayAndTime(days(start, end), Texts::allDay());
+    auto const from = Foundation::twelveHourTimeWithMarker(start, calendar);
+    if (!(end > start)) return Texts::dayAndTime(day(start), from);
+    auto const to = Foundation::twelveHourTimeWithMarker(end, calendar);
+    if (calendar.isDateInSameDay(start, lastOf(start, end)))
+        return Texts::dayAndTime(day(start), Texts::fromTo(from, to));
+    return Texts::fromTo(Texts::dayAndTime(day(start), from), Texts::dayAndTime(day(end), to));
+}
+
+std::string MeetWords::when(MeetEntity const& meet) const {
+    return when(meet.metDate, endOf(meet), meet.metIsAllDay);
+}
+
+std::string MeetWords::time(MeetEntity const& meet) const {
+    if (meet.metIsAllDay) return Texts::allDay();
+    return Foundation::twelveHourTimeWithMarker(meet.metDate, calendar);
+}
+
+std::string MeetWords::repetition(std::vector<EKRecurrenceRule> const& rules) const {
+    std::vector<std::string> words;
+    for (auto const& each : rules)
+        words.push_back(rule(each));
+    return Texts::listed(words);
+}
+
+std::string MeetWords::weekday(std::int64_t number) const {
+    // Any week will do to name its days.
+    std::chrono::local_days const sunday(std::chrono::year(2024) / 1 / 7);
+    auto const date = calendar.startOfDay(sunday + std::chrono::days(number - 1));
+    return Foundation::weekdayName(date, calendar, locale);
+}
+
+std::string MeetWords::rule(EKRecurrenceRule const& rule) const {
+    std::string words = Texts::everyPeriod(rule.frequency, rule.interval);
+    std::vector<std::string> names;
+    for (auto const& each : rule.daysOfTheWeek)
+        names.push_back(Texts::weekdayOfPeriod(weekday(each.dayOfTheWeek), each.weekNumber));
+    if (!names.empty()) words = Texts::onDays(words, Texts::listed(names));
+
+    std::vector<std::string> days;
+    for (auto const number : rule.daysOfTheMonth)
+        days.push_back(Texts::dayOfMonth(number));
+    if (!days.empty()) words = Texts::onDays(words, Texts::listed(days));
+
+    if (rule.occurrenceCount) words = Texts::timesInAll(words, *rule.occurrenceCount);
+    if (rule.endDate) words = Texts::untilDay(words, day(*rule.endDate));
+    return words;
+}
+
+std::vector<EKRecurrenceRule> rulesOf(MeetEntity const& meet) {
+    if (meet.metRecurrenceFrequency == Meetings::MeetRecurrenceFrequency::none) return {};
+    EKRecurrenceRule rule = {.frequency = frequencyOf(meet.metRecurrenceFrequency)};
+    for (auto const weekday : meet.metRecurringWeekdays)
+        rule.daysOfTheWeek.push_back({.dayOfTheWeek = weekday});
+    return {rule};
+}
+
+Foundation::Date endOf(MeetEntity const& meet) {
+    return meet.metDate.addingTimeInterval(meet.metDuration);
+}
+
+} // namespace Companion

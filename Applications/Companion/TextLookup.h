@@ -1,0 +1,31 @@
+#pragma once
+
+#include "Applications/Companion/Texts.h"
+#include "Applications/Composition/ProgramTexts.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+/// How the files that define the program's texts ask the tables. Nobody else needs it.
+namespace Companion::Texts {
+
+Composition::ProgramTexts& words();
+
+/// The text of `key` with its places filled, in the order in which the values stand here.
+template <typename... Values>
+    requires(sizeof...(Values) > 0)
+std::string text(std::string_view key, Values const&... values) {
+    return words().text(key, {std::string(values)...});
+}
+
+/// The form of the text that goes with `count`, which is its first value.
+template <typename... Values>
+std::string counted(std::string_view key, std::int64_t count, Values const&... values) {
+    return words().counted(key, count, {std::to_string(count), std::string(values)...});
+}
+
+/// What a person typed or a calendar says, made harmless and short enough for one line.
+std::string quoted(std::string_view value);
+
+} // namespace Companion::Texts
