@@ -58,12 +58,10 @@ bool findsTheMeet(Edit const& edit, Meetings::EventKitStoring& store, Foundation
 }
 
 void check(Edit const& edit, Meetings::EventKitStoring& store, Foundation::Calendar const& calendar) {
-    bool const isUseCase = edit.reach == ChangeReach::asTheUseCaseDoes;
-    if (isUseCase && edit.arguments.goesBeyondAMeet())
-        throw CommandError::wrongUse(Texts::fieldsNeedAReach());
     if (edit.arguments.repetition && edit.isOfASeries() && edit.reach != ChangeReach::fromThisOneOn)
         throw CommandError::wrongUse(Texts::repetitionNeedsFuture());
-    if (isUseCase && !findsTheMeet(edit, store, calendar)) throw CommandError::wrongUse(Texts::movedTooFar());
+    if (edit.reach == ChangeReach::asTheUseCaseDoes && !findsTheMeet(edit, store, calendar))
+        throw CommandError::wrongUse(Texts::movedTooFar());
     changing(Texts::meetNotChanged(edit.before.metName), [&] { Meetings::MeetDomain::validate(edit.after); });
 }
 
@@ -117,8 +115,12 @@ Edit editOf(Invocation const& invocation, Composition::LiveServices& services, M
                                     Meetings::EventKitMeetRepositoryError::eventNotFound().what());
     }
     auto after = editedMeet(meet, arguments, calendar);
+    auto reach = reachOf(invocation.values);
+    // What the use case would leave unwritten, the store writes to the same one occurrence.
+    if (reach == ChangeReach::asTheUseCaseDoes && arguments.goesBeyondAMeet())
+        reach = ChangeReach::thisOccurrence;
     return {.arguments = std::move(arguments),
-            .reach = reachOf(invocation.values),
+            .reach = reach,
             .before = meet,
             .after = std::move(after),
             .event = *std::move(event)};

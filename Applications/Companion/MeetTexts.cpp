@@ -166,10 +166,6 @@ std::string nothingToChange() {
     return text("meet-nothing-to-change");
 }
 
-std::string fieldsNeedAReach() {
-    return text("meet-fields-need-a-reach");
-}
-
 std::string repetitionNeedsFuture() {
     return text("meet-repetition-needs-future");
 }

@@ -53,7 +53,6 @@ std::string needsRepeat(std::string_view option);
 std::string notACount(std::string_view value);
 std::string notALink(std::string_view value);
 std::string nothingToChange();
-std::string fieldsNeedAReach();
 std::string repetitionNeedsFuture();
 std::string movedTooFar();
 

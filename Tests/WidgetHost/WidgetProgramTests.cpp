@@ -488,6 +488,35 @@ TEST_F(WidgetOnABusTests, actionsOnTheBusMoveTheDay) {
     EXPECT_EQ(widget->wait(), 0);
 }
 
+TEST_F(WidgetOnABusTests, meetThatIsAddedOnTheCommandLineIsShownAtOnce) {
+    ChildProcess monitor(
+        {"dbus-monitor", "--session", "type='signal',interface='com.zentorik.quillora.WidgetCenter'"},
+        environment);
+    ASSERT_TRUE(monitor.readLine().has_value()) << monitor.errorText(); // It listens from here on.
+    open();
+    ASSERT_TRUE(showsWednesday());
+    ChildProcess add({QUILLORA_BUILD_DIR "/bin/quillora", "meet", "add", "--name", "Lunch", "--day",
+                      "2026-03-11", "--start", "12:00", "--calendar", "k3fa/Thursday"},
+                     environment);
+    EXPECT_EQ(add.wait(), 0) << add.errorText();
+    EXPECT_TRUE(screen
+                    .pictureWhen(title,
+                                 [](auto const& shown) {
+                                     return shown.count(wednesdayColor) > 0 && shown.count(thursdayColor) > 0;
+                                 })
+                    .has_value());
+    // The widget watches the folder, too; those that cannot are told by the command itself.
+    bool wasTold = false;
+    while (!wasTold) {
+        auto const line = monitor.readLine();
+        if (!line) {
+            break;
+        }
+        wasTold = line->contains("member=ReloadAllTimelines");
+    }
+    EXPECT_TRUE(wasTold);
+}
+
 TEST_F(WidgetOnABusTests, widgetOutlivesTheBus) {
     open({});
     auto const opening = screen.pictureWhen(title, [](auto const&) { return true; });
