@@ -21,7 +21,7 @@ def sample_calendars(session, programs):
     """Sets the session's home up as a person's would be."""
     calendars = os.path.join(session.home, "Calendars")
     session.run(f"{programs}/quillora-samples", "--out", calendars)
-    session.run(f"{programs}/quillora", "setup", "--yes")
+    session.run(f"{programs}/quillora", "setup", "--yes", "--keychain", "file")
     session.run(f"{programs}/quillora", "sources", "add", calendars)
 
 

@@ -39,6 +39,7 @@ std::span<Command const> commandTable() {
         providersEnableCommand(),
         providersDisableCommand(),
         providersRemoveCommand(),
+        doctorCommand(),
         occurrencesCommand(),
         htmlLineCommand(),
     };

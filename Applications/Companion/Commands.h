@@ -46,4 +46,6 @@ Command providersRemoveCommand();
 Command occurrencesCommand();
 Command htmlLineCommand();
 
+Command doctorCommand();
+
 } // namespace Companion

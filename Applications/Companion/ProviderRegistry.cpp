@@ -5,7 +5,10 @@
 #include "Applications/Companion/Texts.h"
 #include "Applications/Composition/LiveRegistryServices.h"
 #include "CalendarProviders/EnabledCalendarAccountsStore.h"
+#include "Platform/ObjectDatabase/Quarantine.h"
 
+#include <algorithm>
+#include <exception>
 #include <set>
 #include <vector>
 
@@ -15,13 +18,21 @@ using namespace CalendarProviders;
 
 namespace {
 
+std::set<AccountProviderEnum> enabledKinds(CalendarProviderRegistryApplication const& registry) {
+    std::set<AccountProviderEnum> enabled;
+    for (auto const& provider :
+         required<std::vector<CalendarProviderEntity>>(registry.getAll(), Texts::providersNotRead()))
+        if (provider.capIsEnabled) enabled.insert(provider.capProvider);
+    return enabled;
+}
+
+} // namespace
+
 std::string messageOf(ResultEntity const& result) {
     for (auto const& message : {result.infrastructureMessage, result.domainMessage, result.databaseMessage})
         if (message) return *message;
     return result.message;
 }
-
-} // namespace
 
 void require(ResultEntity const& result, std::string const& whatWasNotDone) {
     if (!result.result) throw CommandError::refused(whatWasNotDone, messageOf(result));
@@ -35,17 +46,37 @@ CalendarProviderRegistryApplication requiredRegistry(Composition::LiveServices& 
         Composition::LiveRegistryServices(services).calendarProviderRegistry(), whatWasNotDone);
 }
 
+bool isMirrorRight(Composition::LiveServices& services, CalendarProviderRegistryApplication const& registry) {
+    return EnabledCalendarAccountsStore::load(*services.files()) == enabledKinds(registry);
+}
+
 void checkMirror(Composition::LiveServices& services, CalendarProviderRegistryApplication const& registry) {
-    std::set<AccountProviderEnum> enabled;
-    for (auto const& provider :
-         required<std::vector<CalendarProviderEntity>>(registry.getAll(), Texts::providersNotRead()))
-        if (provider.capIsEnabled) enabled.insert(provider.capProvider);
+    auto const enabled = enabledKinds(registry);
     WriteWitness const files(services.files());
     if (EnabledCalendarAccountsStore::load(files) == enabled) return;
     // The registry writes it without a word; writing it once more mends it or tells why not.
     EnabledCalendarAccountsStore::save(files, enabled);
     if (EnabledCalendarAccountsStore::load(files) != enabled)
         throw CommandError::failed(Texts::mirrorNotSaved(whyNotKept(files)));
+}
+
+QuarantineReport::QuarantineReport(Composition::LiveServices& services, Console const& console)
+    : services(services),
+      console(console),
+      before(copies()) {}
+
+QuarantineReport::~QuarantineReport() {
+    try {
+        for (auto const& copy : copies())
+            if (std::ranges::find(before, copy) == before.end())
+                console.report(Texts::databaseSetAside(shownPath(copy)));
+    } catch (std::exception const&) { // NOLINT(bugprone-empty-catch): there is nobody left to tell.
+    }
+}
+
+std::vector<std::filesystem::path> QuarantineReport::copies() const {
+    auto const database = Composition::LiveRegistryServices(services).databaseFile();
+    return database ? Platform::Quarantine::copies(*database) : std::vector<std::filesystem::path>();
 }
 
 } // namespace Companion

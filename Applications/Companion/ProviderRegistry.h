@@ -1,13 +1,19 @@
 #pragma once
 
+#include "Applications/Companion/Console.h"
 #include "Applications/Composition/LiveServices.h"
 #include "CalendarProviders/CalendarProviderRegistryApplication.h"
 #include "CalendarProviders/ResultEntity.h"
 
+#include <filesystem>
 #include <string>
+#include <vector>
 
 /// What the commands on the registry of calendar providers do alike.
 namespace Companion {
+
+/// The one message of a failure.
+std::string messageOf(CalendarProviders::ResultEntity const& result);
 
 /// Throws CommandError with ExitCode::failed for a failure: what was not done, and the result's one message
 /// as the last line.
@@ -24,9 +30,32 @@ Value required(CalendarProviders::ResultEntity const& result, std::string const&
 CalendarProviders::CalendarProviderRegistryApplication requiredRegistry(Composition::LiveServices& services,
                                                                         std::string const& whatWasNotDone);
 
-/// Throws CommandError with ExitCode::failed when the mirror that the widget reads does not say what the
-/// registry says: the registry itself never tells that it could not be written.
+/// Whether the mirror that the widget reads says what the registry says. Throws as above when that cannot be
+/// read.
+bool isMirrorRight(Composition::LiveServices& services,
+                   CalendarProviders::CalendarProviderRegistryApplication const& registry);
+
+/// Throws CommandError with ExitCode::failed when the mirror is not right: the registry itself never tells
+/// that it could not be written.
 void checkMirror(Composition::LiveServices& services,
                  CalendarProviders::CalendarProviderRegistryApplication const& registry);
+
+/// Reports at its end what was set aside since its beginning: a database that did not open is emptied without
+/// a word by the registry, and nobody is to lose a registration unawares.
+class QuarantineReport {
+public:
+    /// Both outlive this object.
+    QuarantineReport(Composition::LiveServices& services, Console const& console);
+    ~QuarantineReport();
+    QuarantineReport(QuarantineReport const&) = delete;
+    QuarantineReport& operator=(QuarantineReport const&) = delete;
+
+private:
+    [[nodiscard]] std::vector<std::filesystem::path> copies() const;
+
+    Composition::LiveServices& services;
+    Console const& console;
+    std::vector<std::filesystem::path> before;
+};
 
 } // namespace Companion

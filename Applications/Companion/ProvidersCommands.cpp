@@ -46,6 +46,7 @@ std::string typedId(Invocation const& invocation) {
 
 ExitCode onRegistry(Invocation const& invocation, std::function<void(Session const&)> const& command) {
     auto const services = liveServices(invocation);
+    QuarantineReport const report(*services, invocation.console);
     command({.invocation = invocation, .services = *services});
     return ExitCode::done;
 }

@@ -1,5 +1,6 @@
 #include "Applications/Companion/Texts.h"
 
+#include "Applications/Companion/ShellWord.h"
 #include "Applications/Companion/TextLookup.h"
 #include "Applications/Composition/Texts.h"
 #include "Foundation/Text.h"
@@ -319,10 +320,6 @@ std::string accessNotGranted() {
     return text("access-not-granted");
 }
 
-std::string accessCanBeGranted() {
-    return text("access-can-be-granted");
-}
-
 std::string calendarsAreNotSetUp() {
     return text("calendars-are-not-set-up");
 }
@@ -339,16 +336,33 @@ std::string ownCalendarIsThere(std::string_view path) {
     return text("own-calendar-is-there", path);
 }
 
-std::string accountEnabled() {
-    return text("account-enabled");
-}
-
-std::string accountsNotSaved(std::string_view why) {
-    return text("accounts-not-saved", why);
-}
-
 std::string keychainChosen(bool isFile) {
-    return isFile ? text("keychain-is-file") : text("keychain-is-keyring");
+    return isFile ? text("keychain-is-file", text("key-file-protection")) : text("keychain-is-keyring");
+}
+
+std::string offerKeyFile(std::string_view reason) {
+    return text("offer-key-file", reason, text("key-file-protection"));
+}
+
+std::string notSwitchedOn(bool isForWantOfAKeyring) {
+    return isForWantOfAKeyring ? text("not-switched-on-without-keyring")
+                               : text("not-switched-on-without-key");
+}
+
+std::string offerEnabling(std::string_view name) {
+    return text("offer-enabling", quoted(name));
+}
+
+std::string calendarsRefuse() {
+    return text("calendars-refuse");
+}
+
+std::string notRegisteredWithoutAccess() {
+    return text("not-registered-without-access");
+}
+
+std::string setupChangedNothing() {
+    return text("setup-changed-nothing");
 }
 
 std::string thisComputersCalendars() {
@@ -364,11 +378,11 @@ std::string folderIsAdded(std::string_view path) {
 }
 
 std::string folderLeftOut(std::string_view path) {
-    return text("folder-left-out", path);
+    return text("folder-left-out", path, shellWord(path));
 }
 
 std::string nestedFolderLeftOut(std::string_view path, std::string_view title, std::string_view otherPath) {
-    return text("nested-folder-left-out", path, quoted(title), otherPath);
+    return text("nested-folder-left-out", path, quoted(title), otherPath, shellWord(path));
 }
 
 std::string setupIsDone() {
@@ -463,6 +477,14 @@ std::string providerRegistered(std::string_view name, std::string_view email, st
     return text("provider-registered", quoted(name), quoted(email), quoted(id));
 }
 
+std::string providerIsRegistered(std::string_view name, std::string_view email, std::string_view id) {
+    return text("provider-is-registered", quoted(name), quoted(email), quoted(id));
+}
+
+std::string providerStaysDisabled(std::string_view name, std::string_view id) {
+    return text("provider-stays-disabled", quoted(name), shellWord(id));
+}
+
 std::string nothingToEdit() {
     return text("nothing-to-edit");
 }
@@ -493,6 +515,10 @@ std::string providerIsGone(std::string_view id) {
 
 std::string mirrorNotSaved(std::string_view why) {
     return text("mirror-not-saved", why);
+}
+
+std::string databaseSetAside(std::string_view copy) {
+    return text("database-set-aside", copy);
 }
 
 std::string dayShown(std::string_view weekday, std::string_view date, std::int64_t offset,

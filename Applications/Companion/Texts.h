@@ -95,16 +95,19 @@ std::string storeRefuses();
 std::string folderIsRefused(std::string_view path, std::string_view closed, bool isClosedByOther);
 std::string accessIsMissing();
 std::string accessNotGranted();
-std::string accessCanBeGranted();
 std::string calendarsAreNotSetUp();
 std::string nobodyWasAsked();
 
 // Set-up.
 std::string ownCalendarMade(std::string_view path);
 std::string ownCalendarIsThere(std::string_view path);
-std::string accountEnabled();
-std::string accountsNotSaved(std::string_view why);
 std::string keychainChosen(bool isFile);
+std::string offerKeyFile(std::string_view reason);
+std::string notSwitchedOn(bool isForWantOfAKeyring);
+std::string offerEnabling(std::string_view name);
+std::string calendarsRefuse();
+std::string notRegisteredWithoutAccess();
+std::string setupChangedNothing();
 std::string thisComputersCalendars();
 std::string offerFolder(std::string_view path);
 std::string folderIsAdded(std::string_view path);
@@ -137,6 +140,8 @@ std::string providerState(bool isEnabled);
 std::string providersNotRead();
 std::string providerNotRegistered(std::string_view id);
 std::string providerRegistered(std::string_view name, std::string_view email, std::string_view id);
+std::string providerIsRegistered(std::string_view name, std::string_view email, std::string_view id);
+std::string providerStaysDisabled(std::string_view name, std::string_view id);
 std::string nothingToEdit();
 std::string providerNotChanged(std::string_view id);
 std::string providerChanged(std::string_view name, std::string_view email);
@@ -145,6 +150,7 @@ std::string providerNotRemoved(std::string_view id);
 std::string providerRemoved(std::string_view name);
 std::string providerIsGone(std::string_view id);
 std::string mirrorNotSaved(std::string_view why);
+std::string databaseSetAside(std::string_view copy);
 
 // The day.
 std::string dayShown(std::string_view weekday, std::string_view date, std::int64_t offset,

@@ -45,37 +45,47 @@ std::shared_ptr<Platform::Keychain> LiveRegistryServices::keychainOf(KeychainKin
     return std::make_shared<Platform::SecretServiceKeychain>();
 }
 
-std::expected<void, std::string> LiveRegistryServices::chooseKeychain(KeychainKind kind) {
+Platform::GenericPasswordIdentity LiveRegistryServices::keyIdentity() {
+    return {.service = std::string(CalendarProviders::CalendarProviderDatabase::keychainService),
+            .account = std::string(CalendarProviders::RealmEncryptionKeyStore::defaultAccount)};
+}
+
+std::optional<std::filesystem::path> LiveRegistryServices::databaseFile() {
+    using CalendarProviders::CalendarProviderDatabase;
+    auto const defaultFile = objectDatabaseEngine()->defaultFileURL();
+    if (!defaultFile) return std::nullopt;
+    return defaultFile->parent_path() / (std::string(CalendarProviderDatabase::keychainService) + ".realm");
+}
+
+std::expected<bool, std::string> LiveRegistryServices::chooseKeychain(KeychainKind kind) {
     auto const setting = keychainSetting();
     auto const current = setting->load();
+    std::error_code error;
+    bool const isRecorded = current && *current == kind && std::filesystem::exists(setting->file(), error);
+    if (isRecorded) return false;
     // A choice that cannot be read is mended by making it anew; there is no telling where a key would be.
     if (current && *current != kind) {
-        auto carried = carryKey(*current, kind);
-        if (!carried) return carried;
+        auto const carried = carryKey(*current, kind);
+        if (!carried) return std::unexpected(carried.error());
     }
-    if (auto const error = setting->save(kind)) {
+    if (auto const failure = setting->save(kind)) {
         return std::unexpected(Texts::keychainChoiceNotSaved(
-            Foundation::Text::sanitizedUTF8(setting->file().string()), error.message()));
+            Foundation::Text::sanitizedUTF8(setting->file().string()), failure.message()));
     }
-    return {};
+    return true;
 }
 
 std::expected<void, std::string> LiveRegistryServices::carryKey(KeychainKind from, KeychainKind to) {
-    using CalendarProviders::CalendarProviderDatabase;
-    auto const defaultFile = objectDatabaseEngine()->defaultFileURL();
-    if (!defaultFile) return {};
-    auto const database =
-        defaultFile->parent_path() / (std::string(CalendarProviderDatabase::keychainService) + ".realm");
+    auto const database = databaseFile();
+    if (!database) return {};
     std::error_code error;
-    if (!std::filesystem::exists(database, error) && !error) return {};
+    if (!std::filesystem::exists(*database, error) && !error) return {};
 
-    auto const status =
-        copyItem(*keychainOf(from), *keychainOf(to),
-                 {.service = std::string(CalendarProviderDatabase::keychainService),
-                  .account = std::string(CalendarProviders::RealmEncryptionKeyStore::defaultAccount)});
+    auto const status = copyItem(*keychainOf(from), *keychainOf(to), keyIdentity());
     if (status == Platform::KeychainStatus::success || status == Platform::KeychainStatus::itemNotFound)
         return {};
-    return std::unexpected(Texts::keyNotCopied(static_cast<std::int32_t>(status)));
+    return std::unexpected(Texts::keyNotCopied(static_cast<std::int32_t>(status),
+                                               Foundation::Text::sanitizedUTF8(database->string())));
 }
 
 std::shared_ptr<Platform::ObjectDatabaseEngine> LiveRegistryServices::objectDatabaseEngine() {

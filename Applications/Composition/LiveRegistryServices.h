@@ -2,13 +2,15 @@
 
 #include "Applications/Composition/KeychainSetting.h"
 #include "CalendarProviders/ResultEntity.h"
+#include "Platform/Keychain/Keychain.h"
 
 #include <expected>
+#include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace Platform {
-class Keychain;
 class ObjectDatabaseEngine;
 } // namespace Platform
 
@@ -30,10 +32,18 @@ public:
     /// cannot be read, or the environment names no home.
     std::expected<std::shared_ptr<Platform::Keychain>, std::string> keychain();
 
-    /// Records the person's choice. Where a database of providers exists, its key is first copied from the
-    /// keychain in use, or else the choice is refused: no registration is lost to a change of keychain. The
-    /// error is a sentence for the person. Only where the environment names a home.
-    std::expected<void, std::string> chooseKeychain(KeychainKind kind);
+    /// Where the key of the registrations is kept in either keychain.
+    static Platform::GenericPasswordIdentity keyIdentity();
+
+    /// The file of the registered providers, whether it is there or not. Absent when the environment names no
+    /// home.
+    std::optional<std::filesystem::path> databaseFile();
+
+    /// Records the person's choice, and yields whether it was another one before. Where a database of
+    /// providers exists, its key is first copied from the keychain in use, or else the choice is refused: no
+    /// registration is lost to a change of keychain. The error is a sentence for the person. Only where the
+    /// environment names a home.
+    std::expected<bool, std::string> chooseKeychain(KeychainKind kind);
 
     std::shared_ptr<Platform::ObjectDatabaseEngine> objectDatabaseEngine();
 

@@ -48,8 +48,8 @@ std::string keychainChoiceNotSaved(std::string_view path, std::string_view reaso
     return text("keychain-choice-not-saved", path, reason);
 }
 
-std::string keyNotCopied(std::int32_t status) {
-    return text("key-not-copied", std::to_string(status));
+std::string keyNotCopied(std::int32_t status, std::string_view database) {
+    return text("key-not-copied", std::to_string(status), database);
 }
 
 } // namespace Texts

@@ -17,6 +17,6 @@ std::string noHomeForKeychain();
 std::string unreadableKeychainChoice(std::string_view path, std::string_view reason);
 std::string noKeychainNamed(std::string_view path);
 std::string keychainChoiceNotSaved(std::string_view path, std::string_view reason);
-std::string keyNotCopied(std::int32_t status);
+std::string keyNotCopied(std::int32_t status, std::string_view database);
 
 } // namespace Composition::Texts

@@ -23,19 +23,28 @@ protected:
 
 TEST_F(SpanishJourneys, theSetUpSaysWhatItDid) {
     auto const own = (home.folder() / "data/Quillora/Calendars/quillora-native-calendar").string();
-    EXPECT_EQ(home.outputOf({"setup", "--yes"}),
-              "Creado el calendario propio de Quillora: " + own +
-                  "\n"
-                  "Los calendarios de este equipo están activados\n"
-                  "Acceso a los calendarios: concedido\n"
-                  "Añade calendarios con «quillora sources add DIR»; mira tu día con «quillora day»\n");
+    auto const output = home.outputOf({"setup", "--yes", "--keychain", "file"});
+    EXPECT_THAT(output,
+                testing::StartsWith(
+                    "Creado el calendario propio de Quillora: " + own +
+                    "\n"
+                    "La clave de los registros se guarda en un fichero que solo tú puedes leer. Eso los "
+                    "protege de otros usuarios de este equipo, pero no de los programas que ejecutas ni "
+                    "de quien se haga con su disco o con una copia de seguridad\n"
+                    "Registrado «Calendarios de este equipo» («"));
+    EXPECT_THAT(output,
+                testing::EndsWith(
+                    "») como «eventKit»\n"
+                    "Acceso a los calendarios: concedido\n"
+                    "Añade calendarios con «quillora sources add DIR»; mira tu día con «quillora day»\n"));
 }
 
 TEST_F(SpanishJourneys, theQuestionsTakeASpanishYes) {
     home.write(home.folder() / ".calendars" / "casa" / "te.ics", oneEvent);
-    auto const result = home.quillora({"setup"}, ProgramRun::Output::terminal, "Sí\ns\n");
+    auto const result = home.quillora({"setup"}, ProgramRun::Output::terminal, "Sí\ns\ns\n");
     EXPECT_EQ(result.exitCode, 0) << result.output;
     EXPECT_THAT(result.output, HasSubstr("¿Puede leer y cambiar tus calendarios? [sí/no] "));
+    EXPECT_THAT(result.output, HasSubstr("¿Guardarla en un fichero? [s/n] "));
     EXPECT_THAT(result.output, HasSubstr("¿Mostrarlos? [s/n] "));
     EXPECT_THAT(result.output, HasSubstr("Añadida la fuente «.calendars»"));
     EXPECT_THAT(result.output, HasSubstr("Acceso a los calendarios: concedido"));

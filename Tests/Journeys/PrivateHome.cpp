@@ -85,7 +85,7 @@ JSON::Value PrivateHome::dayJSON(std::vector<std::string> words) const {
 
 void PrivateHome::setUp() const {
     fs::create_directories(calendars());
-    auto const setup = quillora({"setup", "--yes"});
+    auto const setup = quillora({"setup", "--yes", "--keychain", "file"});
     ASSERT_EQ(setup.exitCode, 0) << setup.errors;
     auto const added = quillora({"sources", "add", calendars().string(), "--title", "Cal"});
     ASSERT_EQ(added.exitCode, 0) << added.errors;

@@ -36,7 +36,8 @@ public:
     /// Runs `day` with `--json` and yields the document. Expects exit code 0.
     [[nodiscard]] Foundation::JSON::Value dayJSON(std::vector<std::string> words) const;
 
-    /// `setup --yes` and a source titled "Cal" at `calendars()`. Expects both to succeed.
+    /// `setup --yes` with the keychain of files, since no keyring runs, and a source titled "Cal" at
+    /// `calendars()`. Expects both to succeed.
     void setUp() const;
 
     [[nodiscard]] std::filesystem::path folder() const { return root; }

@@ -212,6 +212,14 @@ TEST_F(ProvidersJourneys, aDatabaseOfOtherBytesIsSetAsideAndANewOneBegun) {
     static_cast<void>(home.outputOf(addition));
     std::string const damaged = "these bytes are no database";
     home.write(database(), damaged);
+    auto const list = home.quillora({"providers", "list"});
+    EXPECT_EQ(list.exitCode, 0);
+    EXPECT_THAT(list.errors, testing::MatchesRegex(
+                                 "quillora: the database of the registered providers did not open, so "
+                                 "that none of them is known any more; it is kept as " +
+                                 quillora().string() +
+                                 "/quarantined-[0-9TZ]+-00-CalendarProviders.RegistryProvider.realm, and "
+                                 "\"quillora setup\" registers anew\n"));
     EXPECT_EQ(listed(), std::vector<Words>{});
     // The old bytes are kept beside it.
     auto const files = home.snapshot();
@@ -264,9 +272,12 @@ TEST_F(ProvidersJourneys, aKeychainThatCannotTakeTheKeyIsNotChanged) {
     static_cast<void>(home.outputOf(addition));
     auto const result = home.quillora({"setup", "--yes", "--keychain", "secret-service"});
     EXPECT_EQ(result.exitCode, 1);
-    EXPECT_EQ(result.errors,
-              "quillora: the key of the registered providers could not be copied into the other keychain "
-              "(status -36), so the keychain stays as it was; see that both can be used, and try again\n");
+    EXPECT_EQ(
+        result.errors,
+        "quillora: the key of the registered providers could not be copied into the other keychain "
+        "(status -36), so the keychain stays as it was; see that both can be used, and try again. Where "
+        "the old one is gone for good, so are the registrations: move " +
+            database().string() + " away, and try again\n");
     EXPECT_EQ(home.contentOf(home.configuration() / "keychain.json"), "\"file\"");
     EXPECT_EQ(listed(), onlyCal);
 }
@@ -275,10 +286,20 @@ TEST_F(ProvidersJourneys, withoutAKeyringTheSetUpForOneSaysSo) {
     std::filesystem::remove(home.configuration() / "keychain.json");
     auto const result = home.quillora({"setup", "--yes", "--keychain", "secret-service"});
     EXPECT_EQ(result.exitCode, 1);
-    EXPECT_EQ(result.errors,
-              "quillora: the provider \"eventKit\" was not registered\n"
-              "Keychain lookup failed with status -36; refusing to regenerate the encryption key\n");
+    EXPECT_THAT(result.errors, testing::EndsWith("\"quillora setup --keychain file\"\nKeychain lookup failed "
+                                                 "with status -36; refusing to regenerate the encryption "
+                                                 "key\n"));
     EXPECT_FALSE(fs::exists(mirror()));
+}
+
+TEST_F(ProvidersJourneys, aKeyringThatIsGoneForGoodIsLeftByTheWayThatIsNamed) {
+    static_cast<void>(home.outputOf(addition));
+    home.write(home.configuration() / "keychain.json", "\"secret-service\"");
+    ASSERT_EQ(home.quillora({"setup", "--yes", "--keychain", "file"}).exitCode, 1);
+    fs::rename(database(), home.folder() / "old");
+    EXPECT_THAT(home.outputOf({"setup", "--yes", "--keychain", "file"}),
+                HasSubstr("Registered \"Calendars on"));
+    EXPECT_EQ(home.contentOf(mirror()), R"(["eventKit"])");
 }
 
 TEST_F(ProvidersJourneys, textsOfAnyKindAreKeptAndShownHarmlessly) {

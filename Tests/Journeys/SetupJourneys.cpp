@@ -19,19 +19,52 @@ unsigned modeOf(fs::path const& path) {
     return status.st_mode & 07777U;
 }
 
+// There is no bus in these homes, and so no keyring.
+std::vector<std::string> const toDefaults = {"setup", "--yes", "--keychain", "file"};
+std::string const withoutKeyring =
+    "quillora: the calendars of this computer are not switched on, because the desktop's keyring cannot be "
+    "used; start or unlock it and run \"quillora setup\" again, or keep the key in a file that only you can "
+    "read with \"quillora setup --keychain file\"\n"
+    "Keychain lookup failed with status -36; refusing to regenerate the encryption key\n";
+
 TEST(SetupJourneys, aNewHomeIsPreparedWithoutAQuestion) {
-    PrivateHome const home;
+    PrivateHome home;
+    home.environment["USER"] = "ann";
     auto const own = (home.folder() / "data/Quillora/Calendars/quillora-native-calendar").string();
-    EXPECT_EQ(home.outputOf({"setup", "--yes"}),
-              "Made Quillora's own calendar: " + own +
-                  "\n"
-                  "The calendars of this computer are switched on\n"
-                  "Calendar access: granted\n"
-                  "Add calendars with \"quillora sources add DIR\"; see your day with \"quillora day\"\n");
+    EXPECT_THAT(
+        home.outputOf(toDefaults),
+        testing::MatchesRegex(
+            "Made Quillora's own calendar: " + own +
+            "\n"
+            "The key of the registrations is kept in a file that only you can read\\. That protects them "
+            "from "
+            "other users of this computer, but not from the programs that you run, nor from who gets hold of "
+            "its disk or of a backup\n"
+            "Registered \"Calendars on this computer\" \\(\"ann@[^\"]+\"\\) as \"eventKit\"\n"
+            "Calendar access: granted\n"
+            "Add calendars with \"quillora sources add DIR\"; see your day with \"quillora day\"\n"));
     EXPECT_EQ(home.contentOf(home.container() / "enabledCalendarAccounts.json"), R"(["eventKit"])");
     EXPECT_EQ(home.contentOf(home.configuration() / "calendar-access.json"), "3");
     EXPECT_TRUE(fs::is_directory(own));
     EXPECT_EQ(home.outputOf({"access", "status"}), "Calendar access: granted\n");
+}
+
+TEST(SetupJourneys, withoutAKeyringItDoesTheRestAndNamesTheWayOut) {
+    PrivateHome const home;
+    home.write(home.folder() / ".calendars" / "home" / "tea.ics", oneEvent);
+    auto const result = home.quillora({"setup", "--yes"});
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_THAT(result.output, HasSubstr("Made Quillora's own calendar: "));
+    EXPECT_THAT(result.output, HasSubstr("Added \".calendars\" "));
+    EXPECT_THAT(result.output, HasSubstr("Calendar access: granted\n"));
+    EXPECT_EQ(result.errors, withoutKeyring);
+    // No key was made anywhere, and the widget was told nothing.
+    EXPECT_FALSE(fs::exists(home.folder() / "data/Quillora/Keychain"));
+    EXPECT_FALSE(fs::exists(home.configuration() / "keychain.json"));
+    EXPECT_FALSE(fs::exists(home.container() / "enabledCalendarAccounts.json"));
+
+    EXPECT_THAT(home.outputOf(toDefaults), HasSubstr("Registered \"Calendars on this computer\""));
+    EXPECT_EQ(meetNames(home.dayJSON({"--at", "2026-03-11T08:00"})), std::vector<std::string>{"Tea"});
 }
 
 TEST(SetupJourneys, whatItMakesIsForThePersonAlone) {
@@ -45,16 +78,42 @@ TEST(SetupJourneys, whatItMakesIsForThePersonAlone) {
         EXPECT_EQ(modeOf(file), 0600U) << file;
 }
 
-TEST(SetupJourneys, asSecondTimeItChangesNothing) {
+TEST(SetupJourneys, aSecondTimeItChangesNothingAndSaysSo) {
     PrivateHome const home;
     home.write(home.folder() / ".calendars" / "home" / "tea.ics", oneEvent);
-    ASSERT_EQ(home.quillora({"setup", "--yes"}).exitCode, 0);
+    EXPECT_THAT(home.outputOf(toDefaults), Not(HasSubstr("nothing was changed")));
     auto const before = home.snapshot();
-    auto const output = home.outputOf({"setup", "--yes"});
-    EXPECT_THAT(output, HasSubstr("Quillora's own calendar is there: "));
-    EXPECT_THAT(output, HasSubstr("The calendars in " + (home.folder() / ".calendars").string() +
-                                  " are shown already\n"));
-    EXPECT_EQ(home.snapshot(), before);
+    for (auto const& words : {toDefaults, std::vector<std::string>{"setup"}}) {
+        auto const output = home.outputOf(words);
+        EXPECT_THAT(output, HasSubstr("Quillora's own calendar is there: "));
+        EXPECT_THAT(output, HasSubstr(") is registered as \"eventKit\"\n"));
+        EXPECT_THAT(output, HasSubstr("The calendars in " + (home.folder() / ".calendars").string() +
+                                      " are shown already\n"));
+        EXPECT_THAT(output, HasSubstr("All of this was set up already; nothing was changed\n"));
+        EXPECT_EQ(home.snapshot(), before);
+    }
+}
+
+TEST(SetupJourneys, aHomeThatWasSwitchedOnWithoutARegistrationIsRegistered) {
+    PrivateHome const home;
+    home.setUp();
+    // As earlier versions left it: the widget was told, and no database knows.
+    for (auto const* name : {"CalendarProviders.RegistryProvider.realm", "Keychain"})
+        fs::remove_all(home.folder() / "data/Quillora" / name);
+    EXPECT_THAT(home.outputOf({"setup"}), HasSubstr("Registered \"Calendars on this computer\""));
+    // Now a change of the providers loses nothing.
+    static_cast<void>(home.outputOf({"providers", "remove", "somebody else"}));
+    EXPECT_EQ(home.contentOf(home.container() / "enabledCalendarAccounts.json"), R"(["eventKit"])");
+}
+
+TEST(SetupJourneys, aMirrorThatWasLostIsWrittenAnew) {
+    PrivateHome const home;
+    home.setUp();
+    fs::remove(home.container() / "enabledCalendarAccounts.json");
+    auto const output = home.outputOf({"setup"});
+    EXPECT_THAT(output, HasSubstr(") is registered as \"eventKit\"\n"));
+    EXPECT_THAT(output, Not(HasSubstr("nothing was changed")));
+    EXPECT_EQ(home.contentOf(home.container() / "enabledCalendarAccounts.json"), R"(["eventKit"])");
 }
 
 TEST(SetupJourneys, foldersOfOtherProgramsAreFoundAndShown) {
@@ -62,7 +121,7 @@ TEST(SetupJourneys, foldersOfOtherProgramsAreFoundAndShown) {
     home.write(home.folder() / ".calendars" / "home" / "tea.ics", oneEvent);
     home.write(home.folder() / "data" / "calendars" / "tea.ics", oneEvent);
     fs::create_directories(home.folder() / "data" / "khal" / "calendars" / "empty");
-    auto const output = home.outputOf({"setup", "--yes"});
+    auto const output = home.outputOf(toDefaults);
     EXPECT_THAT(output,
                 HasSubstr("Added \".calendars\" (" + (home.folder() / ".calendars").string() + ") as "));
     EXPECT_THAT(output,
@@ -87,27 +146,68 @@ TEST(SetupJourneys, withNobodyToAskItSaysSoAndFails) {
 TEST(SetupJourneys, onATerminalThePersonIsAsked) {
     PrivateHome const home;
     home.write(home.folder() / ".calendars" / "home" / "tea.ics", oneEvent);
-    auto const granted = home.quillora({"setup"}, ProgramRun::Output::terminal, "yes\ny\n");
+    // Access, the key file, the folder.
+    auto const granted = home.quillora({"setup"}, ProgramRun::Output::terminal, "yes\ny\ny\n");
     EXPECT_EQ(granted.exitCode, 0) << granted.output;
+    EXPECT_THAT(granted.output, HasSubstr("The desktop's keyring cannot be used: Keychain lookup failed with "
+                                          "status -36; refusing to regenerate the encryption key."));
+    EXPECT_THAT(granted.output, HasSubstr("but not from the programs that you run"));
+    EXPECT_THAT(granted.output, HasSubstr("Registered \"Calendars on this computer\""));
     EXPECT_THAT(granted.output, HasSubstr("Calendar access: granted"));
     EXPECT_THAT(granted.output, HasSubstr("Added \".calendars\""));
     EXPECT_EQ(home.contentOf(home.configuration() / "calendar-access.json"), "3");
+    EXPECT_EQ(home.contentOf(home.configuration() / "keychain.json"), "\"file\"");
+}
+
+TEST(SetupJourneys, aKeyFileThatIsRefusedIsNotMade) {
+    PrivateHome const home;
+    auto const refused = home.quillora({"setup"}, ProgramRun::Output::terminal, "yes\nn\n");
+    EXPECT_EQ(refused.exitCode, 1) << refused.output;
+    EXPECT_THAT(refused.output, HasSubstr("\"quillora setup --keychain file\""));
+    EXPECT_FALSE(fs::exists(home.folder() / "data/Quillora/Keychain"));
+    EXPECT_FALSE(fs::exists(home.configuration() / "keychain.json"));
+}
+
+TEST(SetupJourneys, aDisabledProviderIsOnlyEnabledWhenThePersonWantsIt) {
+    PrivateHome const home;
+    home.setUp();
+    static_cast<void>(home.outputOf({"providers", "disable", "eventKit"}));
+    auto const before = home.snapshot();
+    auto const stays = "\"Calendars on this computer\" is registered, and stays disabled; show its calendars "
+                       "with \"quillora providers enable eventKit\"";
+    EXPECT_THAT(home.outputOf({"setup"}), HasSubstr(stays));
+    EXPECT_THAT(home.quillora({"setup"}, ProgramRun::Output::terminal, "n\n").output, HasSubstr(stays));
+    EXPECT_EQ(home.snapshot(), before);
+    EXPECT_THAT(home.quillora({"setup"}, ProgramRun::Output::terminal, "y\n").output,
+                HasSubstr("Enabled \"Calendars on this computer\""));
+    EXPECT_EQ(home.contentOf(home.container() / "enabledCalendarAccounts.json"), R"(["eventKit"])");
 }
 
 TEST(SetupJourneys, aNoIsRememberedAndCanBeTakenBack) {
     PrivateHome const home;
     auto const denied = home.quillora({"setup"}, ProgramRun::Output::terminal, "no\n");
     EXPECT_EQ(denied.exitCode, 0) << denied.output;
-    EXPECT_THAT(denied.output, HasSubstr("Calendar access: denied\r\n"
-                                         "Nothing of your calendars is shown until you allow it with "
-                                         "\"quillora access grant\"\r\n"));
+    EXPECT_THAT(denied.output, HasSubstr("The calendars of this computer are not switched on without it"));
+    EXPECT_FALSE(fs::exists(home.container() / "enabledCalendarAccounts.json"));
     EXPECT_EQ(home.contentOf(home.configuration() / "calendar-access.json"), "2");
     EXPECT_EQ(home.outputOf({"access", "status"}), "Calendar access: denied\n");
     EXPECT_EQ(home.outputOf({"access", "reset"}), "Calendar access: not asked yet\n");
     EXPECT_FALSE(fs::exists(home.configuration() / "calendar-access.json"));
-    auto const granted = home.quillora({"setup"}, ProgramRun::Output::terminal, "yes\n");
+    auto const granted = home.quillora({"setup"}, ProgramRun::Output::terminal, "yes\ny\n");
     EXPECT_EQ(granted.exitCode, 0) << granted.output;
     EXPECT_EQ(home.outputOf({"access", "status"}), "Calendar access: granted\n");
+    EXPECT_TRUE(fs::exists(home.container() / "enabledCalendarAccounts.json"));
+}
+
+TEST(SetupJourneys, afterANoItAsksAgainAndANobodyLeavesTheNo) {
+    PrivateHome const home;
+    home.write(home.configuration() / "calendar-access.json", "2");
+    auto const unasked = home.quillora({"setup"});
+    EXPECT_EQ(unasked.exitCode, 0) << unasked.errors;
+    EXPECT_EQ(home.contentOf(home.configuration() / "calendar-access.json"), "2");
+    auto const granted = home.quillora({"setup"}, ProgramRun::Output::terminal, "yes\ny\n");
+    EXPECT_EQ(granted.exitCode, 0) << granted.output;
+    EXPECT_EQ(home.contentOf(home.configuration() / "calendar-access.json"), "3");
 }
 
 TEST(SetupJourneys, aFolderWithinASourceIsLeftOutWithTheReason) {
@@ -115,7 +215,7 @@ TEST(SetupJourneys, aFolderWithinASourceIsLeftOutWithTheReason) {
     home.write(home.folder() / ".calendars" / "home" / "tea.ics", oneEvent);
     ASSERT_EQ(home.quillora({"sources", "add", (home.folder() / ".calendars/home").string()}).exitCode, 0);
     auto const outer = (home.folder() / ".calendars").string();
-    EXPECT_THAT(home.outputOf({"setup", "--yes"}),
+    EXPECT_THAT(home.outputOf(toDefaults),
                 HasSubstr("Left out the calendars in " + outer + ": it and the source \"home\" (" + outer +
                           "/home) lie one in the other, so events would show twice; if you want both, run "
                           "\"quillora sources add " +
@@ -126,11 +226,13 @@ TEST(SetupJourneys, aFolderWithinASourceIsLeftOutWithTheReason) {
 TEST(SetupJourneys, whatCannotBeSwitchedOnIsNamedWithItsFileAndCause) {
     PrivateHome home;
     home.environment["QUILLORA_GROUP_CONTAINER"] = (home.folder() / "gone").string();
-    auto const result = home.quillora({"setup", "--yes"});
+    auto const result = home.quillora(toDefaults);
     EXPECT_EQ(result.exitCode, 1);
-    EXPECT_EQ(result.errors, "quillora: the calendars of this computer could not be switched on: " +
-                                 (home.folder() / "gone/enabledCalendarAccounts.json").string() +
-                                 " cannot be written (No such file or directory)\n");
+    EXPECT_EQ(result.errors,
+              "quillora: the registered providers were changed, but the widget could not be told: " +
+                  (home.folder() / "gone/enabledCalendarAccounts.json").string() +
+                  " cannot be written (No such file or directory); when that is mended, run the same \"quillora "
+                  "providers enable\" or \"disable\" once more\n");
 }
 
 TEST(CalendarsJourneys, aChoiceThatCannotBeKeptIsNamedWithItsFileAndCause) {
@@ -193,7 +295,7 @@ TEST(SourcesJourneys, aSourceWhoseFolderIsGoneCanBeRemoved) {
 TEST(SourcesJourneys, anEmptyFolderIsAddedWithAWord) {
     PrivateHome const home;
     fs::create_directories(home.calendars());
-    ASSERT_EQ(home.quillora({"setup", "--yes"}).exitCode, 0);
+    ASSERT_EQ(home.quillora(toDefaults).exitCode, 0);
     auto const result = home.quillora({"sources", "add", home.calendars().string()});
     EXPECT_EQ(result.exitCode, 0);
     EXPECT_EQ(result.errors, "quillora: " + home.calendars().string() +

@@ -1,0 +1,235 @@
+#include "Applications/Companion/Doctor/Examinations.h"
+
+#include "Applications/Companion/DoctorTexts.h"
+#include "Applications/Companion/ShellWord.h"
+#include "Applications/Companion/Support.h"
+#include "Applications/Composition/LiveRegistryServices.h"
+#include "CalendarProviders/CalendarProviderDatabase.h"
+#include "CalendarProviders/CalendarProviderRealmMapper.h"
+#include "CalendarProviders/EnabledCalendarAccountsStore.h"
+#include "Platform/ObjectDatabase/DatabaseFile.h"
+#include "Platform/ObjectDatabase/ObjectDatabaseEngine.h"
+#include "Platform/ObjectDatabase/Patience.h"
+#include "Platform/ObjectDatabase/Quarantine.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <optional>
+#include <set>
+#include <unistd.h>
+#include <utility>
+
+namespace Companion::Doctor {
+
+using namespace CalendarProviders;
+using Composition::KeychainKind;
+using Foundation::SecretBytes;
+using Platform::KeychainStatus;
+using Providers = std::vector<CalendarProviderEntity>;
+
+namespace {
+
+constexpr std::size_t keyLength = 64;
+constexpr std::chrono::milliseconds patienceWithALock{2000};
+
+class RegistryExamination {
+public:
+    RegistryExamination(Composition::LiveServices& services, Findings& findings)
+        : services(services),
+          registryServices(services),
+          findings(findings),
+          database(registryServices.databaseFile().value_or(std::filesystem::path())) {}
+
+    void run() {
+        examineKeychain();
+        examineDatabase();
+        examineQuarantine();
+        if (providers) examineProviders(*providers);
+        examineMirror();
+    }
+
+private:
+    // An empty file is what a system leaves that stopped before the first writing: no database yet.
+    [[nodiscard]] bool isDatabaseThere() const {
+        std::error_code error;
+        auto const status = std::filesystem::symlink_status(database, error);
+        if (std::filesystem::is_regular_file(status)) return std::filesystem::file_size(database, error) != 0;
+        return std::filesystem::exists(status);
+    }
+
+    void examineKeychain() {
+        auto const kind = registryServices.keychainSetting()->load();
+        if (!kind) {
+            findings.broken("keychain", kind.error(), Texts::mendKeychainChoice());
+            return;
+        }
+        bool const isFile = *kind == KeychainKind::file;
+        auto const match = registryServices.keychain().value()->copyMatching(registryServices.keyIdentity());
+        if (match.status != KeychainStatus::success) {
+            examineMissingKey(match.status, isFile);
+        } else if (!match.data) {
+            findings.broken("keychain", Texts::keyIsAText(isFile), mendWrongItem(isFile));
+        } else if (match.data->size() != keyLength) {
+            findings.broken("keychain", Texts::keyHasAnotherLength(match.data->size()),
+                            mendWrongItem(isFile));
+        } else {
+            key = match.data;
+            findings.works("keychain", Texts::keyIsThere(isFile));
+        }
+    }
+
+    void examineMissingKey(KeychainStatus status, bool isFile) {
+        bool const hasDatabase = isDatabaseThere();
+        if (status == KeychainStatus::itemNotFound && !hasDatabase) {
+            findings.note("keychain", Texts::noKeyYet(isFile), Texts::setupCommand());
+            return;
+        }
+        if (status == KeychainStatus::itemNotFound) {
+            findings.broken("keychain", Texts::keyIsLost(isFile), Texts::setupCommand());
+            return;
+        }
+        auto const text = Texts::keychainRefuses(isFile, status);
+        if (isFile)
+            findings.broken("keychain", text, Texts::mendKeyFiles(shellWord(keyFolder().string())));
+        else
+            findings.broken("keychain", text, Texts::mendKeyring(status, hasDatabase));
+    }
+
+    [[nodiscard]] std::filesystem::path keyFolder() const { return database.parent_path() / "Keychain"; }
+
+    [[nodiscard]] std::string mendWrongItem(bool isFile) const {
+        if (!isFile) return Texts::mendKeyringItem(CalendarProviderDatabase::keychainService);
+        return Texts::mendKeyFileItem(shellWord((keyFolder() / "item ").string() + "*"));
+    }
+
+    void examineDatabase() {
+        if (!isDatabaseThere()) {
+            if (key) providers.emplace();
+            findings.note("database", Texts::noDatabaseYet(), Texts::setupCommand());
+            return;
+        }
+        if (!key) {
+            findings.note("database", Texts::databaseNeedsKey(shownPath(database)));
+            return;
+        }
+        auto const opened = registryServices.objectDatabaseEngine()->open({
+            .fileURL = database,
+            .encryptionKey = *key,
+            // So that the look itself neither makes nor migrates anything.
+            .readOnly = true,
+            .schemaVersion = CalendarProviderDatabase::schemaVersion,
+            .migrationBlock = {},
+        });
+        if (!opened) {
+            findings.broken(
+                "database",
+                Texts::databaseDoesNotOpen(shownPath(database), opened.error().localizedDescription),
+                Texts::setupCommand());
+            return;
+        }
+        readDatabase(**opened);
+    }
+
+    void readDatabase(Platform::ObjectDatabase const& opened) {
+        auto const objects = opened.objects(CalendarProviderRealmModel::typeName);
+        if (!objects) {
+            findings.broken(
+                "database",
+                Texts::databaseCannotBeRead(shownPath(database), objects.error().localizedDescription),
+                Texts::tryAgainCommand());
+            return;
+        }
+        providers.emplace();
+        for (auto const& object : *objects) {
+            auto provider =
+                CalendarProviderRealmMapper::toEntity(CalendarProviderRealmModel::fromPersisted(object));
+            if (provider) providers->push_back(*std::move(provider));
+        }
+        if (!examineWriting()) return;
+        findings.works("database", Texts::databaseOpens(providers->size()));
+    }
+
+    // Whether a change could be written, as far as that can be told without one.
+    bool examineWriting() {
+        auto const folder = database.parent_path();
+        if (::access(folder.c_str(), W_OK | X_OK) != 0) {
+            auto const reason = std::error_code(errno, std::generic_category()).message();
+            findings.broken("database", Texts::databaseCannotBeChanged(shownPath(folder), reason),
+                            Texts::makeWritableCommand(shellWord(folder.string())));
+            return false;
+        }
+        auto const lockFile = Platform::DatabaseFile(database).lockPath();
+        std::error_code error;
+        if (!std::filesystem::exists(lockFile, error)) return true;
+        auto const lock = Platform::Patience::outcomeOf(
+            patienceWithALock, [&] { return Platform::DatabaseLock::take(lockFile); });
+        if (lock || lock.error() != std::errc::resource_unavailable_try_again) return true;
+        findings.broken("database", Texts::databaseIsLocked(), Texts::whoLocksCommand());
+        return false;
+    }
+
+    void examineQuarantine() {
+        auto const copies = Platform::Quarantine::copies(database);
+        if (copies.empty()) return;
+        std::string shown;
+        std::string words;
+        for (auto const& copy : copies) {
+            shown += (shown.empty() ? "" : ", ") + shownPath(copy);
+            words += " " + shellWord(copy.string());
+        }
+        findings.note("quarantine", Texts::copiesInQuarantine(copies.size(), shown),
+                      Texts::removeCopiesCommand(words));
+    }
+
+    void examineProviders(Providers const& registered) {
+        if (registered.empty()) {
+            findings.broken("providers", Texts::nothingIsRegistered(), Texts::setupCommand());
+            return;
+        }
+        for (auto const& provider : registered) {
+            auto const& name = provider.capDisplayName;
+            if (provider.capIsEnabled)
+                findings.works("providers", Texts::providerIsEnabled(name, provider.capEmail));
+            else
+                findings.note("providers", Texts::providerIsDisabled(name),
+                              Texts::enableCommand(shellWord(provider.capId)));
+        }
+    }
+
+    void examineMirror() {
+        auto const mirror = EnabledCalendarAccountsStore::load(*services.files());
+        bool const isOn = mirror.contains(AccountProviderEnum::eventKit);
+        if (!providers) {
+            findings.note("mirror", Texts::mirrorCannotBeCompared(isOn));
+            return;
+        }
+        std::set<AccountProviderEnum> enabled;
+        for (auto const& provider : *providers)
+            if (provider.capIsEnabled) enabled.insert(provider.capProvider);
+        if (mirror == enabled) {
+            findings.works("mirror", Texts::mirrorIsRight(isOn));
+        } else if (providers->empty()) {
+            findings.broken("mirror", Texts::mirrorWithoutRegistration(), Texts::setupCommand());
+        } else {
+            auto const& first = providers->front();
+            auto const id = shellWord(first.capId);
+            findings.broken("mirror", Texts::mirrorIsWrong(isOn),
+                            first.capIsEnabled ? Texts::enableCommand(id) : Texts::disableCommand(id));
+        }
+    }
+
+    Composition::LiveServices& services;
+    Composition::LiveRegistryServices registryServices;
+    Findings& findings;
+    std::filesystem::path database;
+    std::optional<SecretBytes> key;
+    std::optional<Providers> providers; ///< Absent while nobody can know them.
+};
+
+} // namespace
+
+void examineRegistry(Composition::LiveServices& services, Findings& findings) {
+    RegistryExamination(services, findings).run();
+}
+
+} // namespace Companion::Doctor

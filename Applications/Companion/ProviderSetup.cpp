@@ -1,0 +1,121 @@
+#include "Applications/Companion/ProviderSetup.h"
+
+#include "Applications/Companion/ProviderRegistry.h"
+#include "Applications/Companion/Texts.h"
+#include "Foundation/Text.h"
+#include "Platform/Clock/Clock.h"
+
+#include <algorithm>
+#include <array>
+#include <unistd.h>
+#include <utility>
+
+namespace Companion {
+
+using CalendarProviders::AccountProviderEnum;
+using CalendarProviders::CalendarProviderEntity;
+using Composition::KeychainKind;
+
+namespace {
+
+constexpr std::string_view providerId = "eventKit";
+
+// Something to tell one computer's registration from another's; the person may edit it.
+std::string personsAddress(Foundation::Environment const& environment) {
+    auto user = environment.value("USER").value_or("");
+    if (user.empty()) user = environment.value("LOGNAME").value_or("");
+    if (user.empty()) user = "me";
+    std::array<char, 256> host{};
+    bool const isNamed = ::gethostname(host.data(), host.size() - 1) == 0 && host.front() != '\0';
+    return Foundation::Text::sanitizedUTF8(user + "@" + (isNamed ? host.data() : "localhost"));
+}
+
+} // namespace
+
+ProviderSetup::ProviderSetup(Invocation const& invocation, Composition::LiveServices& services)
+    : invocation(invocation),
+      services(services),
+      registryServices(services),
+      takesDefaults(invocation.values.has("--yes")) {}
+
+bool ProviderSetup::run() {
+    bool hasChanged = false;
+    if (auto const keychain = invocation.values.option("--keychain"))
+        hasChanged = choose(Foundation::fromRawValue<KeychainKind>(*keychain).value());
+    auto const registry = openedRegistry(hasChanged);
+    return registerThisComputer(registry) || hasChanged;
+}
+
+bool ProviderSetup::choose(KeychainKind kind) {
+    auto const chosen = registryServices.chooseKeychain(kind);
+    if (!chosen) throw CommandError::failed(chosen.error());
+    say(Texts::keychainChosen(kind == KeychainKind::file));
+    return *chosen;
+}
+
+ProviderSetup::Registry ProviderSetup::openedRegistry(bool& hasChanged) {
+    auto made = registryServices.calendarProviderRegistry();
+    if (!made.result && isKeyFileWanted(made)) {
+        hasChanged = choose(KeychainKind::file);
+        made = registryServices.calendarProviderRegistry();
+    }
+    return required<Registry>(made, whatWasNotDone());
+}
+
+bool ProviderSetup::isKeyFileWanted(CalendarProviders::ResultEntity const& failure) {
+    if (takesDefaults || invocation.values.has("--keychain")) return false;
+    auto const kind = registryServices.keychainSetting()->load();
+    if (!kind || *kind != KeychainKind::secretService) return false;
+    return invocation.console.ask(Texts::offerKeyFile(messageOf(failure))) == true;
+}
+
+bool ProviderSetup::registerThisComputer(Registry const& registry) {
+    auto const providers =
+        required<std::vector<CalendarProviderEntity>>(registry.getAll(), Texts::providersNotRead());
+    auto const known =
+        std::ranges::find(providers, AccountProviderEnum::eventKit, &CalendarProviderEntity::capProvider);
+    if (known != providers.end()) return keepRegistered(registry, *known);
+
+    auto const provider = thisComputer();
+    require(registry.newProvider(provider), Texts::providerNotRegistered(provider.capId));
+    checkMirror(services, registry);
+    say(Texts::providerRegistered(provider.capDisplayName, provider.capEmail, provider.capId));
+    return true;
+}
+
+bool ProviderSetup::keepRegistered(Registry const& registry, CalendarProviderEntity provider) {
+    bool const isSwitchedOn =
+        !provider.capIsEnabled &&
+        (takesDefaults || invocation.console.ask(Texts::offerEnabling(provider.capDisplayName)) == true);
+    provider.capIsEnabled = provider.capIsEnabled || isSwitchedOn;
+    bool const hasChanged = isSwitchedOn || !isMirrorRight(services, registry);
+    if (hasChanged) {
+        // Also writes the mirror anew where only that was wrong.
+        require(registry.update(provider), Texts::providerNotChanged(provider.capId));
+        checkMirror(services, registry);
+    }
+    if (isSwitchedOn)
+        say(Texts::providerSwitched(provider.capDisplayName, true));
+    else if (provider.capIsEnabled)
+        say(Texts::providerIsRegistered(provider.capDisplayName, provider.capEmail, provider.capId));
+    else
+        say(Texts::providerStaysDisabled(provider.capDisplayName, provider.capId));
+    return hasChanged;
+}
+
+CalendarProviderEntity ProviderSetup::thisComputer() const {
+    return {.capId = std::string(providerId),
+            .capProvider = AccountProviderEnum::eventKit,
+            .capDisplayName = Texts::thisComputersCalendars(),
+            .capDescription = "",
+            .capEmail = personsAddress(invocation.environment),
+            .capIsEnabled = true,
+            .capRegisteredAt = services.clock()->now()};
+}
+
+std::string ProviderSetup::whatWasNotDone() {
+    auto const kind = registryServices.keychainSetting()->load();
+    return Texts::notSwitchedOn(kind && *kind == KeychainKind::secretService);
+}
+
+} // namespace Companion
