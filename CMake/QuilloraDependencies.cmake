@@ -9,6 +9,7 @@ find_package(fmt REQUIRED)
 find_package(CLI11 REQUIRED)
 find_package(GTest REQUIRED)
 find_package(LibXml2 REQUIRED)
+find_package(rapidcheck REQUIRED)
 # Generators that run in the build, and the architecture checks.
 find_package(Python3 3.9 REQUIRED COMPONENTS Interpreter)
 

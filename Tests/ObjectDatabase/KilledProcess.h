@@ -41,6 +41,38 @@ inline Outcome killedAtSystemCall(int stop, std::function<bool()> const& work) {
     return Outcome::killed;
 }
 
+/// Runs the work and holds it at its `stop`th system call, counted as above, while `interruption` happens;
+/// then lets it go on to its end. `finished` when it has come to its end, before the stop or after it.
+inline Outcome interruptedAtSystemCall(int stop, std::function<bool()> const& work,
+                                       std::function<void()> const& interruption, bool& wasInterrupted) {
+    constexpr int untraceable = 77;
+    auto const child = ::fork();
+    if (child == 0) {
+        if (::ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) != 0) ::_exit(untraceable);
+        ::raise(SIGSTOP);
+        ::_exit(work() ? 0 : 1);
+    }
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    if (WIFEXITED(status)) return Outcome::notPermitted;
+    ::ptrace(PTRACE_SETOPTIONS, child, nullptr, PTRACE_O_EXITKILL | PTRACE_O_TRACESYSGOOD);
+    int pending = 0;
+    wasInterrupted = false;
+    for (int seen = 0;;) {
+        // Once it is over, the rest runs without halts.
+        ::ptrace(wasInterrupted ? PTRACE_CONT : PTRACE_SYSCALL, child, nullptr, pending);
+        ::waitpid(child, &status, 0);
+        if (WIFEXITED(status)) return WEXITSTATUS(status) == 0 ? Outcome::finished : Outcome::failed;
+        if (WIFSIGNALED(status)) return Outcome::failed;
+        auto const isSystemCall = WSTOPSIG(status) == (SIGTRAP | 0x80);
+        pending = isSystemCall ? 0 : WSTOPSIG(status);
+        if (isSystemCall && ++seen == stop) {
+            interruption();
+            wasInterrupted = true;
+        }
+    }
+}
+
 /// A process that repeats its work, and tells after each time that it has been done.
 class Repeating {
 public:

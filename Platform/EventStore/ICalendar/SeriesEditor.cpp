@@ -93,7 +93,7 @@ EditResult SeriesEditor::save(Occurrence const& occurrence, EventChange const& c
     SeriesSplit const split(parts, times.localOfKey(*occurrence.key).value(), viewer);
     if (!split.hasEarlier()) return split.whole(occurrence, change, given.now);
     // The division itself must neither lose nor add anything; then what changes may go into it.
-    auto const plain = split.divided(occurrence, {}, given.newUID, given.now);
+    auto const plain = split.dividedAsItIs(occurrence, given.newUID, given.now);
     if (!plain) return plain;
     if (!showsTheSame(*plain, occurrence)) {
         return std::unexpected(

@@ -14,6 +14,10 @@
 namespace Platform::ICalendar {
 namespace {
 
+bool isException(EventComponent const& event) {
+    return event.recurrenceId && !event.isThisAndFuture;
+}
+
 constexpr auto tooOften = "The series repeats too often to be divided";
 constexpr auto notMovable =
     "The series repeats by a rule that cannot be moved to another day or time; give it another rule, or "
@@ -140,23 +144,65 @@ std::optional<std::string> SeriesSplit::endSeries(ComponentText& event) const {
     return std::nullopt;
 }
 
+EditResult SeriesSplit::dividedAsItIs(Occurrence const& occurrence, std::string const& newUID,
+                                      std::int64_t now) const {
+    return divided(isException(*occurrence.event) ? withoutException(occurrence) : occurrence, {}, newUID,
+                   now, Exception::stays);
+}
+
 EditResult SeriesSplit::divided(Occurrence const& occurrence, EventChange const& change,
                                 std::string const& newUID, std::int64_t now) const {
+    return divided(occurrence, change, newUID, now, Exception::isAbsorbed);
+}
+
+// What the series itself would show in place of an exception.
+Occurrence SeriesSplit::withoutException(Occurrence const& occurrence) const {
+    auto const& master = *parts.series().master();
+    auto plain = occurrence;
+    auto const length = master.length(viewerZone);
+    auto const start = times.clock().rules.instant(split);
+    auto const end = endInstant(split, start, length, times.clock().rules);
+    plain.event = master.component;
+    plain.file = master.clocks->file;
+    plain.start = {.secondsSince1970 = static_cast<double>(start)};
+    plain.end = {.secondsSince1970 = static_cast<double>(end)};
+    plain.isAllDay = times.isAllDay();
+    plain.firstDay = std::chrono::local_days(std::chrono::days(dayOf(split)));
+    plain.endDay = plain.firstDay + std::chrono::days(length.days);
+    return plain;
+}
+
+EditResult SeriesSplit::divided(Occurrence const& occurrence, EventChange const& change,
+                                std::string const& newUID, std::int64_t now, Exception own) const {
     auto edit = ended(now);
     if (!edit) return edit;
     auto next = continuation(occurrence, change, Reach::rest);
     if (!next) return std::unexpected(std::move(next.error()));
     makeNew(next->event, newUID, now);
     auto components = next->event.text();
+    auto const add = [&components, &next](ComponentText const& text) {
+        bool const endsInLine = components.ends_with('\n') || components.ends_with('\r');
+        if (!endsInLine) components += next->event.lineBreak();
+        components += text.text();
+    };
+    if (own == Exception::isAbsorbed) {
+        if (auto kept = keptException(occurrence, change, *next)) {
+            kept->set("UID", escapedText(newUID));
+            stamp(*kept, Revision::ofTimes, now);
+            add(*kept);
+        }
+    }
     for (auto const& part : parts.all()) {
-        bool const isLater = counts(part) && idOf(part) > split;
-        if (!isLater || !stays(*next, idOf(part))) continue;
+        if (!counts(part)) continue;
+        auto const id = idOf(part);
+        bool const isLater = id > split || (id == split && own == Exception::stays &&
+                                            part.event.component != occurrence.event);
+        if (!isLater || !stays(*next, id)) continue;
         auto exception = parts.textOf(part);
         exception.set("UID", escapedText(newUID));
         if (!next->mapping.isIdentity())
             writeTime(exception, "RECURRENCE-ID", next->mapping.written(idOf(part)));
-        if (!components.ends_with('\n') && !components.ends_with('\r')) components += next->event.lineBreak();
-        components += exception.text();
+        add(exception);
     }
     if (!components.ends_with('\n') && !components.ends_with('\r')) components += next->event.lineBreak();
     edit->newItem = {.uid = newUID, .components = std::move(components), .origin = parts.master().source};
@@ -182,8 +228,12 @@ EditResult SeriesSplit::whole(Occurrence const& occurrence, EventChange const& c
     for (auto const& part : parts.all()) {
         auto const& component = *part.event.component;
         if (!component.recurrenceId) continue;
-        bool const isAbsorbed = shown->recurrenceId && idOf(part) == split;
-        if (isAbsorbed || !counts(part) || !stays(*next, idOf(part))) {
+        bool const isShown = &component == shown;
+        auto kept = isShown ? keptException(occurrence, change, *next) : std::nullopt;
+        if (kept) {
+            stamp(*kept, Revision::ofTimes, now);
+            builder.replace(part.source, component, kept->text());
+        } else if (isShown || !counts(part) || !stays(*next, idOf(part))) {
             builder.remove(part.source, component);
         } else if (!next->mapping.isIdentity()) {
             auto exception = parts.textOf(part);
@@ -212,7 +262,8 @@ SeriesSplit::continuation(Occurrence const& occurrence, EventChange const& chang
         }
     }
     writeTexts(text, change);
-    auto mapping = writeStart(text, occurrence, change, reach);
+    auto mapping = mappingFor(occurrence, change);
+    writeStart(text, occurrence, change, mapping, reach);
     auto const startForm = mapping.to.form;
     if (change.rules) {
         auto rules = *change.rules;
@@ -224,9 +275,10 @@ SeriesSplit::continuation(Occurrence const& occurrence, EventChange const& chang
         return std::unexpected(*reason);
     }
     bool const isSingle = change.rules && change.rules->empty();
+    bool const isOutOfStep = reach == Reach::rest && anchor() != split;
     auto const isLater = [&](std::int64_t local, bool isDay) {
         if (isSingle) return false;
-        if (reach == Reach::whole) return true;
+        if (reach == Reach::whole || (local == split && isOutOfStep)) return true;
         return isDay ? dayOf(local) >= dayOf(split) : local > split;
     };
     if (isSingle) text.remove("EXRULE");
@@ -246,11 +298,11 @@ SeriesSplit::continuation(Occurrence const& occurrence, EventChange const& chang
     return next;
 }
 
-// Writes when the continued series starts, and tells how its times become those.
-TimeMapping SeriesSplit::writeStart(ComponentText& event, Occurrence const& occurrence,
-                                    EventChange const& change, Reach reach) const {
-    auto const& base = parts.partOf(occurrence.event);
-    auto const& component = *base.event.component;
+// How the times of the series change with the occurrence.
+TimeMapping SeriesSplit::mappingFor(Occurrence const& occurrence, EventChange const& change) const {
+    auto const& component = *occurrence.event;
+    bool const isShifted = component.recurrenceId && component.isThisAndFuture;
+    if (!change.times && !isShifted) return TimeMapping::taking(split, times.clock(), split, times.clock());
     auto const before = timesOf(occurrence);
     auto const after = change.times.value_or(before);
     auto clock = times.clock();
@@ -259,35 +311,112 @@ TimeMapping SeriesSplit::writeStart(ComponentText& event, Occurrence const& occu
     } else if (times.isAllDay()) {
         clock = WritingClock::ofViewer(viewer);
     }
-    bool const isBaseMaster = &base == &parts.master();
-    bool const keepsTime = isBaseMaster && !change.times;
-    auto const shownLocal = after.isAllDay ? after.start : clock.rules.local(after.start);
-    auto const target = keepsTime ? split : shownLocal;
-    auto mapping = TimeMapping::taking(split, times.clock(), target, clock);
-    if (keepsTime && reach == Reach::whole) return mapping;
+    auto const shown = [&](EventTimes const& given) {
+        return given.isAllDay ? given.start : clock.rules.local(given.start);
+    };
+    // By how much an exception is off is its own affair: the others move as far as it does now.
+    bool const isOff =
+        isException(component) && before.isAllDay == after.isAllDay && times.isAllDay() == after.isAllDay;
+    auto const target = isOff ? split + shown(after) - shown(before) : shown(after);
+    return TimeMapping::taking(split, times.clock(), target, clock);
+}
 
-    auto const start =
-        reach == Reach::whole ? mapping(parts.master().event.component->start.localSeconds) : target;
-    auto const startInstant = after.isAllDay ? start : clock.rules.instant(start);
-    auto length = after.end - after.start;
-    auto const natural = base.event.length(viewerZone);
-    auto const naturalLength = component.isAllDay()
-                                   ? natural.days * secondsPerDay
-                                   : endInstant(start, startInstant, natural, clock.rules) - startInstant;
-    // What a PERIOD lasted does not go for all that follow.
-    if (keepsTime) length = naturalLength;
-    TimesWriting writing{.start = clock,
-                         .end = clock,
-                         .lengthBefore = component.isAllDay() == after.isAllDay ? std::optional(naturalLength)
-                                                                                : std::nullopt,
-                         .isRecurring = true};
-    if (component.end && !component.isAllDay() && !after.isAllDay)
+// Where the rest of the series begins: at the occurrence; but at the next one of the rule where the
+// occurrence is an added date, which would put the rule out of step.
+std::int64_t SeriesSplit::anchor() const {
+    auto const& master = *parts.series().master()->component;
+    if (master.rules.size() != 1) return split;
+    RuleExpander const expander(master.rules.front(), master.start.localSeconds);
+    if (expander.yields(split)) return split;
+    auto const last = std::min(parts.series().ruleEnd(0).last, lastSecond);
+    // Windows that grow: nearly always the first holds it.
+    for (std::int64_t from = split, width = 40 * secondsPerDay; from <= last; from += width, width *= 4) {
+        std::vector<std::int64_t> found;
+        std::int64_t steps = 100'000;
+        expander.expand(from, std::min(from + width - 1, last), 1, steps, found);
+        if (!found.empty()) return found.front();
+    }
+    return split;
+}
+
+// Writes when the continued series starts.
+void SeriesSplit::writeStart(ComponentText& event, Occurrence const& occurrence, EventChange const& change,
+                             TimeMapping const& mapping, Reach reach) const {
+    auto const& base = parts.partOf(occurrence.event);
+    bool const isFromMaster = &base == &parts.master();
+    if (isFromMaster && mapping.isIdentity() && !change.times && reach == Reach::whole) return;
+    auto const& component = *base.event.component;
+    auto const& clock = mapping.to;
+    bool const isAllDay = clock.form == TimeForm::date;
+    auto const first = reach == Reach::whole ? parts.master().event.component->start.localSeconds : anchor();
+    auto const start = mapping(first);
+    auto const startInstant = isAllDay ? start : clock.rules.instant(start);
+    auto const lengthOf = [&](SeriesPart const& part) {
+        auto const natural = part.event.length(viewerZone);
+        if (part.event.component->isAllDay()) return natural.days * secondsPerDay;
+        return endInstant(start, startInstant, natural, clock.rules) - startInstant;
+    };
+    // What a PERIOD or an exception lasted does not go for all that follow.
+    auto length = lengthOf(isException(component) ? parts.master() : base);
+    if (change.times) length = change.times->end - change.times->start;
+    TimesWriting writing{.start = clock, .end = clock, .lengthBefore = std::nullopt, .isRecurring = true};
+    if (component.isAllDay() == isAllDay) writing.lengthBefore = lengthOf(base);
+    if (component.end && !component.isAllDay() && !isAllDay)
         writing.end = WritingClock::of(*component.end, base.event, viewerZone);
-    writeTimes(event, {.isAllDay = after.isAllDay, .start = startInstant, .end = startInstant + length},
-               writing);
+    writeTimes(event, {.isAllDay = isAllDay, .start = startInstant, .end = startInstant + length}, writing);
     // A time that the clock skips that day is written as the series has it.
     writeTime(event, "DTSTART", {.form = clock.form, .zone = clock.zone, .localSeconds = start});
-    return mapping;
+}
+
+// Whether the series itself, without its exceptions of that name, happens there.
+bool SeriesSplit::happens() const {
+    auto const& master = *parts.series().master();
+    auto const& event = *master.component;
+    bool const isExcluded = std::ranges::any_of(event.exceptionDates, [&](CalendarTime const& time) {
+        auto const local = times.local(time, master);
+        return time.form == TimeForm::date ? dayOf(local) == dayOf(split) : local == split;
+    });
+    if (isExcluded || !event.exceptionRules.empty()) return false;
+    if (event.start.localSeconds == split) return true;
+    bool const isAdded = std::ranges::any_of(event.recurrenceDates, [&](RecurrenceDate const& date) {
+        return times.local(date.start, master) == split;
+    });
+    if (isAdded) return true;
+    for (std::size_t index = 0; index < event.rules.size(); ++index) {
+        bool const yields = RuleExpander(event.rules[index], event.start.localSeconds).yields(split);
+        if (yields && split <= parts.series().ruleEnd(index).last) return true;
+    }
+    return false;
+}
+
+// The exception from which on a series is changed, changed with it. Absent when it is one no more.
+std::optional<ComponentText> SeriesSplit::keptException(Occurrence const& occurrence,
+                                                        EventChange const& change,
+                                                        Continuation const& next) const {
+    if (!isException(*occurrence.event) || !next.repeats) return std::nullopt;
+    auto const plain = withoutException(occurrence);
+    bool const isOff = occurrence.start != plain.start || occurrence.end != plain.end ||
+                       occurrence.isAllDay != plain.isAllDay;
+    bool const togglesDays = change.times && change.times->isAllDay != times.isAllDay();
+    if ((!isOff && happens()) || togglesDays) return std::nullopt;
+    auto const& base = parts.partOf(occurrence.event);
+    auto const& component = *base.event.component;
+    auto text = parts.textOf(base);
+    writeTexts(text, change);
+    if (change.times) {
+        auto const onItsClock = [&](std::optional<CalendarTime> const& time) {
+            bool const isTimed = time && time->form != TimeForm::date;
+            return isTimed ? WritingClock::of(*time, base.event, viewerZone) : next.mapping.to;
+        };
+        auto const start = onItsClock(component.start);
+        writeTimes(text, *change.times,
+                   {.start = start,
+                    .end = component.end ? onItsClock(component.end) : start,
+                    .lengthBefore = std::nullopt,
+                    .isRecurring = false});
+    }
+    if (!next.mapping.isIdentity()) writeTime(text, "RECURRENCE-ID", next.mapping.written(split));
+    return text;
 }
 
 // Makes the series' own rules go on from the occurrence.

@@ -34,7 +34,11 @@ public:
     /// The series up to the occurrence, which goes as well.
     [[nodiscard]] EditResult ended(std::int64_t now) const;
 
-    /// The series up to the occurrence, and another one from it on, changed.
+    /// The series up to the occurrence, and another one from it on that shows what is shown now.
+    [[nodiscard]] EditResult dividedAsItIs(Occurrence const& occurrence, std::string const& newUID,
+                                           std::int64_t now) const;
+
+    /// The same, changed: the rest goes on as the occurrence is then.
     [[nodiscard]] EditResult divided(Occurrence const& occurrence, EventChange const& change,
                                      std::string const& newUID, std::int64_t now) const;
 
@@ -43,6 +47,11 @@ public:
                                    std::int64_t now) const;
 
 private:
+    enum class Exception : std::uint8_t { stays, isAbsorbed };
+    [[nodiscard]] EditResult divided(Occurrence const& occurrence, EventChange const& change,
+                                     std::string const& newUID, std::int64_t now, Exception own) const;
+    [[nodiscard]] Occurrence withoutException(Occurrence const& occurrence) const;
+
     enum class Reach : std::uint8_t { rest, whole };
 
     /// The series as it is from the occurrence on.
@@ -59,8 +68,13 @@ private:
     [[nodiscard]] std::optional<std::string> endSeries(ComponentText& event) const;
     [[nodiscard]] std::expected<Continuation, std::string>
     continuation(Occurrence const& occurrence, EventChange const& change, Reach reach) const;
-    [[nodiscard]] TimeMapping writeStart(ComponentText& event, Occurrence const& occurrence,
-                                         EventChange const& change, Reach reach) const;
+    [[nodiscard]] TimeMapping mappingFor(Occurrence const& occurrence, EventChange const& change) const;
+    [[nodiscard]] std::int64_t anchor() const;
+    [[nodiscard]] bool happens() const;
+    void writeStart(ComponentText& event, Occurrence const& occurrence, EventChange const& change,
+                    TimeMapping const& mapping, Reach reach) const;
+    [[nodiscard]] std::optional<ComponentText>
+    keptException(Occurrence const& occurrence, EventChange const& change, Continuation const& next) const;
     [[nodiscard]] std::optional<std::string> continueRules(ComponentText& event, TimeMapping const& mapping,
                                                            Reach reach) const;
     [[nodiscard]] std::optional<std::string> countRest(std::vector<RuleChange>& rules) const;

@@ -44,7 +44,8 @@ struct Rewriting {
         if (!keeps(local, isDay)) return std::nullopt;
         if (mapping.isIdentity()) return std::string(text);
         auto written = mapping.written(local).value();
-        if (date->duration || date->end) written += '/' + lengthOf(*date);
+        bool const isPeriod = (date->duration || date->end) && mapping.to.form != TimeForm::date;
+        if (isPeriod) written += '/' + lengthOf(*date);
         return written;
     }
 
@@ -87,9 +88,15 @@ void rewriteTimeLists(ComponentText& event, std::string_view name, ClockedEvent 
             event.replace(property->line, property->parameters, list);
         } else {
             bool const isPeriod = list.find('/') != std::string::npos;
-            auto form = mapping.written(0).parameters();
-            if (isPeriod) form = ";VALUE=PERIOD" + form;
-            event.replace(property->line, form, list);
+            auto const form = mapping.to.form;
+            std::optional<std::string_view> kind;
+            if (isPeriod) kind = "PERIOD";
+            if (form == TimeForm::date) kind = "DATE";
+            std::optional<std::string_view> zone;
+            if (form == TimeForm::zoned) zone = mapping.to.zone;
+            event.replace(property->line,
+                          withParameter(withParameter(property->parameters, "VALUE", kind), "TZID", zone),
+                          list);
         }
     }
 }

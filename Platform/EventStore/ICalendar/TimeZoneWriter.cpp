@@ -210,7 +210,10 @@ std::string missingTimeZones(std::string_view components, CalendarFile const* ta
     };
     std::string result;
     for (auto const& name : named->zoneNames) {
-        if (componentIn(target, name) != nullptr) continue;
+        // A name that the target gets by with already needs no more.
+        bool const isKnown =
+            target != nullptr && std::ranges::find(target->zoneNames, name) != target->zoneNames.end();
+        if (isKnown || componentIn(target, name) != nullptr) continue;
         if (auto const* const known = componentIn(origin, name)) {
             result += known->bytes;
         } else if (auto const zone = ZoneCatalog::systemZone(name)) {

@@ -6,6 +6,7 @@
 #include "Platform/Files/InMemoryFileManager.h"
 #include "Platform/Files/PosixFileManager.h"
 #include "Platform/Logging/RecordingLogSink.h"
+#include "Tests/EventStore/Folder/ClosedDoors.h"
 #include "Tests/EventStore/Folder/SmallCalendars.h"
 #include "Tests/EventStore/TemporaryFolder.h"
 
@@ -13,7 +14,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <sys/fsuid.h>
 #include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
@@ -23,29 +23,6 @@ using namespace Platform;
 namespace {
 
 using Texts = std::vector<std::string>;
-
-// Lets the superuser's tests meet closed doors: on this thread files are opened as by an ordinary user, who
-// owns `folder` and all in it.
-class OrdinaryUser {
-public:
-    explicit OrdinaryUser(std::filesystem::path const& folder) {
-        if (::geteuid() != 0) return;
-        constexpr uid_t nobody = 65534;
-        EXPECT_EQ(::chown(folder.c_str(), nobody, nobody), 0);
-        for (auto const& entry : std::filesystem::recursive_directory_iterator(folder)) {
-            EXPECT_EQ(::lchown(entry.path().c_str(), nobody, nobody), 0);
-        }
-        ::setfsuid(nobody);
-    }
-    OrdinaryUser(OrdinaryUser const&) = delete;
-    OrdinaryUser& operator=(OrdinaryUser const&) = delete;
-    ~OrdinaryUser() {
-        if (::geteuid() == 0) ::setfsuid(0);
-    }
-
-    // The call yields the user before it, which an impossible one does not change.
-    [[nodiscard]] bool isBoundByModes() const { return ::setfsuid(static_cast<uid_t>(-1)) != 0; }
-};
 
 class FolderEventStoreTests : public testing::Test {
 protected:

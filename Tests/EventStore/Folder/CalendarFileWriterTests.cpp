@@ -1,0 +1,226 @@
+#include "Platform/EventStore/Folder/CalendarFileWriter.h"
+
+#include "Platform/EventStore/Folder/AsideFile.h"
+#include "Platform/Files/FileDescriptor.h"
+#include "Tests/EventStore/Folder/ClosedDoors.h"
+#include "Tests/EventStore/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <sys/stat.h>
+
+using namespace Platform;
+using Method = CalendarFileWriter::Method;
+using Outcome = CalendarFileWriter::Outcome;
+
+namespace {
+
+constexpr auto done = Outcome::done;
+constexpr auto changedMeanwhile = Outcome::changedMeanwhile;
+constexpr std::int64_t farFuture = 4'000'000'000'000'000'000;
+
+using Contents = std::map<std::string, std::string>;
+
+Contents contentsOf(TemporaryFolder const& folder) {
+    Contents found;
+    for (auto const& entry : std::filesystem::directory_iterator(folder.path())) {
+        std::ifstream stream(entry.path(), std::ios::binary);
+        found[entry.path().filename().string()] = {std::istreambuf_iterator<char>(stream), {}};
+    }
+    return found;
+}
+
+unsigned int modeOf(std::filesystem::path const& file) {
+    struct stat status{};
+    EXPECT_EQ(::stat(file.c_str(), &status), 0);
+    return status.st_mode & 0777U;
+}
+
+class CalendarFileWriterTests : public testing::TestWithParam<Method> {
+protected:
+    TemporaryFolder folder;
+    CalendarFileWriter writer{GetParam()};
+};
+
+std::string leftover(TemporaryFolder const& folder, AsideName const& name, std::string_view content) {
+    auto const text = name.text();
+    folder.write(text, content);
+    return text;
+}
+
+} // namespace
+
+TEST_P(CalendarFileWriterTests, whatWasExpectedIsReplacedAndNothingElseStays) {
+    auto const file = folder.write("a.ics", "old");
+    EXPECT_EQ(writer.replace(file, "old", "new content"), done);
+    EXPECT_EQ(contentsOf(folder), (Contents{{"a.ics", "new content"}}));
+}
+
+TEST_P(CalendarFileWriterTests, aReplacedFileKeepsItsPermissions) {
+    auto const file = folder.write("a.ics", "old");
+    ASSERT_EQ(::chmod(file.c_str(), 0640), 0);
+    EXPECT_EQ(writer.replace(file, "old", "new"), done);
+    EXPECT_EQ(modeOf(file), 0640U);
+}
+
+TEST_P(CalendarFileWriterTests, whatSomebodyElseWroteIsNotReplaced) {
+    auto const file = folder.write("a.ics", "another's");
+    EXPECT_EQ(writer.replace(file, "old", "new"), changedMeanwhile);
+    EXPECT_EQ(contentsOf(folder), (Contents{{"a.ics", "another's"}}));
+    EXPECT_EQ(writer.remove(file, "old"), changedMeanwhile);
+    EXPECT_EQ(contentsOf(folder), (Contents{{"a.ics", "another's"}}));
+}
+
+TEST_P(CalendarFileWriterTests, aFileThatSomebodyIsWritingIsLeftAlone) {
+    auto const file = folder.write("a.ics", "old");
+    FileDescriptor const other(::open(file.c_str(), O_WRONLY | O_CLOEXEC));
+    FileDescriptor const reader(::open(file.c_str(), O_RDONLY | O_CLOEXEC));
+    if (::fcntl(reader.get(), F_SETLEASE, F_RDLCK) == 0 || errno != EAGAIN)
+        GTEST_SKIP() << "this file system does not tell who writes";
+    EXPECT_EQ(writer.replace(file, "old", "new"), changedMeanwhile);
+    EXPECT_EQ(writer.remove(file, "old"), changedMeanwhile);
+    EXPECT_EQ(contentsOf(folder), (Contents{{"a.ics", "old"}}));
+    // It still is the file that the other has open.
+    ASSERT_EQ(::pwrite(other.get(), "OLD", 3, 0), 3);
+    EXPECT_EQ(contentsOf(folder), (Contents{{"a.ics", "OLD"}}));
+}
+
+TEST_P(CalendarFileWriterTests, whatHasGoneIsNeitherReplacedNorRemoved) {
+    EXPECT_EQ(writer.replace(folder / "a.ics", "old", "new"), changedMeanwhile);
+    EXPECT_EQ(writer.remove(folder / "a.ics", "old"), changedMeanwhile);
+    EXPECT_EQ(contentsOf(folder), Contents{});
+}
+
+TEST_P(CalendarFileWriterTests, aLinkIsFollowed) {
+    folder.write("there/a.ics", "old");
+    std::filesystem::create_symlink("there/a.ics", folder / "link.ics");
+    EXPECT_EQ(writer.replace(folder / "link.ics", "old", "new"), done);
+    EXPECT_TRUE(std::filesystem::is_symlink(folder / "link.ics"));
+    std::ifstream stream(folder / "there/a.ics");
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(stream), {}), "new");
+    EXPECT_EQ(writer.remove(folder / "link.ics", "new"), done);
+    EXPECT_FALSE(std::filesystem::exists(std::filesystem::symlink_status(folder / "link.ics")));
+    EXPECT_TRUE(std::filesystem::is_empty(folder / "there"));
+}
+
+TEST_P(CalendarFileWriterTests, aNewFileIsPrivateAndTakesNoOthersPlace) {
+    EXPECT_EQ(writer.create(folder / "a.ics", "new"), done);
+    EXPECT_EQ(modeOf(folder / "a.ics"), 0600U);
+    EXPECT_EQ(writer.create(folder / "a.ics", "newer"), changedMeanwhile);
+    EXPECT_EQ(contentsOf(folder), (Contents{{"a.ics", "new"}}));
+}
+
+TEST_P(CalendarFileWriterTests, whatWasExpectedIsRemoved) {
+    auto const file = folder.write("a.ics", "old");
+    folder.write("b.ics", "old");
+    EXPECT_EQ(writer.remove(file, "old"), done);
+    EXPECT_EQ(contentsOf(folder), (Contents{{"b.ics", "old"}}));
+}
+
+TEST_P(CalendarFileWriterTests, aClosedFolderIsAFailureThatChangesNothing) {
+    auto const file = folder.write("a.ics", "old");
+    OrdinaryUser const user(folder.path());
+    ASSERT_EQ(::chmod(folder.path().c_str(), 0500), 0);
+    for (auto const& result : {writer.replace(file, "old", "new"), writer.create(folder / "b.ics", "new"),
+                               writer.remove(file, "old")}) {
+        ASSERT_FALSE(result.has_value());
+        EXPECT_EQ(result.error().reason, std::errc::permission_denied);
+    }
+    ASSERT_EQ(::chmod(folder.path().c_str(), 0700), 0);
+    EXPECT_EQ(contentsOf(folder), (Contents{{"a.ics", "old"}}));
+}
+
+INSTANTIATE_TEST_SUITE_P(Methods, CalendarFileWriterTests,
+                         testing::Values(Method::exchange, Method::compareAndMove), [](auto const& method) {
+                             return method.param == Method::exchange ? "exchange" : "compareAndMove";
+                         });
+
+TEST(LeftoverTests, theNameOfAHiddenFileTellsItsStory) {
+    AsideName const name{.oldDigest = AsideName::digestOf("old"),
+                         .newDigest = AsideName::digestOfNothing(),
+                         .fileName = "a-b.ics"};
+    auto const read = AsideName::fromText(name.text());
+    ASSERT_TRUE(read.has_value());
+    EXPECT_EQ(read->oldDigest, name.oldDigest);
+    EXPECT_EQ(read->newDigest, "0000000000000000");
+    EXPECT_EQ(read->fileName, "a-b.ics");
+    EXPECT_NE(name.text(), name.text());
+    for (auto const* other : {"a.ics", ".quillora-.tmp", ".quillora-0123.ics", ".5A.tmp"})
+        EXPECT_FALSE(AsideName::fromText(other).has_value()) << other;
+}
+
+TEST(LeftoverTests, aNameTooLongToBeToldIsLeftOut) {
+    AsideName const name{.oldDigest = AsideName::digestOf("old"),
+                         .newDigest = AsideName::digestOf("new"),
+                         .fileName = std::string(240, 'x')};
+    EXPECT_LE(name.text().size(), 255U);
+    EXPECT_EQ(AsideName::fromText(name.text())->fileName, "");
+}
+
+TEST(LeftoverTests, whatAKilledSaveLeftIsRemoved) {
+    TemporaryFolder const folder;
+    folder.write("a.ics", "old");
+    folder.write(".hidden", "someone's");
+    AsideName const name{.oldDigest = AsideName::digestOf("old"),
+                         .newDigest = AsideName::digestOf("new"),
+                         .fileName = "a.ics"};
+    leftover(folder, name, "ne");
+    leftover(folder, name, "new");
+    leftover(folder, name, "old");
+    CalendarFileWriter().clearLeftovers(folder.path(), farFuture);
+    EXPECT_EQ(contentsOf(folder), (Contents{{".hidden", "someone's"}, {"a.ics", "old"}}));
+}
+
+TEST(LeftoverTests, whatMayStillBeInUseStays) {
+    TemporaryFolder const folder;
+    auto const name = leftover(folder,
+                               {.oldDigest = AsideName::digestOf("old"),
+                                .newDigest = AsideName::digestOf("new"),
+                                .fileName = "a.ics"},
+                               "new");
+    struct stat status{};
+    ASSERT_EQ(::stat((folder / name).c_str(), &status), 0);
+    auto const made = static_cast<std::int64_t>(status.st_mtim.tv_sec) * 1'000'000'000;
+    CalendarFileWriter().clearLeftovers(folder.path(), made + 60LL * 1'000'000'000);
+    EXPECT_EQ(contentsOf(folder), (Contents{{name, "new"}}));
+}
+
+// The process exchanged, and was killed before it saw that it had another's change in its hands.
+TEST(LeftoverTests, anothersChangeIsPutBack) {
+    TemporaryFolder const folder;
+    folder.write("a.ics", "new");
+    leftover(folder,
+             {.oldDigest = AsideName::digestOf("old"),
+              .newDigest = AsideName::digestOf("new"),
+              .fileName = "a.ics"},
+             "another's");
+    CalendarFileWriter().clearLeftovers(folder.path(), farFuture);
+    EXPECT_EQ(contentsOf(folder), (Contents{{"a.ics", "another's"}}));
+}
+
+TEST(LeftoverTests, anothersChangeOfARemovedFileIsPutBack) {
+    TemporaryFolder const folder;
+    leftover(folder,
+             {.oldDigest = AsideName::digestOf("old"),
+              .newDigest = AsideName::digestOfNothing(),
+              .fileName = "a.ics"},
+             "another's");
+    CalendarFileWriter().clearLeftovers(folder.path(), farFuture);
+    EXPECT_EQ(contentsOf(folder), (Contents{{"a.ics", "another's"}}));
+}
+
+TEST(LeftoverTests, whatHasBeenWrittenSinceIsNotTurnedBack) {
+    TemporaryFolder const folder;
+    folder.write("a.ics", "newer");
+    leftover(folder,
+             {.oldDigest = AsideName::digestOf("old"),
+              .newDigest = AsideName::digestOf("new"),
+              .fileName = "a.ics"},
+             "another's, long gone");
+    CalendarFileWriter().clearLeftovers(folder.path(), farFuture);
+    EXPECT_EQ(contentsOf(folder), (Contents{{"a.ics", "newer"}}));
+}
