@@ -32,7 +32,7 @@ void ConsoleLogSink::write(Platform::LogRecord const& record) {
         record.level == Platform::LogLevel::error && record.category == Composition::calendarStoreLogCategory;
     if (!showsProblems || !isProblem) return;
     std::scoped_lock const lock(mutex);
-    if (++problems <= mostProblemsShown) console.report(record.message);
+    if (++problems <= mostProblemsShown) console.report(Texts::told(record.message));
 }
 
 } // namespace Companion

@@ -97,7 +97,7 @@ std::string picture(std::string_view option, Platform::FacePainter const& painte
     auto drawn = option == "--png"   ? Platform::FacePicture::png(painter, layout, scale)
                  : option == "--svg" ? Platform::FacePicture::svg(painter, layout)
                                      : Platform::FacePicture::pdf(painter, layout);
-    if (!drawn) throw CommandError::failed(drawn.error());
+    if (!drawn) throw CommandError::failed(Texts::told(drawn.error()));
     return *std::move(drawn);
 }
 

@@ -82,7 +82,7 @@ ExitCode run(Invocation const& invocation) {
     auto const listing =
         listOccurrences(*services->files(), path, {.from = from, .to = to}, calendar.timeZone());
     for (auto const& problem : listing.problems)
-        invocation.console.report(problem);
+        invocation.console.report(Texts::told(problem));
     if (!invocation.values.has("--json")) {
         std::vector<std::vector<std::string>> rows;
         for (auto const& occurrence : listing.occurrences)

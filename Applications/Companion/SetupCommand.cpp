@@ -79,7 +79,7 @@ private:
             // Asked again even after a no: who runs the set-up may have come to another mind.
             Foundation::runTask(services.eventStore()->requestFullAccessToEvents());
         } catch (Platform::EKError const& error) {
-            throw CommandError::failed(error.what());
+            throw CommandError::failed(Texts::told(error.what()));
         }
     }
 
@@ -117,7 +117,7 @@ private:
             return;
         }
         auto const root = configuration->add(folder, std::nullopt);
-        if (!root) throw CommandError::failed(root.error());
+        if (!root) throw CommandError::failed(Texts::told(root.error()));
         hasChanged = true;
         say(Texts::sourceAdded(root->title, shownPath(root->path), root->id));
     }

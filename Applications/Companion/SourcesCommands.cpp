@@ -82,7 +82,7 @@ ExitCode add(Invocation const& invocation) {
         throw CommandError::wrongUse(Texts::blankTitle());
 
     auto const root = configuration->add(folder, title);
-    if (!root) throw CommandError::failed(root.error());
+    if (!root) throw CommandError::failed(Texts::told(root.error()));
     services->widgetCenter()->reloadAllTimelines();
     invocation.console.writeLine(Texts::sourceAdded(root->title, shownPath(root->path), root->id));
     if (!holdsCalendarFiles(folder))
@@ -111,7 +111,7 @@ ExitCode remove(Invocation const& invocation) {
     if (known == nullptr) throw CommandError::wrongUse(Texts::unknownSource(name));
 
     auto const root = configuration->remove(known->id);
-    if (!root) throw CommandError::failed(root.error());
+    if (!root) throw CommandError::failed(Texts::told(root.error()));
     services->widgetCenter()->reloadAllTimelines();
     invocation.console.writeLine(Texts::sourceRemoved(root->title, shownPath(root->path)));
     return ExitCode::done;

@@ -2,7 +2,6 @@
 
 #include "Applications/Companion/ShellWord.h"
 #include "Applications/Companion/TextLookup.h"
-#include "Applications/Composition/Texts.h"
 #include "Foundation/Text.h"
 
 #include <algorithm>
@@ -10,25 +9,9 @@
 #include <fmt/format.h>
 #include <ranges>
 
-namespace Companion {
-
-extern std::string_view const englishTable; // Built in from Resources/en.lproj.
-
-namespace Texts {
+namespace Companion::Texts {
 
 using Platform::EKAuthorizationStatus;
-
-Composition::ProgramTexts& words() {
-    static constexpr char marker = 0;
-    static Composition::ProgramTexts texts("Companion_Companion", &marker, englishTable);
-    return texts;
-}
-
-std::string quoted(std::string_view value) {
-    constexpr std::size_t longest = 60;
-    auto const harmless = Foundation::Text::neutralized(Foundation::Text::sanitizedUTF8(value));
-    return text("quoted", Foundation::Text::truncated(harmless, longest));
-}
 
 namespace {
 
@@ -49,15 +32,6 @@ std::string alternatives(std::vector<std::string> const& words) {
 }
 
 } // namespace
-
-void useLanguages(std::vector<std::string> const& languages) {
-    words().useLanguages(languages);
-    Composition::Texts::useLanguages(languages);
-}
-
-std::string text(std::string_view key) {
-    return words().text(key);
-}
 
 std::string version() {
     return "quillora " QUILLORA_VERSION;
@@ -224,7 +198,7 @@ std::string blankTitle() {
 }
 
 std::string cannotResolvePath(std::string_view path, std::string_view reason) {
-    return text("cannot-resolve-path", quoted(path), reason);
+    return text("cannot-resolve-path", quoted(path), told(reason));
 }
 
 std::string noSuchPath(std::string_view path) {
@@ -240,11 +214,11 @@ std::string notAFolder(std::string_view path) {
 }
 
 std::string unreadableFolder(std::string_view path, std::string_view reason) {
-    return text("unreadable-folder", path, reason);
+    return text("unreadable-folder", path, told(reason));
 }
 
 std::string unreadableFile(std::string_view path, std::string_view reason) {
-    return text("unreadable-file", path, reason);
+    return text("unreadable-file", path, told(reason));
 }
 
 std::string outputIsAFolder(std::string_view path) {
@@ -252,7 +226,7 @@ std::string outputIsAFolder(std::string_view path) {
 }
 
 std::string cannotWrite(std::string_view path, std::string_view reason) {
-    return text("cannot-write", path, reason);
+    return text("cannot-write", path, told(reason));
 }
 
 std::string unwritableFile(std::string_view path, std::string_view reason) {
@@ -268,11 +242,11 @@ std::string neitherFileNorFolder(std::string_view path) {
 }
 
 std::string cannotWriteOutput(std::string_view reason) {
-    return text("cannot-write-output", reason);
+    return text("cannot-write-output", told(reason));
 }
 
 std::string unreadableInput(std::string_view reason) {
-    return text("unreadable-input", reason);
+    return text("unreadable-input", told(reason));
 }
 
 std::string inputIsTooLarge(std::size_t mostMebibytes) {
@@ -288,7 +262,7 @@ std::string noHome() {
 }
 
 std::string unexpectedFailure(std::string_view reason) {
-    return text("unexpected-failure", Foundation::Text::sanitizedUTF8(reason));
+    return text("unexpected-failure", told(reason));
 }
 
 std::string accessStatus(EKAuthorizationStatus status) {
@@ -390,7 +364,7 @@ std::string setupIsDone() {
 }
 
 std::string problemOf(std::string_view path, std::string_view problem) {
-    return text("problem-of", path, problem);
+    return text("problem-of", path, told(problem));
 }
 
 std::string noSources() {
@@ -541,5 +515,4 @@ std::string storedDayIsOutOfRange(std::int64_t offset) {
     return text("stored-day-is-out-of-range", std::to_string(offset));
 }
 
-} // namespace Texts
-} // namespace Companion
+} // namespace Companion::Texts

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Applications/Composition/Texts.h"
 #include "Platform/EventStore/EKEventStore.h"
 #include "Platform/EventStore/Folder/TerminalConsentPrompt.h"
 
@@ -18,6 +19,9 @@ namespace Companion::Texts {
 /// Speaks these languages from now on, best first. English until then. Once, before other threads are
 /// started.
 void useLanguages(std::vector<std::string> const& languages);
+
+/// What the parts of the platform say, in the person's language.
+using Composition::Texts::told;
 
 /// The text of `key`, for what the command table says of commands and options.
 std::string text(std::string_view key);

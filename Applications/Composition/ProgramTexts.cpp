@@ -32,6 +32,39 @@ std::string ProgramTexts::counted(std::string_view key, std::int64_t count,
     return Platform::withValues(found.value_or(std::string(key)), values);
 }
 
+std::string ProgramTexts::translated(std::string_view message) const {
+    if (auto whole = translatedWhole(message)) return *std::move(whole);
+    constexpr std::string_view separator = ": ";
+    for (auto at = message.find(separator); at != std::string_view::npos;
+         at = message.find(separator, at + 1)) {
+        auto const start = at + separator.size();
+        if (auto const rest = translatedWhole(message.substr(start)))
+            return std::string(message.substr(0, start)) + *rest;
+    }
+    return std::string(message);
+}
+
+std::optional<std::string> ProgramTexts::translatedWhole(std::string_view message) const {
+    std::string_view bestKey;
+    std::size_t mostWords = 0;
+    std::vector<std::string> values;
+    for (auto const& [key, text] : english.texts) {
+        if (!key.starts_with("said-") && !key.starts_with("errno-")) continue;
+        auto found = Platform::valuesIn(text, message);
+        if (!found) continue;
+        // Of several that fit, the one with the most words of its own says the most.
+        auto const words = text.size() - found->size() * std::string_view("%1$@").size();
+        if (words <= mostWords) continue;
+        mostWords = words;
+        bestKey = key;
+        values = *std::move(found);
+    }
+    if (bestKey.empty()) return std::nullopt;
+    for (auto& value : values)
+        value = translated(value);
+    return text(bestKey, values);
+}
+
 std::vector<std::string> ProgramTexts::problems() const {
     return bundle ? bundle->problems() : std::vector<std::string>();
 }

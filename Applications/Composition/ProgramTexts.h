@@ -29,10 +29,18 @@ public:
     [[nodiscard]] std::string counted(std::string_view key, std::int64_t count,
                                       std::vector<std::string> const& values) const;
 
+    /// `message` of a part that speaks English, in the person's language: where the English table has it
+    /// below a key that starts with "said-" or "errno-", the text of that key, with what it quotes translated
+    /// likewise. What stands before a known message, such as its file and line, stays as it is, and so does
+    /// one that is not known.
+    [[nodiscard]] std::string translated(std::string_view message) const;
+
     /// What was wrong with the tables, each as "<file>:<line>: <reason>".
     [[nodiscard]] std::vector<std::string> problems() const;
 
 private:
+    [[nodiscard]] std::optional<std::string> translatedWhole(std::string_view message) const;
+
     std::string bundleName;
     void const* marker;
     Platform::StringsFile english;

@@ -1,6 +1,7 @@
 #include "Applications/Composition/Texts.h"
 
 #include "Applications/Composition/ProgramTexts.h"
+#include "Foundation/Text.h"
 
 namespace Composition {
 
@@ -28,6 +29,10 @@ void useLanguages(std::vector<std::string> const& languages) {
     words().useLanguages(languages);
 }
 
+std::string told(std::string_view message) {
+    return words().translated(Foundation::Text::sanitizedUTF8(message));
+}
+
 std::string noHomeForCalendars() {
     return text("no-home-for-calendars");
 }
@@ -37,7 +42,7 @@ std::string noHomeForKeychain() {
 }
 
 std::string unreadableKeychainChoice(std::string_view path, std::string_view reason) {
-    return text("unreadable-keychain-choice", path, reason);
+    return text("unreadable-keychain-choice", path, told(reason));
 }
 
 std::string noKeychainNamed(std::string_view path) {
@@ -45,7 +50,7 @@ std::string noKeychainNamed(std::string_view path) {
 }
 
 std::string keychainChoiceNotSaved(std::string_view path, std::string_view reason) {
-    return text("keychain-choice-not-saved", path, reason);
+    return text("keychain-choice-not-saved", path, told(reason));
 }
 
 std::string keyNotCopied(std::int32_t status, std::string_view database) {

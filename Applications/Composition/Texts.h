@@ -12,6 +12,10 @@ namespace Composition::Texts {
 /// started.
 void useLanguages(std::vector<std::string> const& languages);
 
+/// `message` of a part that speaks English, such as the calendar store or the system, in the person's
+/// language; as it came where it is not known.
+std::string told(std::string_view message);
+
 std::string noHomeForCalendars();
 std::string noHomeForKeychain();
 std::string unreadableKeychainChoice(std::string_view path, std::string_view reason);

@@ -91,6 +91,15 @@ class TextsInCode(unittest.TestCase):
         self.assertEqual([], usage("", code))
         self.assertEqual([], usage("", 'report("it failed")', is_program=False))
 
+    def test_english_of_other_parts_is_what_they_say(self):
+        code = {"P.cpp": 'fmt::format("{} is gone ({}); "\n"nothing was \\"lost\\"", a, b) + "it was read: " + c; // "no more"'}
+        table = '"said-a" = "%1$@ is gone (%2$@); nothing was \\"lost\\"";\n"said-b" = "it was read: %1$@";'
+        self.assertEqual([], list(string_tables.said_faults(table, code)))
+        self.assertEqual([], usage(table, ""))
+        self.assertEqual(
+            ['"said-a": nobody in Platform says "no more"'], list(string_tables.said_faults('"said-a" = "no more";', code))
+        )
+
 
 if __name__ == "__main__":
     unittest.main()

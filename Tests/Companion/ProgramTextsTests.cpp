@@ -8,12 +8,14 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <set>
 #include <sstream>
 #include <string>
+#include <system_error>
 #include <vector>
 
 namespace {
@@ -114,6 +116,60 @@ TEST_F(SpanishTextsTests, aYesCountsInSpanishAndInEnglish) {
         EXPECT_EQ(Companion::Texts::yesOrNo(no), false) << no;
     for (auto const* neither : {"", " ", "y yes", "quizás", "\xFF"})
         EXPECT_EQ(Companion::Texts::yesOrNo(neither), std::nullopt) << neither;
+}
+
+TEST_F(SpanishTextsTests, whatOtherPartsSayIsTranslatedWithWhatItQuotes) {
+    using Companion::Texts::told;
+    EXPECT_EQ(told("/c/a.ics:12: the event has no DTSTART"), "/c/a.ics:12: el evento no tiene DTSTART");
+    EXPECT_EQ(told("/c/a.ics: it could not be read: it is larger than 64 MiB"),
+              "/c/a.ics: no se pudo leer: ocupa más de 64 MiB");
+    EXPECT_EQ(
+        told("/c: the list of calendar folders could not be read (Permission denied), so none of them is "
+             "shown; nothing was added."),
+        "/c: no se pudo leer la lista de carpetas de calendarios (Permiso denegado), así que no se muestra "
+        "ninguna; no se añadió nada.");
+    EXPECT_EQ(told("Something that nobody translated"), "Something that nobody translated");
+    EXPECT_EQ(told(""), "");
+    EXPECT_EQ(told("\xFF"), "\uFFFD");
+    EXPECT_EQ(Companion::Texts::cannotWrite("/x", "No space left on device"),
+              "no se pudo escribir /x, que queda como estaba: No queda espacio en el dispositivo");
+}
+
+TEST(EnglishTextsTests, whatOtherPartsSayStaysInEnglish) {
+    for (auto const* message : {"/c/a.ics:12: the event has no DTSTART", "Permission denied", "a: b"})
+        EXPECT_EQ(Companion::Texts::told(message), message);
+}
+
+TEST(SystemErrorTests, theTableSaysThemAsTheSystemDoes) {
+    struct Row {
+        int error;
+        char const* key;
+    };
+    for (auto const& row : {
+             Row{EACCES, "errno-permission-denied"},
+             Row{EPERM, "errno-operation-not-permitted"},
+             Row{ENOENT, "errno-no-such-file"},
+             Row{EEXIST, "errno-file-exists"},
+             Row{ENOTDIR, "errno-not-a-directory"},
+             Row{EISDIR, "errno-is-a-directory"},
+             Row{ENOSPC, "errno-no-space"},
+             Row{EDQUOT, "errno-quota"},
+             Row{EROFS, "errno-read-only"},
+             Row{EFBIG, "errno-too-large"},
+             Row{EIO, "errno-input-output"},
+             Row{EPIPE, "errno-broken-pipe"},
+             Row{ELOOP, "errno-links"},
+             Row{ENAMETOOLONG, "errno-name-too-long"},
+             Row{EMFILE, "errno-open-files"},
+             Row{EAGAIN, "errno-not-available"},
+             Row{EBUSY, "errno-busy"},
+             Row{ENOMEM, "errno-memory"},
+             Row{EBADF, "errno-bad-descriptor"},
+         }) {
+        auto const table = tableAt(fs::path(QUILLORA_SOURCE_DIR) /
+                                   "Applications/Composition/Resources/en.lproj/Localizable.strings");
+        EXPECT_EQ(table.find(row.key), std::error_code(row.error, std::generic_category()).message());
+    }
 }
 
 TEST_F(SpanishTextsTests, everyPageOfHelpKeepsWithinEightyColumns) {

@@ -75,6 +75,17 @@ TEST_F(SpanishJourneys, errorsSayWhatToDo) {
     EXPECT_THAT(home.quillora({"day"}).errors, HasSubstr("los calendarios de este equipo aún no están "));
 }
 
+TEST_F(SpanishJourneys, whatTheCalendarStoreCouldNotReadIsToldInSpanish) {
+    home.setUp();
+    home.write(home.calendars() / "casa" / "sin.ics",
+               calendarFile("BEGIN:VEVENT\r\nUID:u1\r\nEND:VEVENT\r\n"));
+    EXPECT_THAT(home.quillora({"day"}).errors, HasSubstr("sin.ics:4: el evento no tiene DTSTART\n"));
+    home.write(home.configuration() / "calendar-store.json", "{");
+    EXPECT_THAT(home.quillora({"sources", "list"}).errors,
+                HasSubstr("la lista de carpetas de calendarios está dañada"));
+    EXPECT_THAT(home.quillora({"day", "--png", "/proc/day.png"}).errors, HasSubstr("no se pudo escribir"));
+}
+
 TEST(LanguageJourneys, theListOfLanguagesDecidesAndEnglishIsTheLastResort) {
     PrivateHome home;
     auto const heading = [&](std::string const& list, std::string const& language) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -33,6 +34,35 @@ TEST(TextPlaceholdersTests, aTextIsFilledInItsOwnOrder) {
              Row{.name = "empty", .text = "", .values = {}, .filled = ""},
          }) {
         EXPECT_EQ(Platform::withValues(row.text, row.values), row.filled) << row.name;
+    }
+}
+
+TEST(TextPlaceholdersTests, theValuesOfAFilledTextAreFoundAgain) {
+    struct Row {
+        char const* name;
+        std::string text;
+        std::string filled;
+        std::optional<std::vector<std::string>> values;
+    };
+    using Values = std::vector<std::string>;
+    for (auto const& row : {
+             Row{.name = "no place", .text = "it is gone", .filled = "it is gone", .values = Values{}},
+             Row{.name = "another text", .text = "it is gone", .filled = "it is here", .values = {}},
+             Row{.name = "in the middle", .text = "a %1$@ c", .filled = "a b c", .values = Values{"b"}},
+             Row{.name = "at both ends",
+                 .text = "%1$@: %2$@",
+                 .filled = "a: b: c",
+                 .values = Values{"a", "b: c"}},
+             Row{.name = "of nothing", .text = "(%1$@)", .filled = "()", .values = Values{""}},
+             Row{.name = "cut short", .text = "(%1$@) end", .filled = "(a) en", .values = {}},
+             Row{.name = "words overlap", .text = "ab%1$@bc", .filled = "abc", .values = {}},
+             Row{.name = "the words come again",
+                 .text = "%1$@; done",
+                 .filled = "a; done; done",
+                 .values = Values{"a; done"}},
+             Row{.name = "one is missing", .text = "%1$@ and %2$@", .filled = "a or b", .values = {}},
+         }) {
+        EXPECT_EQ(Platform::valuesIn(row.text, row.filled), row.values) << row.name;
     }
 }
 

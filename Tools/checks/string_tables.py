@@ -3,7 +3,8 @@
 
 Languages: the same keys, each once, with a text and the same placeholders; plural forms have ".other" at least.
 Code:      every key that code asks for is there, and none stands unused; a text has a place for each value that
-           its call gives; no program says anything that does not come from a table.
+           its call gives; no program says anything that does not come from a table. What a program translates
+           of other parts' English ("said-...") is what those parts say.
 
 Usage: string_tables.py SOURCE_FOLDER        exits 1 and names every fault, if there is one
 """
@@ -32,6 +33,12 @@ PROSE = re.compile(r"[A-Za-z]{2,}[,;:]? [A-Za-z]{2,}")
 # What is no text for a person though it looks like one: a command's path, an example's command line, and why
 # the process ends when a promise between parts of the program was broken.
 NO_TEXT = re.compile(rf'(?:\.path = |\bfatalError\(\s*){LITERAL}(?:\s*{LITERAL})*|"quillora(?:-widget)? {LITERAL[1:]}')
+
+
+# English of other parts that a program translates: that of the folders below, and the system's own ("errno-...", which
+# a test in C++ compares with what the system says).
+SAID = re.compile(r"^(said|errno)-")
+SAYING = "Platform"
 
 
 def read_table(text):
@@ -153,7 +160,24 @@ def usage_faults(english, sources, is_program):
                 if PROSE.search(literal):
                     yield f"{path}: {literal} belongs into a table"
     for base in sorted(set(bases) - literals):
-        yield f'"{base}" is used nowhere'
+        if not SAID.match(base):
+            yield f'"{base}" is used nowhere'
+
+
+def said_faults(english, sources):
+    """Texts that no code of `sources` says any more. It may put them together from several literals."""
+    said = set()
+    for code in sources.values():
+        for literals in re.findall(rf"{LITERAL}(?:\s*{LITERAL})*", without_comments(code)):
+            joined = "".join(literal[1:-1] for literal in re.findall(LITERAL, literals))
+            said.update(re.split(r"\{[^{}]*\}", joined))
+    said = "\n".join(sorted(said))
+    for key, text in read_table(english)[0]:
+        if key.startswith("said-"):
+            # A place may stand where words were put together in code, so each of the words is looked for.
+            for words in PLACEHOLDER.split(text):
+                if words not in said:
+                    yield f'"{key}": nobody in {SAYING} says "{words}"'
 
 
 def bundles_below(root):
@@ -187,7 +211,8 @@ def main(root):
                 tables[language] = file.read()
         sources = read_files(root, os.path.dirname(bundle))
         is_program = bundle.startswith("Applications")
-        for fault in [*faults(tables), *usage_faults(tables.get("en", ""), sources, is_program)]:
+        said = said_faults(tables.get("en", ""), read_files(root, SAYING)) if is_program else []
+        for fault in [*faults(tables), *usage_faults(tables.get("en", ""), sources, is_program), *said]:
             print(f"{bundle}: {fault}")
             bad += 1
     print(f"{count} bundles read, {bad} faults")
