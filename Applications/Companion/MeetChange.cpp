@@ -45,11 +45,11 @@ void changing(std::string const& whatWasNotDone, std::function<void()> const& ch
     try {
         change();
     } catch (Meetings::MeetValidationError const& error) {
-        throw CommandError::refused(whatWasNotDone, error.what());
+        throw CommandError::refused(whatWasNotDone, Texts::told(error.what()));
     } catch (Meetings::EventKitMeetRepositoryError const& error) {
-        throw CommandError::refused(whatWasNotDone, error.what());
+        throw CommandError::refused(whatWasNotDone, Texts::told(error.what()));
     } catch (Platform::EKError const& error) {
-        throw CommandError::refused(whatWasNotDone, error.what());
+        throw CommandError::refused(whatWasNotDone, Texts::told(error.what()));
     }
 }
 

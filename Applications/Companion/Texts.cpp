@@ -230,7 +230,7 @@ std::string cannotWrite(std::string_view path, std::string_view reason) {
 }
 
 std::string unwritableFile(std::string_view path, std::string_view reason) {
-    return text("unwritable-file", path, reason);
+    return text("unwritable-file", path, told(reason));
 }
 
 std::string changedElsewhere() {

@@ -83,11 +83,11 @@ std::string unreadableMoment(std::string_view moment) {
 }
 
 std::string notRead(std::string_view path, std::string_view cause) {
-    return text("not-read", path, cause);
+    return text("not-read", path, Composition::Texts::told(cause));
 }
 
 std::string notReadSince(std::string_view since, std::string_view path, std::string_view cause) {
-    return text("not-read-since", since, path, cause);
+    return text("not-read-since", since, path, Composition::Texts::told(cause));
 }
 
 std::string storedDayIsOutOfRange(std::int64_t storedDay) {

@@ -97,7 +97,7 @@ class TextsInCode(unittest.TestCase):
         self.assertEqual([], list(string_tables.said_faults(table, code)))
         self.assertEqual([], usage(table, ""))
         self.assertEqual(
-            ['"said-a": nobody in Platform says "no more"'], list(string_tables.said_faults('"said-a" = "no more";', code))
+            ['"said-a": nobody in Platform or Meetings says "no more"'], list(string_tables.said_faults('"said-a" = "no more";', code))
         )
 
 

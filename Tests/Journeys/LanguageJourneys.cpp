@@ -4,7 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <map>
+#include <ostream>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -85,6 +88,85 @@ TEST_F(SpanishJourneys, whatTheCalendarStoreCouldNotReadIsToldInSpanish) {
                 HasSubstr("la lista de carpetas de calendarios está dañada"));
     EXPECT_THAT(home.quillora({"day", "--png", "/proc/day.png"}).errors, HasSubstr("no se pudo escribir"));
 }
+
+// What a person's settings make of one day: the weekday is their locale's, texts and numbers are ours.
+struct Settings {
+    char const* name;
+    std::map<std::string, std::string> environment;
+    std::string header;
+    std::string allDay;
+    std::string more;
+};
+
+void PrintTo(Settings const& settings, std::ostream* stream) {
+    *stream << settings.name;
+}
+
+class SettingsJourneys : public testing::TestWithParam<Settings> {};
+
+TEST_P(SettingsJourneys, aDayHasItsWeekdayItsNumbersAndItsTexts) {
+    PrivateHome home;
+    home.setUp();
+    std::string events = event("d", "Feast", ";VALUE=DATE:20260311", ";VALUE=DATE:20260312");
+    for (int number = 0; number < 9; ++number)
+        events += event("u" + std::to_string(number), "Tea", ":20260311T080000Z", ":20260311T091500Z");
+    home.write(home.calendars() / "home" / "day.ics", calendarFile(events));
+    home.environment.erase("LANG");
+    for (auto const& [name, value] : GetParam().environment)
+        home.environment[name] = value;
+
+    auto const day = home.outputOf({"day", "--at", "2026-03-11T08:00", "--family", "large"});
+    EXPECT_THAT(day, testing::StartsWith(GetParam().header + "\n"));
+    EXPECT_THAT(day, HasSubstr("\n" + GetParam().allDay + "\n"));
+    EXPECT_THAT(day, HasSubstr("▌ 09:00 a.m.  Tea  1h 15m\n"));
+    EXPECT_THAT(day, testing::EndsWith("  " + GetParam().more + "\n"));
+    // What programs read is the same for everyone.
+    auto const json = home.outputOf({"day", "--json", "--at", "2026-03-11T08:00"});
+    EXPECT_THAT(json, HasSubstr(R"("date":"2026-03-11T07:00:00Z")"));
+    EXPECT_THAT(json, HasSubstr(R"("metDuration":4500)"));
+    // And a picture can be drawn with it, whichever way its script runs.
+    EXPECT_EQ(home.outputOf({"day", "--png", "-", "--at", "2026-03-11T08:00"}).substr(1, 3), "PNG");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Languages, SettingsJourneys,
+    testing::Values(Settings{"none", {}, "Wednesday 11", "All day", "+1 more"},
+                    Settings{"plain", {{"LANG", "C"}}, "Wednesday 11", "All day", "+1 more"},
+                    Settings{"spanish", {{"LANG", "es_ES.UTF-8"}}, "Miércoles 11", "Todo el día", "+1 más"},
+                    Settings{"mexican", {{"LANG", "es_MX.UTF-8"}}, "Miércoles 11", "Todo el día", "+1 más"},
+                    Settings{"everythingSpanish",
+                             {{"LC_ALL", "es_ES.UTF-8"}, {"LANG", "de_DE.UTF-8"}},
+                             "Miércoles 11",
+                             "Todo el día",
+                             "+1 más"},
+                    Settings{"arabic", {{"LANG", "ar_EG.UTF-8"}}, "الأربعاء 11", "All day", "+1 more"},
+                    Settings{"thai", {{"LANG", "th_TH.UTF-8"}}, "วันพุธ 11", "All day", "+1 more"},
+                    Settings{"persian", {{"LANG", "fa_IR.UTF-8"}}, "چهارشنبه 11", "All day", "+1 more"},
+                    Settings{"turkish", {{"LANG", "tr_TR.UTF-8"}}, "Çarşamba 11", "All day", "+1 more"},
+                    Settings{"german", {{"LANG", "de_DE.UTF-8"}}, "Mittwoch 11", "All day", "+1 more"},
+                    Settings{"japanese", {{"LANG", "ja_JP.UTF-8"}}, "水曜日 11", "All day", "+1 more"},
+                    Settings{"hebrew", {{"LANG", "he_IL.UTF-8"}}, "יום רביעי 11", "All day", "+1 more"},
+                    Settings{"japaneseTimes",
+                             {{"LANG", "es_ES.UTF-8"}, {"LC_TIME", "ja_JP.UTF-8"}},
+                             "水曜日 11",
+                             "Todo el día",
+                             "+1 más"},
+                    Settings{"spanishMessages",
+                             {{"LANG", "tr_TR.UTF-8"}, {"LC_MESSAGES", "es_ES.UTF-8"}},
+                             "Çarşamba 11",
+                             "Todo el día",
+                             "+1 más"},
+                    Settings{"spanishList",
+                             {{"LANG", "de_DE.UTF-8"}, {"LANGUAGE", "fi:es:en"}},
+                             "Mittwoch 11",
+                             "Todo el día",
+                             "+1 más"},
+                    Settings{"otherNumbers",
+                             {{"LANG", "C.UTF-8"}, {"LC_NUMERIC", "ar_EG.UTF-8"}},
+                             "Wednesday 11",
+                             "All day",
+                             "+1 more"}),
+    [](auto const& row) { return std::string(row.param.name); });
 
 TEST(LanguageJourneys, theListOfLanguagesDecidesAndEnglishIsTheLastResort) {
     PrivateHome home;

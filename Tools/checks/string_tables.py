@@ -38,7 +38,7 @@ NO_TEXT = re.compile(rf'(?:\.path = |\bfatalError\(\s*){LITERAL}(?:\s*{LITERAL})
 # English of other parts that a program translates: that of the folders below, and the system's own ("errno-...", which
 # a test in C++ compares with what the system says).
 SAID = re.compile(r"^(said|errno)-")
-SAYING = "Platform"
+SAYING = ("Platform", "Meetings")
 
 
 def read_table(text):
@@ -177,7 +177,7 @@ def said_faults(english, sources):
             # A place may stand where words were put together in code, so each of the words is looked for.
             for words in PLACEHOLDER.split(text):
                 if words not in said:
-                    yield f'"{key}": nobody in {SAYING} says "{words}"'
+                    yield f'"{key}": nobody in {" or ".join(SAYING)} says "{words}"'
 
 
 def bundles_below(root):
@@ -211,7 +211,8 @@ def main(root):
                 tables[language] = file.read()
         sources = read_files(root, os.path.dirname(bundle))
         is_program = bundle.startswith("Applications")
-        said = said_faults(tables.get("en", ""), read_files(root, SAYING)) if is_program else []
+        saying = {path: code for folder in SAYING for path, code in read_files(root, folder).items()}
+        said = said_faults(tables.get("en", ""), saying) if is_program else []
         for fault in [*faults(tables), *usage_faults(tables.get("en", ""), sources, is_program), *said]:
             print(f"{bundle}: {fault}")
             bad += 1
