@@ -27,6 +27,13 @@ std::optional<std::string> Environment::value(std::string_view name) const {
     return entry->second;
 }
 
+std::vector<std::string> Environment::assignments() const {
+    std::vector<std::string> lines;
+    for (auto const& [name, value] : variables)
+        lines.push_back(name + "=" + value);
+    return lines;
+}
+
 Environment Environment::setting(std::string name, std::string value) const {
     Environment copy = *this;
     copy.variables.insert_or_assign(std::move(name), std::move(value));

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace Foundation {
 
@@ -25,6 +26,9 @@ public:
 
     /// The variable's value; absent when unset. A set but empty variable yields an empty text.
     [[nodiscard]] std::optional<std::string> value(std::string_view name) const;
+
+    /// All of it as "NAME=value", ordered by name: what a child process is given.
+    [[nodiscard]] std::vector<std::string> assignments() const;
 
     /// A copy in which `name` is set to `value`.
     [[nodiscard]] Environment setting(std::string name, std::string value) const;

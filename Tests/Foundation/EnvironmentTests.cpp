@@ -27,4 +27,9 @@ TEST(EnvironmentTests, settingYieldsACopy) {
     EXPECT_EQ(changed.value("B"), "3");
 }
 
+TEST(EnvironmentTests, assignmentsAreAllOfItByName) {
+    Environment const environment({{"B", ""}, {"A", "1=2 3"}});
+    EXPECT_EQ(environment.assignments(), (std::vector<std::string>{"A=1=2 3", "B="}));
+}
+
 } // namespace

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "Foundation/Environment.h"
+
+#include <chrono>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// Other programs, run to their end without a terminal.
+namespace Platform::ChildProgram {
+
+/// The program of that name in the first folder of PATH that has one. A relative folder is passed over: what
+/// it names depends on where this program was started.
+std::optional<std::filesystem::path> find(Foundation::Environment const& environment, std::string_view name);
+
+/// Runs it with these arguments in this environment, its standard streams on /dev/null, and yields its exit
+/// code. Absent when it does not start, is ended by a signal, or is not done in time: then it is ended.
+std::optional<int> run(std::filesystem::path const& program, std::vector<std::string> const& arguments,
+                       Foundation::Environment const& environment, std::chrono::milliseconds patience);
+
+} // namespace Platform::ChildProgram

@@ -1,0 +1,128 @@
+#include "Platform/Audio/ChildProgram.h"
+#include "Platform/Audio/ProgramSoundPlayer.h"
+#include "Platform/Audio/SpeechDispatcherSynthesizer.h"
+
+#include "Tests/Audio/StandInProgram.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <csignal>
+#include <string>
+
+namespace {
+
+using namespace Platform;
+using std::chrono_literals::operator""ms;
+
+constexpr std::chrono::minutes generous{2};
+
+class ProgramAudioTests : public testing::Test {
+protected:
+    [[nodiscard]] Foundation::Environment environment() const {
+        return Foundation::Environment({{"PATH", programs.path().string() + ":relative"}, {"SIGN", "ours"}});
+    }
+    [[nodiscard]] std::string words(std::string const& name) const { return wordsGivenTo(programs, name); }
+
+    TemporaryFolder programs;
+};
+
+TEST_F(ProgramAudioTests, aProgramIsFoundInTheFirstFolderThatHasIt) {
+    TemporaryFolder const other;
+    placeStandIn(programs, "one");
+    placeStandIn(other, "one");
+    placeStandIn(other, "two");
+    programs.place("two", "no program");
+    std::filesystem::create_directory(programs.path() / "three");
+    auto const find = [&](std::string const& path, std::string_view name) {
+        return ChildProgram::find(Foundation::Environment({{"PATH", path}}), name);
+    };
+    auto const both = "::/nonexistent:" + programs.path().string() + ":" + other.path().string() + ":";
+    EXPECT_EQ(find(both, "one"), programs.path() / "one");
+    EXPECT_EQ(find(both, "two"), other.path() / "two");
+    EXPECT_EQ(find(both, "three"), std::nullopt);
+    EXPECT_EQ(find("", "one"), std::nullopt);
+    EXPECT_EQ(ChildProgram::find(Foundation::Environment(), "one"), std::nullopt);
+}
+
+TEST_F(ProgramAudioTests, aProgramRunsInTheGivenEnvironmentAndItsExitCodeIsTold) {
+    placeStandIn(programs, "sign", "test \"$SIGN\" = ours && test -z \"$HOME\" && exit 7");
+    EXPECT_EQ(ChildProgram::run(programs.path() / "sign", {}, environment(), generous), 7);
+}
+
+TEST_F(ProgramAudioTests, aProgramHasNoneOfOurStreams) {
+    placeStandIn(programs, "streams",
+                 "for end in 0 1 2; do [ \"$(readlink /proc/$$/fd/$end)\" = /dev/null ] || exit 1; done");
+    EXPECT_EQ(ChildProgram::run(programs.path() / "streams", {},
+                                environment().setting("PATH", "/usr/bin:/bin"), generous),
+              0);
+}
+
+TEST_F(ProgramAudioTests, whatWeIgnoreEndsAProgramAsUsual) {
+    auto* const former = std::signal(SIGPIPE, SIG_IGN);
+    placeStandIn(programs, "broken", "kill -PIPE $$\nexit 0");
+    EXPECT_EQ(ChildProgram::run(programs.path() / "broken", {}, environment(), generous), std::nullopt);
+    std::signal(SIGPIPE, former);
+}
+
+TEST_F(ProgramAudioTests, aProgramThatDoesNotStartOrDoesNotEndHasNoExitCode) {
+    EXPECT_EQ(ChildProgram::run(programs.path() / "missing", {}, environment(), generous), std::nullopt);
+    placeStandIn(programs, "endless", "while :; do :; done");
+    EXPECT_EQ(ChildProgram::run(programs.path() / "endless", {}, environment(), 50ms), std::nullopt);
+    placeStandIn(programs, "killed", "kill -KILL $$");
+    EXPECT_EQ(ChildProgram::run(programs.path() / "killed", {}, environment(), generous), std::nullopt);
+}
+
+TEST_F(ProgramAudioTests, withoutASpeechProgramNothingCanSpeak) {
+    SpeechDispatcherSynthesizer speech(environment());
+    EXPECT_EQ(speech.speak({.text = "a", .languageCode = "en"}), std::unexpected(AudioFailure::unavailable));
+}
+
+TEST_F(ProgramAudioTests, theTextIsGivenWithItsLanguageAndCannotBeAnOption) {
+    placeStandIn(programs, "spd-say");
+    SpeechDispatcherSynthesizer speech(environment(), generous);
+    EXPECT_TRUE(speech.speak({.text = "--wait \"$HOME\" `x`\nTienes a ñ.", .languageCode = "es-CO"}));
+    EXPECT_EQ(words("spd-say"), "<--application-name>\n<Quillora>\n<--priority>\n<important>\n<--language>\n"
+                                "<es-CO>\n<-->\n<--wait \"$HOME\" `x` Tienes a ñ.>\n");
+}
+
+TEST_F(ProgramAudioTests, anEndlessTextIsCut) {
+    placeStandIn(programs, "spd-say");
+    SpeechDispatcherSynthesizer speech(environment(), generous);
+    EXPECT_TRUE(speech.speak({.text = std::string(5'000'000, 'a'), .languageCode = "en"}));
+    EXPECT_LT(words("spd-say").size(), 1000U);
+}
+
+TEST_F(ProgramAudioTests, aSpeechProgramThatFailsOrHangsHasRefused) {
+    placeStandIn(programs, "spd-say", "exit 1");
+    SpeechDispatcherSynthesizer failing(environment(), generous);
+    EXPECT_EQ(failing.speak({.text = "a", .languageCode = "en"}), std::unexpected(AudioFailure::refused));
+    placeStandIn(programs, "spd-say", "while :; do :; done");
+    SpeechDispatcherSynthesizer hanging(environment(), 50ms);
+    EXPECT_EQ(hanging.speak({.text = "a", .languageCode = "en"}), std::unexpected(AudioFailure::refused));
+}
+
+TEST_F(ProgramAudioTests, withoutAPlayerNothingCanPlay) {
+    EXPECT_EQ(ProgramSoundPlayer(environment()).play("/a.wav"), std::unexpected(AudioFailure::unavailable));
+}
+
+TEST_F(ProgramAudioTests, theFirstPlayerThatIsThereAndDoesItIsEnough) {
+    placeStandIn(programs, "paplay", "exit 1");
+    placeStandIn(programs, "canberra-gtk-play");
+    placeStandIn(programs, "aplay");
+    EXPECT_TRUE(ProgramSoundPlayer(environment(), generous).play("/so und.wav"));
+    EXPECT_EQ(words("paplay"), "</so und.wav>\n");
+    EXPECT_EQ(words("canberra-gtk-play"), "<--file>\n</so und.wav>\n");
+    EXPECT_EQ(words("aplay"), "");
+}
+
+TEST_F(ProgramAudioTests, whenEveryPlayerFailsTheyHaveRefused) {
+    for (auto const* name : {"pw-play", "paplay", "canberra-gtk-play", "aplay"})
+        placeStandIn(programs, name, "exit 1");
+    EXPECT_EQ(ProgramSoundPlayer(environment(), generous).play("/a.wav"),
+              std::unexpected(AudioFailure::refused));
+    EXPECT_EQ(words("pw-play"), "</a.wav>\n");
+    EXPECT_EQ(words("aplay"), "<--quiet>\n</a.wav>\n");
+}
+
+} // namespace
