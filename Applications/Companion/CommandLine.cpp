@@ -71,6 +71,11 @@ void checkArguments(Command const& command, std::vector<std::string> const& give
     if (!takesMore && given.size() > command.arguments.size())
         throw CommandError::wrongUse(
             Texts::unexpectedArgument(command.path, given[command.arguments.size()]));
+    for (std::size_t index = 0; index < std::min(given.size(), command.arguments.size()); ++index) {
+        auto const& [name, help, kind, count, choices] = command.arguments[index];
+        if (!choices.empty() && std::ranges::find(choices, given[index]) == choices.end())
+            throw CommandError::wrongUse(Texts::unknownChoice(name, given[index], choices));
+    }
 }
 
 // The deepest command or group that the first words name; they are taken off `words`.

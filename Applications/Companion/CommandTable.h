@@ -33,6 +33,7 @@ struct CommandArgument {
     std::string help;
     ValueKind kind = ValueKind::text;
     Count count = Count::one;
+    std::vector<std::string> choices = {}; ///< The only values it takes; empty when it is open.
 };
 
 /// A command line worth showing, with what it does.

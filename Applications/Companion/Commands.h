@@ -43,6 +43,16 @@ Command providersEnableCommand();
 Command providersDisableCommand();
 Command providersRemoveCommand();
 
+Command alarmGroup();
+Command alarmModeCommand();
+Command alarmVoiceCommand();
+Command alarmTemplateCommand();
+Command alarmCalendarsGroup();
+Command alarmCalendarsListCommand();
+Command alarmCalendarsAddCommand();
+Command alarmCalendarsRemoveCommand();
+Command alarmPreviewCommand();
+
 Command occurrencesCommand();
 Command htmlLineCommand();
 

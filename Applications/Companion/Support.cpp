@@ -1,5 +1,6 @@
 #include "Applications/Companion/Support.h"
 
+#include "Applications/Companion/AlarmTexts.h"
 #include "Applications/Companion/ConsoleLogSink.h"
 #include "Applications/Companion/Texts.h"
 #include "Foundation/DateFormatting.h"
@@ -37,6 +38,16 @@ std::shared_ptr<Platform::ConsentRecord const> requiredConsent(Composition::Live
     auto consent = services.consent();
     if (!consent) throw CommandError::failed(Texts::noHome());
     return consent;
+}
+
+std::shared_ptr<Platform::UserDefaults> requiredDefaults(Composition::LiveServices& services) {
+    auto defaults = services.userDefaults();
+    if (!defaults) throw CommandError::failed(Texts::noHome());
+    return defaults;
+}
+
+void requireSaved(std::error_code failure) {
+    if (failure) throw CommandError::failed(Texts::settingNotSaved(failure.message()));
 }
 
 std::filesystem::path absolutePath(std::string_view text) {

@@ -4,6 +4,7 @@
 #include "Applications/Companion/WriteWitness.h"
 #include "Applications/Composition/LiveServices.h"
 #include "Foundation/Calendar.h"
+#include "Platform/Defaults/UserDefaults.h"
 #include "Platform/EventStore/Folder/CalendarStoreConfiguration.h"
 #include "Platform/EventStore/Folder/ConsentRecord.h"
 
@@ -24,6 +25,10 @@ std::unique_ptr<Composition::LiveServices> liveServices(Invocation const& invoca
 std::shared_ptr<Platform::CalendarStoreConfiguration const>
 requiredConfiguration(Composition::LiveServices& services);
 std::shared_ptr<Platform::ConsentRecord const> requiredConsent(Composition::LiveServices& services);
+std::shared_ptr<Platform::UserDefaults> requiredDefaults(Composition::LiveServices& services);
+
+/// Throws CommandError with ExitCode::failed when a setting could not be stored.
+void requireSaved(std::error_code failure);
 
 /// `text` as an absolute path without "." and ".."; relative ones start at the working directory.
 std::filesystem::path absolutePath(std::string_view text);

@@ -8,6 +8,7 @@
 #include "Platform/Clock/FixedClock.h"
 #include "Platform/Clock/SystemClock.h"
 #include "Platform/Clock/SystemRegionSettings.h"
+#include "Platform/Defaults/FileUserDefaults.h"
 #include "Platform/EventStore/Folder/CalendarStorePlaces.h"
 #include "Platform/EventStore/Folder/FolderEventStore.h"
 #include "Platform/Files/PosixFileLocks.h"
@@ -63,6 +64,7 @@ struct LiveServices::Parts {
     std::shared_ptr<Platform::TextProvider const> meetingsTexts;
     std::shared_ptr<Platform::CalendarStoreConfiguration const> configuration;
     std::shared_ptr<Platform::ConsentRecord const> consent;
+    std::shared_ptr<Platform::UserDefaults> userDefaults;
     std::shared_ptr<Platform::EKEventStore> eventStore;
     std::shared_ptr<Meetings::EventKitStoring> eventKitStore;
 
@@ -176,6 +178,16 @@ std::shared_ptr<Platform::ConsentRecord const> LiveServices::consent() {
     if (!places) return nullptr;
     return once(parts->consent, [&] {
         return std::make_shared<Platform::ConsentRecord>(places->configurationDirectory, files());
+    });
+}
+
+std::shared_ptr<Platform::UserDefaults> LiveServices::userDefaults() {
+    std::scoped_lock const lock(parts->mutex);
+    auto const places = calendarPlaces();
+    if (!places) return nullptr;
+    return once(parts->userDefaults, [&] {
+        return std::make_shared<Platform::FileUserDefaults>(places->configurationDirectory, files(),
+                                                            std::make_shared<Platform::PosixFileLocks>());
     });
 }
 

@@ -21,6 +21,7 @@ class LogSink;
 class NotificationCenter;
 class RegionSettings;
 class TextProvider;
+class UserDefaults;
 class WidgetCenter;
 struct CalendarStorePlaces;
 } // namespace Platform
@@ -81,6 +82,9 @@ public:
     /// The person's calendar sources and consent. Null when the environment names no home.
     std::shared_ptr<Platform::CalendarStoreConfiguration const> calendarConfiguration();
     std::shared_ptr<Platform::ConsentRecord const> consent();
+
+    /// The person's settings. Null when the environment names no home.
+    std::shared_ptr<Platform::UserDefaults> userDefaults();
 
     /// The one calendar store of the process, and the packages' view of it. Throw Platform::EKError when the
     /// environment names no home.

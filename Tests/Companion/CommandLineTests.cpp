@@ -147,8 +147,19 @@ INSTANTIATE_TEST_SUITE_P(
         WrongUse{"argumentWhereNoneIs",
                  {"day", "tomorrow"},
                  R"(day does not take "tomorrow"; see "quillora day --help")"},
+        WrongUse{"argumentThatIsNoneOfItsValues",
+                 {"alarm", "mode", "Hero"},
+                 R"(MODE takes voice, hero or funk, not "Hero")"},
+        WrongUse{"oneMoreThanAnArgumentThatMayBeLeftOut",
+                 {"alarm", "mode", "hero", "funk"},
+                 R"(alarm mode does not take "funk"; see "quillora alarm mode --help")"},
         WrongUse{"lineBreakInAWord", {"da\ny"}, R"(there is no command "da y"; see "quillora --help")"}),
     [](auto const& instance) { return instance.param.name; });
+
+TEST(CommandLineTests, anArgumentMayBeLeftOutOrEmpty) {
+    EXPECT_EQ(parsedCommand({"alarm", "template"}).values.arguments(), Words{});
+    EXPECT_EQ(parsedCommand({"alarm", "template", ""}).values.arguments(), Words{""});
+}
 
 TEST(CommandLineTests, bytesThatAreNoTextAreShownAsSuch) {
     try {
