@@ -1,13 +1,13 @@
 #include "Applications/Composition/LiveServices.h"
+#include "Applications/Watching/CalendarWatches.h"
+#include "Applications/Watching/PreferenceWatches.h"
 #include "Applications/Widget/CalendarHealth.h"
-#include "Applications/Widget/CalendarWatches.h"
 #include "Applications/Widget/DayPresses.h"
 #include "Applications/Widget/DesktopLooks.h"
 #include "Applications/Widget/EntryChanges.h"
 #include "Applications/Widget/FaceContent.h"
 #include "Applications/Widget/FirstFrame.h"
 #include "Applications/Widget/Notices.h"
-#include "Applications/Widget/PreferenceWatches.h"
 #include "Applications/Widget/Texts.h"
 #include "Applications/Widget/WidgetOptions.h"
 #include "Foundation/Locale.h"
@@ -78,7 +78,7 @@ int runWidget(Widget::WidgetOptions const& options, Foundation::Environment cons
 
     // The road: the host asks the provider, and what it answers becomes the face in the window.
     std::optional<Platform::FaceWindow> window;
-    std::optional<Widget::PreferenceWatches> watches;
+    std::optional<Watching::PreferenceWatches> watches;
     std::optional<Widget::CalendarHealth> health;
     Widget::Notices notices;
     auto const showNotices = [&] { window->setNotice(notices.text(services.region()->currentCalendar())); };
@@ -150,7 +150,7 @@ int runWidget(Widget::WidgetOptions const& options, Foundation::Environment cons
                                          });
                                      });
     auto const places = services.calendarPlaces();
-    std::optional<Widget::CalendarWatches> calendars;
+    std::optional<Watching::CalendarWatches> calendars;
     if (places) {
         calendars.emplace(folderEvents, *places, services.calendarConfiguration(), taskThread.executor(),
                           mainLoop, reload);

@@ -2,7 +2,7 @@
 
 #include "Tests/EventStore/TemporaryFolder.h"
 
-#include "Applications/Widget/CalendarWatches.h"
+#include "Applications/Watching/CalendarWatches.h"
 #include "Platform/Files/InMemoryFileManager.h"
 #include "Platform/WidgetHost/GLibMainLoop.h"
 #include "Platform/WidgetHost/TaskThread.h"
@@ -17,7 +17,7 @@
 namespace {
 
 namespace fs = std::filesystem;
-using Kind = Widget::WatchedPlace::Kind;
+using Kind = Watching::WatchedPlace::Kind;
 
 /// A person with one source of calendars, watched on the real kernel and the real loop.
 class CalendarWatchesTests : public testing::Test {
@@ -56,7 +56,7 @@ protected:
             told = changes;
             bool isOver = false;
             auto const later = Platform::GLibSource::afterDelay(
-                3 * Widget::CalendarWatches::settlingMilliseconds, [&] { isOver = true; });
+                3 * Watching::CalendarWatches::settlingMilliseconds, [&] { isOver = true; });
             LoopDriver::runUntil([&] { return isOver; });
             finishListings();
         }
@@ -83,7 +83,7 @@ protected:
     Platform::GLibMainLoop mainLoop;
     Platform::FolderEvents events;
     Platform::TaskThread thread;
-    std::optional<Widget::CalendarWatches> watches;
+    std::optional<Watching::CalendarWatches> watches;
     int changes = 0;
     int seen = 0;
 };
@@ -178,10 +178,10 @@ TEST_F(CalendarWatchesTests, aRingOfLinksEndsTheWay) {
 
 TEST_F(CalendarWatchesTests, theWayToAMissingSourceEndsAtWhatIsMissing) {
     fs::create_directory(home / "some");
-    auto found = Widget::watchedPlaces(places(), *configuration);
+    auto found = Watching::watchedPlaces(places(), *configuration);
     std::erase_if(found, [](auto const& place) { return place.kind == Kind::itself; });
     EXPECT_EQ(found,
-              (std::vector<Widget::WatchedPlace>{
+              (std::vector<Watching::WatchedPlace>{
                   {.kind = Kind::entry, .folder = fs::canonical(home.path()), .name = "own"},
                   {.kind = Kind::entry, .folder = fs::canonical(home.path()) / "some", .name = "where"}}));
 }

@@ -2,13 +2,13 @@
 
 #include "Tests/EventStore/TemporaryFolder.h"
 
+#include "Applications/Watching/WatchedPlaces.h"
 #include "Applications/Widget/CalendarHealth.h"
 #include "Applications/Widget/DayPresses.h"
 #include "Applications/Widget/DesktopLooks.h"
 #include "Applications/Widget/EntryChanges.h"
 #include "Applications/Widget/FaceContent.h"
 #include "Applications/Widget/Notices.h"
-#include "Applications/Widget/WatchedPlaces.h"
 #include "Foundation/DateFormatting.h"
 #include "Foundation/Locale.h"
 #include "Platform/Appearance/FixedAppearance.h"
@@ -41,7 +41,7 @@ using Foundation::Calendar;
 using Foundation::Date;
 using Meetings::MeetEntity;
 using Platform::EntryKind;
-using Widget::WatchedPlace;
+using Watching::WatchedPlace;
 using WidgetExtension::ScheduleWidgetEntry;
 
 Date moment(char const* text) {
@@ -191,7 +191,7 @@ TEST(WatchedPlacesTests, rootsPastTheMostAndRelativeOnesAreLeftOut) {
     files->place("/config/calendar-store.json", R"({"version":1,"sources":[)" + sources + "]}");
     Platform::CalendarStoreConfiguration const configuration("/config", files);
     ASSERT_EQ(configuration.load().roots.size(), 601U);
-    auto places = Widget::watchedPlaces(
+    auto places = Watching::watchedPlaces(
         {.configurationDirectory = "/config", .nativeCalendar = home / "none"}, configuration);
     EXPECT_LE(places.size(), 1024U);
     std::erase_if(places, [](auto const& place) { return place.kind != WatchedPlace::Kind::calendars; });

@@ -9,7 +9,7 @@
 #include <optional>
 #include <vector>
 
-namespace Widget {
+namespace Watching {
 
 /// Notices what other processes change: the shared preference files, the calendar store's own files, the
 /// system's time zone.
@@ -27,4 +27,4 @@ private:
     std::vector<std::unique_ptr<Platform::FolderWatch>> watches;
 };
 
-} // namespace Widget
+} // namespace Watching

@@ -1,8 +1,8 @@
-#include "Applications/Widget/CalendarWatches.h"
+#include "Applications/Watching/CalendarWatches.h"
 
 #include <utility>
 
-namespace Widget {
+namespace Watching {
 
 CalendarWatches::CalendarWatches(Platform::FolderEvents& events, Platform::CalendarStorePlaces places,
                                  std::shared_ptr<Platform::CalendarStoreConfiguration const> configuration,
@@ -82,4 +82,4 @@ void CalendarWatches::changed() {
     });
 }
 
-} // namespace Widget
+} // namespace Watching

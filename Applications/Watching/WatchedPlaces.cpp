@@ -1,10 +1,10 @@
-#include "Applications/Widget/WatchedPlaces.h"
+#include "Applications/Watching/WatchedPlaces.h"
 
 #include <algorithm>
 #include <set>
 #include <system_error>
 
-namespace Widget {
+namespace Watching {
 
 namespace {
 
@@ -115,4 +115,4 @@ std::vector<WatchedPlace> watchedPlaces(Platform::CalendarStorePlaces const& pla
     return all;
 }
 
-} // namespace Widget
+} // namespace Watching

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-namespace Widget {
+namespace Watching {
 
 /// A folder to watch, and what matters in it.
 struct WatchedPlace {
@@ -32,4 +32,4 @@ struct WatchedPlace {
 std::vector<WatchedPlace> watchedPlaces(Platform::CalendarStorePlaces const& places,
                                         Platform::CalendarStoreConfiguration const& configuration);
 
-} // namespace Widget
+} // namespace Watching

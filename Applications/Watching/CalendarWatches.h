@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Applications/Widget/WatchedPlaces.h"
+#include "Applications/Watching/WatchedPlaces.h"
 #include "Foundation/Task.h"
 #include "Platform/EventStore/Folder/CalendarStoreConfiguration.h"
 #include "Platform/EventStore/Folder/CalendarStorePlaces.h"
@@ -13,7 +13,7 @@
 #include <memory>
 #include <vector>
 
-namespace Widget {
+namespace Watching {
 
 /// Notices when a program writes into the person's calendars, and when a folder of them is moved away, comes
 /// back or is made only later. On the main loop's thread but for the listing of folders, which may take long.
@@ -50,4 +50,4 @@ private:
     std::shared_ptr<CalendarWatches*> self;
 };
 
-} // namespace Widget
+} // namespace Watching

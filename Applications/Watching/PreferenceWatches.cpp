@@ -1,8 +1,8 @@
-#include "Applications/Widget/PreferenceWatches.h"
+#include "Applications/Watching/PreferenceWatches.h"
 
 #include <string>
 
-namespace Widget {
+namespace Watching {
 
 namespace {
 
@@ -38,4 +38,4 @@ void PreferenceWatches::renew() {
     }
 }
 
-} // namespace Widget
+} // namespace Watching
