@@ -1,0 +1,31 @@
+#pragma once
+
+#include "Platform/Workspace/Workspace.h"
+
+#include <utility>
+#include <vector>
+
+namespace Platform {
+
+/// Keeps what it was to open, and opens nothing.
+class RecordingWorkspace final : public Workspace {
+public:
+    /// From now on nothing opens, for this reason.
+    void failsWith(std::string reason) { failure = std::move(reason); }
+
+    void open(Foundation::URL const& link, Done done) override { take(link.absoluteString, done); }
+    void activateApplication(std::string const& identifier, Done done) override { take(identifier, done); }
+
+    /// Links and applications, in order.
+    std::vector<std::string> opened;
+
+private:
+    void take(std::string const& what, Done const& done) {
+        if (failure.empty()) opened.push_back(what);
+        if (done) done(failure);
+    }
+
+    std::string failure;
+};
+
+} // namespace Platform

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "Foundation/URL.h"
+
+#include <functional>
+#include <string>
+
+namespace Platform {
+
+/// The desktop's way to bring other programs before the person. For the main loop's thread, which is also
+/// told the outcome, perhaps within the call: an empty text, or why nothing opened.
+class Workspace {
+public:
+    using Done = std::function<void(std::string const& failure)>;
+
+    virtual ~Workspace() = default;
+
+    /// Opens a link in the program that the person chose for its kind.
+    virtual void open(Foundation::URL const& link, Done done) = 0;
+
+    /// Starts the application of that name on the session bus, or brings its window forward.
+    virtual void activateApplication(std::string const& identifier, Done done) = 0;
+};
+
+} // namespace Platform
