@@ -161,14 +161,19 @@ int runWidget(Widget::WidgetOptions const& options, Foundation::Environment cons
                            showNotices();
                        });
     }
-    watches.emplace(folderEvents, *services.files(),
-                    places.transform([](auto const& known) { return known.configurationDirectory; }), [&] {
-                        withdrawWhenAnswered(*consentDialog, services);
-                        host->reload();
-                        if (calendars) {
-                            calendars->update();
-                        }
-                    });
+    watches.emplace(
+        folderEvents, *services.files(),
+        places.transform([](auto const& known) { return known.configurationDirectory; }),
+        Watching::PreferenceFiles{.shared = {"scheduleWidgetDayOffset.json", "hiddenCalendarIdentifiers.json",
+                                             "enabledCalendarAccounts.json"},
+                                  .configuration = {"calendar-store.json", "calendar-access.json"}},
+        [&] {
+            withdrawWhenAnswered(*consentDialog, services);
+            host->reload();
+            if (calendars) {
+                calendars->update();
+            }
+        });
     auto const bus = Platform::sessionBusAddress(environment);
     Platform::ReloadListener const listener(bus, reload);
     Platform::PortalAppearanceWatch const appearanceWatch(bus, [&] { looks.askAgain(); });
