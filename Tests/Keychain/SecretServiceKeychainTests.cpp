@@ -1,12 +1,15 @@
 #include "Platform/Keychain/SecretServiceKeychain.h"
+#include "Platform/Keychain/SystemRandomSource.h"
 #include "Tests/Keychain/PrivateKeyring.h"
 #include "Tests/Keychain/StubSecretService.h"
+#include "Tests/Platform/MemoryScan.h"
 
 #include <gtest/gtest.h>
 
 #include <chrono>
 #include <cstdlib>
 #include <future>
+#include <optional>
 
 namespace {
 
@@ -80,6 +83,24 @@ TEST(SecretServiceKeychainTests, aDaemonThatStartsLockedDoesNotSayThatTheKeyIsMi
     keyring.stop();
     keyring.start(PrivateKeyring::Login::unlocked);
     EXPECT_EQ(keychain.copyMatching(theKey).data, theBytes);
+}
+
+TEST(SecretServiceKeychainTests, noCopyOfAKeyStaysInThisProcess) {
+    PrivateBus const bus;
+    PrivateKeyring keyring(bus);
+    keyring.start(PrivateKeyring::Login::unlocked);
+    SecretServiceKeychain keychain;
+    auto key = std::make_optional(SecretBytes::filledBy(64, [](auto bytes) {
+        Platform::SystemRandomSource random;
+        ASSERT_EQ(random.copyBytes(bytes), 0);
+    }));
+    MemoryScan const scan(key->bytes());
+    ASSERT_EQ(keychain.add(theKey, *key), KeychainStatus::success);
+    EXPECT_EQ(keychain.copyMatching(theKey).data, *key);
+    EXPECT_GE(scan.find().outsideCoreDumps, 1);
+    EXPECT_EQ(scan.find().inCoreDumps, 0);
+    key.reset();
+    EXPECT_EQ(scan.find().outsideCoreDumps, 0);
 }
 
 TEST(SecretServiceKeychainTests, aKeyThatAKillFollowsIsKept) {

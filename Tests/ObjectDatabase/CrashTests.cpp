@@ -137,6 +137,41 @@ TEST_F(CrashTests, killsAtAnyMomentLoseNothingBesideAnotherWriter) {
     EXPECT_LE(counter("steady"), told + 1);
 }
 
+TEST_F(CrashTests, aWriterKilledAtAnySystemCallBesideAnotherWriterLosesNothing) {
+    auto const kills = FaultScale::of(1000);
+    ASSERT_TRUE(setCounter("killed", 0));
+    KilledProcess::Repeating steady([&](int time) { return setCounter("steady", time); });
+    int steadyDone = 0;
+    int killed = 0;
+    int wholeWritings = 0; // Each after a kill at every one of its system calls.
+    for (int stop = 1; killed < kills || wholeWritings == 0; ++stop) {
+        auto const before = counter("killed");
+        auto const outcome =
+            KilledProcess::killedAtSystemCall(stop, [&] { return setCounter("killed", before + 1); });
+        if (outcome == Outcome::notPermitted) GTEST_SKIP() << "no process may be traced here";
+        ASSERT_NE(outcome, Outcome::failed) << stop;
+        auto const after = counter("killed");
+        ASSERT_GE(after, before) << stop;
+        ASSERT_LE(after, before + 1) << stop;
+        if (outcome == Outcome::finished) {
+            ASSERT_EQ(after, before + 1);
+            EXPECT_GT(stop, 40);
+            ++wholeWritings;
+            stop = 0;
+        } else {
+            ++killed;
+        }
+        // The other writer has lost nothing, and goes on.
+        ASSERT_GE(counter("steady"), steadyDone) << stop;
+        ASSERT_TRUE(steady.awaitDone(++steadyDone)) << stop;
+    }
+    auto const told = steady.kill();
+    EXPECT_GE(counter("steady"), told);
+    EXPECT_LE(counter("steady"), told + 1);
+    RecordProperty("kills", killed);
+    RecordProperty("wholeWritings", wholeWritings);
+}
+
 TEST_F(CrashTests, twoProcessesLoseNothingToEachOther) {
     constexpr int each = 40;
     {

@@ -1,12 +1,15 @@
 #include "Platform/Clock/FixedClock.h"
+#include "Platform/Files/FileDescriptor.h"
 #include "Platform/ObjectDatabase/Quarantine.h"
 #include "Platform/ObjectDatabase/SealedObjectDatabaseEngine.h"
 #include "Tests/ObjectDatabase/DatabaseFixtures.h"
+#include "Tests/Platform/FaultScale.h"
 #include "Tests/Platform/OrdinaryUser.h"
 #include "Tests/Platform/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -141,6 +144,43 @@ TEST_F(SealedObjectDatabaseTests, whatAKilledWriterLeftIsNoHindrance) {
     ASSERT_TRUE(write({person("b", "Bob")}).has_value());
     EXPECT_EQ(people().size(), 2U);
     EXPECT_FALSE(names().contains("Tests.realm.new"));
+}
+
+TEST_F(SealedObjectDatabaseTests, everyFlippedBitAndEveryCutOfTheFileIsFound) {
+    std::vector<PersistedObject> many;
+    for (int count = 0; count < 80; ++count)
+        many.push_back(person(std::to_string(count), "Ada"));
+    ASSERT_TRUE(write(many).has_value());
+    auto const whole = contentOf(file);
+    auto const flips = static_cast<std::size_t>(FaultScale::of(90'000));
+    auto const cuts = static_cast<std::size_t>(FaultScale::of(10'000));
+    ASSERT_GE(whole.size() * 8, flips);
+    ASSERT_GT(whole.size(), cuts);
+    Platform::FileDescriptor const written(::open(file.c_str(), O_WRONLY | O_CLOEXEC));
+    auto const restore = [&](std::size_t from, std::size_t count) {
+        auto const place = static_cast<off_t>(from);
+        ASSERT_EQ(::pwrite(written.get(), whole.data() + from, count, place), static_cast<ssize_t>(count));
+    };
+    auto const isFound = [&] {
+        auto const opened = engine.open(at(file));
+        return !opened &&
+               (opened.error().kind == Kind::wrongKeyOrDamaged || opened.error().kind == Kind::foreignFile);
+    };
+    for (std::size_t flip = 0; flip < flips; ++flip) {
+        auto const bit = flip * (whole.size() * 8) / flips;
+        auto const changed = static_cast<char>(whole[bit / 8] ^ (1 << (bit % 8)));
+        ASSERT_EQ(::pwrite(written.get(), &changed, 1, static_cast<off_t>(bit / 8)), 1);
+        ASSERT_TRUE(isFound()) << "bit " << bit;
+        restore(bit / 8, 1);
+    }
+    // From one byte on: an empty file is a new database.
+    for (std::size_t cut = 0; cut < cuts; ++cut) {
+        auto const length = 1 + cut * (whole.size() - 1) / cuts;
+        ASSERT_EQ(::ftruncate(written.get(), static_cast<off_t>(length)), 0);
+        ASSERT_TRUE(isFound()) << length << " bytes";
+        restore(length, whole.size() - length);
+    }
+    EXPECT_EQ(people().size(), 80U);
 }
 
 TEST_F(SealedObjectDatabaseTests, whatIsNoDatabaseDoesNotOpenAndGoesToQuarantine) {

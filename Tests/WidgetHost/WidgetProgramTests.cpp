@@ -257,6 +257,28 @@ TEST_F(WidgetProgramTests, hiddenCalendarLeavesAtOnce) {
                     .has_value());
 }
 
+TEST_F(WidgetProgramTests, providerThatIsDisabledLeavesAtOnceAndComesBack) {
+    auto const quillora = [&](std::vector<std::string> words) {
+        words.insert(words.begin(), QUILLORA_BUILD_DIR "/bin/quillora");
+        ChildProcess command(words, environment);
+        EXPECT_EQ(command.wait(), 0) << command.errorText();
+    };
+    std::filesystem::remove(home / "data/group.quillora/enabledCalendarAccounts.json");
+    open();
+    auto const isEmptyFace = [](auto const& shown) {
+        return shown.count(wednesdayColor) == 0 && shown.count(lightBrand) > 0;
+    };
+    ASSERT_TRUE(screen.pictureWhen(title, isEmptyFace).has_value());
+    quillora({"setup", "--yes", "--keychain", "file"});
+    EXPECT_TRUE(showsWednesday()) << "registered";
+    quillora({"providers", "disable", "eventKit"});
+    EXPECT_TRUE(screen.pictureWhen(title, isEmptyFace).has_value()) << "disabled";
+    quillora({"providers", "enable", "eventKit"});
+    EXPECT_TRUE(showsWednesday()) << "enabled";
+    quillora({"providers", "remove", "eventKit"});
+    EXPECT_TRUE(screen.pictureWhen(title, isEmptyFace).has_value()) << "removed";
+}
+
 TEST_F(WidgetProgramTests, accessThatIsTakenBackShowsNoMeets) {
     open();
     ASSERT_TRUE(showsWednesday());
