@@ -64,7 +64,7 @@ ProviderSetup::Registry ProviderSetup::openedRegistry(bool& hasChanged) {
 
 bool ProviderSetup::isKeyFileWanted(CalendarProviders::ResultEntity const& failure) {
     if (takesDefaults || invocation.values.has("--keychain")) return false;
-    auto const kind = registryServices.keychainSetting()->load();
+    auto const kind = registryServices.chosenKeychain();
     if (!kind || *kind != KeychainKind::secretService) return false;
     return invocation.console.ask(Texts::offerKeyFile(messageOf(failure))) == true;
 }
@@ -114,7 +114,7 @@ CalendarProviderEntity ProviderSetup::thisComputer() const {
 }
 
 std::string ProviderSetup::whatWasNotDone() {
-    auto const kind = registryServices.keychainSetting()->load();
+    auto const kind = registryServices.chosenKeychain();
     return Texts::notSwitchedOn(kind && *kind == KeychainKind::secretService);
 }
 

@@ -45,6 +45,11 @@ std::expected<KeychainKind, std::string> KeychainSetting::load() const {
     return *kind;
 }
 
+bool KeychainSetting::isRecorded() const {
+    auto const content = files->contents(file());
+    return content || content.error() != std::errc::no_such_file_or_directory;
+}
+
 std::error_code KeychainSetting::save(KeychainKind kind) const {
     if (auto const failure = files->createDirectory(directory)) return failure;
     return files->writeAtomically(file(), "\"" + std::string(Foundation::rawValue(kind)) + "\"");

@@ -31,6 +31,9 @@ public:
     /// error, a sentence for the person: a key looked for in the wrong place would be made anew.
     [[nodiscard]] std::expected<KeychainKind, std::string> load() const;
 
+    /// Whether the person's choice is on record, readable or not.
+    [[nodiscard]] bool isRecorded() const;
+
     /// On an error the old choice stays. Keys are not moved.
     [[nodiscard]] std::error_code save(KeychainKind kind) const;
 

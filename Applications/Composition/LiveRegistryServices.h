@@ -2,6 +2,7 @@
 
 #include "Applications/Composition/KeychainSetting.h"
 #include "CalendarProviders/ResultEntity.h"
+#include "Platform/Files/FileLocks.h"
 #include "Platform/Keychain/Keychain.h"
 
 #include <expected>
@@ -28,6 +29,10 @@ public:
     /// Which keychain the person chose. Null when the environment names no home.
     std::shared_ptr<KeychainSetting const> keychainSetting();
 
+    /// The person's choice as it is now. Where only its record was lost, a key file tells it: none is made
+    /// unless it was asked for. The error is a sentence for the person, as for `keychain`.
+    std::expected<KeychainKind, std::string> chosenKeychain();
+
     /// The keychain of the person's choice, as it is now. The error is a sentence for the person: the choice
     /// cannot be read, or the environment names no home.
     std::expected<std::shared_ptr<Platform::Keychain>, std::string> keychain();
@@ -40,9 +45,9 @@ public:
     std::optional<std::filesystem::path> databaseFile();
 
     /// Records the person's choice, and yields whether it was another one before. Where a database of
-    /// providers exists, its key is first copied from the keychain in use, or else the choice is refused: no
-    /// registration is lost to a change of keychain. The error is a sentence for the person. Only where the
-    /// environment names a home.
+    /// providers exists, its key is first copied from the keychain in use, unless the other one holds the
+    /// right one already, or else the choice is refused: no registration is lost to a change of keychain. The
+    /// error is a sentence for the person. Only where the environment names a home.
     std::expected<bool, std::string> chooseKeychain(KeychainKind kind);
 
     std::shared_ptr<Platform::ObjectDatabaseEngine> objectDatabaseEngine();
@@ -54,6 +59,8 @@ public:
 private:
     std::shared_ptr<Platform::Keychain> keychainOf(KeychainKind kind);
     std::expected<void, std::string> carryKey(KeychainKind from, KeychainKind to);
+    bool opensDatabase(Platform::Keychain const& keychain);
+    std::unique_ptr<Platform::FileLocks::Held> lockForAFirstKey();
 
     LiveServices& services;
     std::shared_ptr<Platform::ObjectDatabaseEngine> engine;

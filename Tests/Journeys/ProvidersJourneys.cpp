@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <ostream>
 #include <sys/stat.h>
+#include <thread>
 
 namespace {
 
@@ -189,9 +190,43 @@ TEST_F(ProvidersJourneys, withoutAKeyringNoKeyIsMadeAndNothingIsTouched) {
     expectRefusal({"providers", "remove", "cal"},
                   "quillora: the provider \"cal\" was not removed\n" + refusal);
     EXPECT_EQ(home.snapshot(), before);
+}
 
-    fs::remove(home.configuration() / "keychain.json"); // No choice means the same keyring.
-    expectRefusal({"providers", "list"}, "quillora: the registered providers could not be read\n" + refusal);
+TEST_F(ProvidersJourneys, withoutAChoiceItIsTheKeyringOfTheDesktop) {
+    fs::remove(home.configuration() / "keychain.json");
+    expectRefusal({"providers", "list"},
+                  "quillora: the registered providers could not be read\n"
+                  "Keychain lookup failed with status -36; refusing to regenerate the encryption key\n");
+}
+
+TEST_F(ProvidersJourneys, aChoiceWhoseRecordWasLostIsToldByTheKeyFile) {
+    static_cast<void>(home.outputOf(addition));
+    fs::remove(home.configuration() / "keychain.json");
+    EXPECT_EQ(listed(), onlyCal);
+    static_cast<void>(home.outputOf({"setup", "--yes", "--keychain", "file"}));
+    EXPECT_EQ(home.contentOf(home.configuration() / "keychain.json"), "\"file\"");
+    EXPECT_EQ(listed(), onlyCal);
+}
+
+TEST_F(ProvidersJourneys, aKeychainThatHoldsTheRightKeyAlreadyNeedsNoOther) {
+    static_cast<void>(home.outputOf(addition));
+    home.write(home.configuration() / "keychain.json", "\"secret-service\""); // Which does not run.
+    static_cast<void>(home.outputOf({"setup", "--yes", "--keychain", "file"}));
+    EXPECT_EQ(listed(), onlyCal);
+}
+
+TEST_F(ProvidersJourneys, severalFirstSetUpsAtOnceMakeOneKey) {
+    std::vector<ProgramResult> results(6);
+    std::vector<std::thread> threads;
+    for (auto& result : results)
+        threads.emplace_back([&] { result = home.quillora({"setup", "--yes", "--keychain", "file"}); });
+    for (auto& thread : threads)
+        thread.join();
+    for (auto const& result : results)
+        EXPECT_EQ(result.exitCode, 0) << result.errors;
+    EXPECT_EQ(listed().size(), 1U);
+    for (auto const& entry : fs::directory_iterator(quillora()))
+        EXPECT_EQ(entry.path().filename().string().find("quarantined"), std::string::npos) << entry.path();
 }
 
 TEST_F(ProvidersJourneys, aChoiceThatNamesNoKeychainIsNotGuessed) {
@@ -295,6 +330,7 @@ TEST_F(ProvidersJourneys, withoutAKeyringTheSetUpForOneSaysSo) {
 TEST_F(ProvidersJourneys, aKeyringThatIsGoneForGoodIsLeftByTheWayThatIsNamed) {
     static_cast<void>(home.outputOf(addition));
     home.write(home.configuration() / "keychain.json", "\"secret-service\"");
+    fs::remove_all(quillora() / "Keychain");
     ASSERT_EQ(home.quillora({"setup", "--yes", "--keychain", "file"}).exitCode, 1);
     fs::rename(database(), home.folder() / "old");
     EXPECT_THAT(home.outputOf({"setup", "--yes", "--keychain", "file"}),

@@ -58,7 +58,7 @@ private:
     }
 
     void examineKeychain() {
-        auto const kind = registryServices.keychainSetting()->load();
+        auto const kind = registryServices.chosenKeychain();
         if (!kind) {
             findings.broken("keychain", kind.error(), Texts::mendKeychainChoice());
             return;
