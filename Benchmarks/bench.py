@@ -12,6 +12,7 @@ import database
 import html_reader
 import network
 import reader
+import saving
 import table
 import window
 from session import Session
@@ -55,6 +56,7 @@ def main(build, peers):
             session, f"{programs}/quillora-backend", f"{benchmarks}/quillora_bench_client_requests"
         )
         rows += database.measure(session, f"{benchmarks}/quillora_bench_database_operations")
+        rows += saving.measure(session, f"{benchmarks}/quillora_bench_save_event")
         rows += html_reader.measure(session, f"{benchmarks}/quillora_bench_read_html")
     table.show(rows)
 

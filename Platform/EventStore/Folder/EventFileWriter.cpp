@@ -4,12 +4,14 @@
 #include "Foundation/UUID.h"
 #include "Platform/EventStore/Folder/EditedFiles.h"
 #include "Platform/EventStore/Folder/EventDifference.h"
+#include "Platform/EventStore/Folder/FolderListing.h"
 #include "Platform/EventStore/Folder/OccurrenceMapping.h"
 #include "Platform/EventStore/Folder/RegularFile.h"
 #include "Platform/EventStore/ICalendar/EventTextWriter.h"
 #include "Platform/EventStore/ICalendar/SeriesEditor.h"
 #include "Platform/EventStore/ICalendar/TimeZoneWriter.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <cstdint>
@@ -87,6 +89,29 @@ std::vector<CalendarSource> readAll(std::vector<std::filesystem::path> const& pa
             throw EKError(
                 fmt::format("{} could not be read ({}); {}.", shown(path), read.error(), consequence));
     }
+    return sources;
+}
+
+// The file that the record was read from, if it is all that a change of this event alone concerns: then
+// nothing else of the calendar needs to be looked at, however much there is. Empty when the file is another's
+// by now, or when an exception stands apart from its series.
+std::vector<CalendarSource> sourceOfRecord(EKEvent const& event, CalendarPlace const& place,
+                                           std::string const& uid) {
+    std::filesystem::path const file(event.sourceFile);
+    std::error_code failure;
+    bool const isFile = place.kind == CalendarPlace::Kind::file;
+    bool const isOfCalendar =
+        std::filesystem::equivalent(isFile ? file : file.parent_path(), place.path, failure);
+    if (failure || !isOfCalendar || !isCalendarFileName(file.filename().string())) return {};
+    std::vector<CalendarSource> sources;
+    auto read = readRegularFile(file);
+    if (!read) return sources;
+    auto source = ICalendar::calendarSource(std::move(read->content), file.string());
+    bool const holdsMaster =
+        std::ranges::any_of(source.file->events, [&](ICalendar::EventComponent const& own) {
+            return own.uid == uid && !own.recurrenceId;
+        });
+    if (holdsMaster) sources.push_back(std::move(source));
     return sources;
 }
 
@@ -192,8 +217,10 @@ bool EventFileWriter::changeOnce(EKEvent& event, EKSpan span, CalendarPlace cons
                                  EditSurroundings const& surroundings) {
     auto const uid = uidOf(event);
     if (!uid) throw EKError("An event cannot be moved to another calendar; it was not saved.");
-    auto const sources =
-        readAll(surroundings.filesOfEvent(event.calendar->calendarIdentifier, *uid), notSaved);
+    auto sources =
+        span == EKSpan::thisEvent ? sourceOfRecord(event, place, *uid) : std::vector<CalendarSource>();
+    if (sources.empty())
+        sources = readAll(surroundings.filesOfEvent(event.calendar->calendarIdentifier, *uid), notSaved);
     SeriesEditor const editor(sources, *uid, zones, surroundings.viewer);
     auto const occurrence = editor.occurrence(event.occurrenceKey);
     if (!occurrence) throw EKError("The event is no longer in the store; it was not saved.");
