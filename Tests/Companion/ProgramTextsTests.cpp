@@ -30,10 +30,11 @@ constexpr std::string_view english = R"("hello" = "Hello, %1$@"; "only" = "Engli
 // Every table of a program, with the language it is in.
 std::vector<std::pair<std::string, fs::path>> programTables() {
     std::vector<std::pair<std::string, fs::path>> tables;
-    for (auto const* program : {"Companion", "Widget", "Composition"}) {
-        auto const resources = fs::path(QUILLORA_SOURCE_DIR) / "Applications" / program / "Resources";
-        for (auto const& folder : fs::directory_iterator(resources))
-            tables.emplace_back(folder.path().stem().string(), folder.path() / "Localizable.strings");
+    for (auto const& program : fs::directory_iterator(fs::path(QUILLORA_SOURCE_DIR) / "Applications")) {
+        if (!fs::is_directory(program.path() / "Resources")) continue;
+        for (auto const& folder : fs::directory_iterator(program.path() / "Resources"))
+            if (folder.path().extension() == ".lproj")
+                tables.emplace_back(folder.path().stem().string(), folder.path() / "Localizable.strings");
     }
     return tables;
 }
