@@ -40,4 +40,19 @@ struct CalendarFile {
 /// with a problem and costs none of its neighbours, and of EXDATE and RDATE only a bad value is. Time and memory are linear in the size of `bytes`.
 std::shared_ptr<CalendarFile const> read(std::string bytes, std::string path = {});
 
+/// Where in a file a component stands.
+struct ExcerptPart {
+    std::uint32_t offset; ///< Of the first byte of its BEGIN line.
+    std::uint32_t length; ///< Bytes to the end of its END line.
+    std::uint32_t line;   ///< Of BEGIN, from 1.
+
+    friend bool operator==(ExcerptPart const&, ExcerptPart const&) = default;
+};
+
+/// Reads components that were cut out of a file as `read` finds them in the whole of it: `parts` in the order
+/// of the file, `bytes` what stands there, one after another. What else the file says, its name and its
+/// problems, is not known here.
+std::shared_ptr<CalendarFile const> readExcerpt(std::vector<ExcerptPart> const& parts, std::string_view bytes,
+                                                std::string path);
+
 } // namespace Platform::ICalendar

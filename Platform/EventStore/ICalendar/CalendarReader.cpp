@@ -3,6 +3,7 @@
 #include "Platform/EventStore/ICalendar/ContentLine.h"
 #include "Platform/EventStore/ICalendar/EventBuilder.h"
 
+#include <algorithm>
 #include <cstring>
 #include <utility>
 
@@ -182,6 +183,36 @@ std::shared_ptr<CalendarFile const> read(std::string bytes, std::string path) {
     file->bytes = std::make_shared<std::string const>(std::move(bytes));
     CalendarReader(*file).readAll();
     file->events.shrink_to_fit();
+    return file;
+}
+
+std::shared_ptr<CalendarFile const> readExcerpt(std::vector<ExcerptPart> const& parts, std::string_view bytes,
+                                                std::string path) {
+    std::string text = "BEGIN:VCALENDAR\n";
+    std::vector<std::size_t> places; // Where in the text each part begins.
+    places.reserve(parts.size());
+    text.reserve(text.size() + bytes.size() + parts.size());
+    for (auto const& part : parts) {
+        places.push_back(text.size());
+        text += bytes.substr(0, part.length);
+        bytes.remove_prefix(part.length);
+        // The file's last line may lack its break.
+        if (text.back() != '\n' && text.back() != '\r') text += '\n';
+    }
+    // What lacks its END is not at the end of the file, or it would not have been found there.
+    text += "END:VCALENDAR\n";
+    repairLineBreaks(text);
+    auto file = std::make_shared<CalendarFile>();
+    file->path = std::move(path);
+    file->bytes = std::make_shared<std::string const>(std::move(text));
+    CalendarReader(*file).readAll();
+    for (auto& event : file->events) {
+        auto const index = std::ranges::upper_bound(places, event.offset) - places.begin() - 1;
+        auto const& part = parts[static_cast<std::size_t>(index)];
+        event.offset = part.offset;
+        event.line = part.line;
+    }
+    file->problems.clear();
     return file;
 }
 

@@ -11,9 +11,6 @@
 namespace Platform::ICalendar {
 namespace {
 
-constexpr std::int64_t endOfTime = lastSecond + secondsPerDay;
-constexpr std::int64_t countSteps = 250'000;
-
 // No offset reaches this far, nor does a change of clocks.
 constexpr std::int64_t widestOffset = 2 * secondsPerDay;
 
@@ -28,18 +25,6 @@ std::tuple<bool, bool, std::int64_t> replacedBy(ClockedEvent const& event) {
     bool const isLocal = id.form == TimeForm::date || id.form == TimeForm::floating;
     auto const time = isLocal ? id.localSeconds : event.instant(id, EventZone::utc());
     return {event.component->isThisAndFuture, isLocal, time};
-}
-
-std::int64_t roughLength(EventComponent const& event) {
-    if (event.duration) return event.duration->days * secondsPerDay + event.duration->seconds;
-    if (event.end) return std::max<std::int64_t>(event.end->localSeconds - event.start.localSeconds, 0);
-    return secondsPerDay;
-}
-
-std::int64_t roughLength(RecurrenceDate const& date, std::int64_t otherwise) {
-    if (date.duration) return date.duration->days * secondsPerDay + date.duration->seconds;
-    if (date.end) return date.end->localSeconds - date.start.localSeconds;
-    return otherwise;
 }
 
 } // namespace
@@ -78,30 +63,14 @@ bool Series::isCancelled() const {
 }
 
 void Series::boundRoughly() {
-    roughFirst = INT64_MAX;
-    roughLast = INT64_MIN;
-    auto const include = [this](std::int64_t start, std::int64_t length) {
-        roughFirst = std::min(roughFirst, start - widestOffset);
-        roughLast = std::max(roughLast, start + length + widestOffset);
-    };
-    bool isShifted = false;
-    for (auto const& event : chosenOverrides) {
-        include(event.component->start.localSeconds, roughLength(*event.component));
-        isShifted = isShifted || event.component->isThisAndFuture;
-    }
-    if (!chosenMaster) return;
-    auto const& master = *chosenMaster->component;
-    auto const length = roughLength(master);
-    include(master.start.localSeconds, length);
-    for (auto const& date : master.recurrenceDates)
-        include(date.start.localSeconds, roughLength(date, length));
-    for (auto const& rule : master.rules)
-        include(rule.until ? rule.until->localSeconds : endOfTime, length);
-    if (isShifted) roughLast = endOfTime;
+    bounds = {.first = INT64_MAX, .last = INT64_MIN};
+    for (auto const& event : chosenOverrides)
+        bounds.include(roughBounds(*event.component, CountReach::unknown));
+    if (chosenMaster) bounds.include(roughBounds(*chosenMaster->component, CountReach::unknown));
 }
 
 bool Series::mayTouch(std::int64_t from, std::int64_t to) const {
-    return roughFirst <= to && roughLast >= from;
+    return bounds.touch(from, to);
 }
 
 Series::RuleEnd Series::ruleEnd(std::size_t ruleIndex) const {
@@ -120,10 +89,10 @@ Series::RuleEnd Series::ruleEnd(std::size_t ruleIndex) const {
         auto& known = countEnds[ruleIndex];
         auto last = known.last.load();
         if (last == CountEnd::unknown) {
-            auto steps = countSteps;
+            auto steps = mostCountSteps;
             auto const found = RuleExpander(rule, master.start.localSeconds).endOfCount(*rule.count, steps);
             last = found.last;
-            end.steps = countSteps - steps;
+            end.steps = mostCountSteps - steps;
             known.isCut = found.isCut;
             known.last = last;
         }

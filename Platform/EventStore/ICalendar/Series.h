@@ -2,6 +2,7 @@
 
 #include "Platform/EventStore/ICalendar/FileClocks.h"
 #include "Platform/EventStore/ICalendar/Occurrence.h"
+#include "Platform/EventStore/ICalendar/RoughBounds.h"
 #include "Platform/EventStore/ICalendar/SeriesSet.h"
 
 #include <atomic>
@@ -57,8 +58,7 @@ private:
     std::optional<ClockedEvent> chosenMaster;
     std::vector<ClockedEvent> chosenOverrides;
     std::unique_ptr<CountEnd[]> countEnds; // One a rule, of recurring masters only.
-    std::int64_t roughFirst = 0;           // UTC seconds, two days too wide at each end.
-    std::int64_t roughLast = 0;
+    RoughBounds bounds = {.first = 0, .last = 0};
 };
 
 } // namespace Platform::ICalendar
