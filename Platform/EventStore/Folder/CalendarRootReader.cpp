@@ -4,6 +4,7 @@
 #include "Platform/EventStore/Folder/FolderListing.h"
 #include "Platform/EventStore/Folder/OccurrenceMapping.h"
 #include "Platform/EventStore/ICalendar/ColorText.h"
+#include "Platform/EventStore/Index/IndexFolder.h"
 
 #include <algorithm>
 #include <set>
@@ -16,6 +17,10 @@ namespace Platform {
 namespace {
 
 using CalendarFiles = std::vector<std::shared_ptr<ICalendar::CalendarFile const>>;
+
+bool concernsNone(std::string_view) {
+    return false;
+}
 
 CGColor colorOf(std::optional<std::string> const& text) {
     auto const color = text ? ICalendar::colorFromText(*text) : std::nullopt;
@@ -61,24 +66,26 @@ bool isCalendarOfItsOwn(ICalendar::CalendarFile const& file) {
 /// A calendar as the last look at the root found it.
 struct CalendarRootReader::Found {
     EKCalendar record;
-    std::string order;              ///< The name that it is sorted by.
-    std::filesystem::path folder;   ///< Where its files lie.
-    std::vector<std::string> names; ///< Of its files.
-    CalendarFiles looseFiles;       ///< Of a calendar of loose files, which are read already.
+    std::string order;            ///< The name that it is sorted by.
+    std::filesystem::path folder; ///< Where its files lie.
+    FileChoice choice = {};       ///< Which of the files there are its own.
+    bool isLoose = false;         ///< They lie in the root itself.
 };
 
 /// What is kept of a calendar between two calls.
 struct CalendarRootReader::State {
-    CalendarFileSet fileSet;
+    std::optional<FolderIndex> index; ///< Of the calendar's own folder.
     CalendarFiles files;
     std::optional<ICalendar::SeriesSet> series;
 };
 
 CalendarRootReader::CalendarRootReader(CalendarRoot root, RootLayout layout,
-                                       std::shared_ptr<ICalendar::ZoneCatalog> zones)
+                                       std::shared_ptr<ICalendar::ZoneCatalog> zones,
+                                       std::optional<std::filesystem::path> indexDirectory)
     : givenRoot(std::move(root)),
       layout(layout),
-      zones(std::move(zones)) {}
+      zones(std::move(zones)),
+      indexDirectory(std::move(indexDirectory)) {}
 
 CalendarRootReader::~CalendarRootReader() = default;
 
@@ -92,17 +99,21 @@ std::optional<std::error_code> CalendarRootReader::failure() const {
 
 std::vector<EKCalendar> CalendarRootReader::calendars(std::int64_t now) {
     std::vector<EKCalendar> records;
-    for (auto& calendar : find(now))
+    for (auto& calendar : find(concernsNone, now))
         records.push_back(std::move(calendar.record));
     return records;
 }
 
 void CalendarRootReader::appendEvents(EKEventPredicate const& predicate, Foundation::TimeZone const& viewer,
                                       std::int64_t now, std::vector<EKEvent>& events) {
-    for (auto const& calendar : find(now)) {
+    auto const concerns = [&](std::string_view identifier) { return predicate.covers(identifier); };
+    for (auto const& calendar : find(concerns, now)) {
         if (!predicate.covers(calendar.record.calendarIdentifier)) continue;
-        auto const& state = upToDate(calendar, now);
-        auto const expansion = state.series->occurrences(predicate.start, predicate.end, viewer);
+        auto files = ask(calendar, now, [&](FolderIndex& index) {
+            return index.filesTouching(predicate.start, predicate.end, calendar.choice, now);
+        });
+        auto const expansion =
+            seriesOf(calendar, std::move(files)).occurrences(predicate.start, predicate.end, viewer);
         for (auto const& problem : expansion.problems) {
             report(
                 {.path = calendar.folder, .line = 0, .effect = effectOf(problem), .reason = problem.reason});
@@ -132,11 +143,16 @@ void CalendarRootReader::appendEvents(EKEventPredicate const& predicate, Foundat
 
 std::optional<EKEvent> CalendarRootReader::event(std::string_view identifier,
                                                  Foundation::TimeZone const& viewer, std::int64_t now) {
-    for (auto const& calendar : find(now)) {
-        auto const prefix = eventIdentifier(calendar.record.calendarIdentifier, "");
-        if (!identifier.starts_with(prefix)) continue;
-        auto const& state = upToDate(calendar, now);
-        auto const occurrence = state.series->firstOccurrence(identifier.substr(prefix.size()), viewer);
+    auto const prefixOf = [](std::string_view calendar) { return eventIdentifier(calendar, ""); };
+    auto const concerns = [&](std::string_view candidate) {
+        return identifier.starts_with(prefixOf(candidate));
+    };
+    for (auto const& calendar : find(concerns, now)) {
+        if (!concerns(calendar.record.calendarIdentifier)) continue;
+        auto const uid = identifier.substr(prefixOf(calendar.record.calendarIdentifier).size());
+        auto files = ask(calendar, now,
+                         [&](FolderIndex& index) { return index.filesWithUID(uid, calendar.choice, now); });
+        auto const occurrence = seriesOf(calendar, std::move(files)).firstOccurrence(uid, viewer);
         if (occurrence) {
             return eventOfOccurrence(*occurrence, std::make_shared<EKCalendar const>(calendar.record),
                                      viewer);
@@ -148,9 +164,12 @@ std::optional<EKEvent> CalendarRootReader::event(std::string_view identifier,
 std::vector<std::filesystem::path> CalendarRootReader::filesOfEvent(std::string_view calendarIdentifier,
                                                                     std::string_view uid, std::int64_t now) {
     std::vector<std::filesystem::path> paths;
-    for (auto const& calendar : find(now)) {
-        if (calendar.record.calendarIdentifier != calendarIdentifier) continue;
-        for (auto const& file : upToDate(calendar, now).files) {
+    auto const concerns = [&](std::string_view candidate) { return candidate == calendarIdentifier; };
+    for (auto const& calendar : find(concerns, now)) {
+        if (!concerns(calendar.record.calendarIdentifier)) continue;
+        auto const files = ask(
+            calendar, now, [&](FolderIndex& index) { return index.filesWithUID(uid, calendar.choice, now); });
+        for (auto const& file : files) {
             if (std::ranges::find(file->events, uid, &ICalendar::EventComponent::uid) != file->events.end())
                 paths.emplace_back(file->path);
         }
@@ -160,9 +179,12 @@ std::vector<std::filesystem::path> CalendarRootReader::filesOfEvent(std::string_
 
 std::vector<StoreProblem> CalendarRootReader::problems(std::int64_t now) {
     metProblems.clear();
-    for (auto const& calendar : find(now))
-        upToDate(calendar, now);
-    return takeProblems();
+    // Without an index every file is new.
+    CalendarRootReader whole(givenRoot, layout, zones);
+    whole.readsForProblems = true;
+    whole.find([](std::string_view) { return true; }, now);
+    listingFailure = whole.listingFailure;
+    return whole.takeProblems();
 }
 
 std::vector<StoreProblem> CalendarRootReader::takeProblems() {
@@ -170,22 +192,25 @@ std::vector<StoreProblem> CalendarRootReader::takeProblems() {
 }
 
 std::int64_t CalendarRootReader::reads() const {
-    auto count = readsOfForgottenCalendars + looseFiles.reads();
+    auto count = readsOfForgottenCalendars + (looseFiles ? looseFiles->reads() : 0);
     for (auto const& [identifier, state] : states)
-        count += state->fileSet.reads();
+        count += state->index ? state->index->reads() : 0;
     return count;
 }
 
-std::vector<CalendarRootReader::Found> CalendarRootReader::find(std::int64_t now) {
+std::vector<CalendarRootReader::Found> CalendarRootReader::find(Concerns const& concerns, std::int64_t now) {
     std::vector<Found> found;
     std::error_code failure;
     auto const canonicalRoot = std::filesystem::canonical(givenRoot.path, failure);
-    FolderListing listing;
+    FolderScan scan;
     if (failure) {
-        listing.failure = failure;
+        scan.listing.failure = failure;
+    } else if (layout == RootLayout::singleCalendar && !concerns(givenRoot.id)) {
+        scan.listing = listFolder(canonicalRoot, canonicalRoot, ListingExtent::untilCalendarFile);
     } else {
-        listing = listFolder(canonicalRoot, canonicalRoot);
+        scan = scanFolder(canonicalRoot, canonicalRoot);
     }
+    auto const& listing = scan.listing;
     listingFailure = listing.failure;
     if (listing.failure) {
         report({.path = givenRoot.path,
@@ -198,73 +223,79 @@ std::vector<CalendarRootReader::Found> CalendarRootReader::find(std::int64_t now
     for (auto const& problem : listing.problems)
         report(problem);
     if (layout == RootLayout::singleCalendar) {
-        auto calendar = folderCalendar(givenRoot.id, givenRoot.title, givenRoot.path, listing.hasDisplayName,
-                                       listing.hasColor);
-        calendar.names = std::move(listing.calendarFiles);
-        found.push_back(std::move(calendar));
+        found.push_back(folderCalendar(givenRoot.id, givenRoot.title, givenRoot.path, listing));
+        if (concerns(givenRoot.id)) update(indexOf(found.back()), scan.files, now);
         return found;
     }
 
-    findLooseCalendars(listing.calendarFiles, now, found);
-    for (auto& calendar : found) {
-        // A root that is a vdir calendar itself says so by the files that name and colour it.
-        if (calendar.order != ".") continue;
-        auto const described = folderCalendar(calendar.record.calendarIdentifier, calendar.record.title,
-                                              givenRoot.path, listing.hasDisplayName, listing.hasColor);
-        calendar.record.title = described.record.title;
-        calendar.record.cgColor = described.record.cgColor;
-    }
+    findLooseCalendars(scan, now, found);
     for (auto const& name : listing.folders)
-        findFolderCalendar(name, canonicalRoot, found);
+        findFolderCalendar(name, canonicalRoot, concerns, now, found);
     std::ranges::sort(found, {}, &Found::order);
     std::erase_if(states, [&](auto const& entry) {
         bool const isGone = std::ranges::none_of(
             found, [&](Found const& calendar) { return calendar.record.calendarIdentifier == entry.first; });
-        if (isGone) readsOfForgottenCalendars += entry.second->fileSet.reads();
+        if (isGone && entry.second->index) readsOfForgottenCalendars += entry.second->index->reads();
         return isGone;
     });
     return found;
 }
 
-void CalendarRootReader::findLooseCalendars(std::vector<std::string> const& names, std::int64_t now,
+void CalendarRootReader::findLooseCalendars(FolderScan const& scan, std::int64_t now,
                                             std::vector<Found>& found) {
-    looseFiles.update(givenRoot.path, names, now);
-    looseFiles.appendProblems(metProblems);
-    std::optional<Found> together;
-    for (auto const& file : looseFiles.files()) {
-        std::filesystem::path const path(file->path);
-        bool const isOwn = isCalendarOfItsOwn(*file);
-        if (!isOwn && together) {
-            together->looseFiles.push_back(file);
-            continue;
-        }
-        auto const name = isOwn ? path.filename().string() : std::string(".");
-        auto const stem = Foundation::Text::sanitizedUTF8(path.stem().string());
-        Found calendar{
-            .record = {.calendarIdentifier = givenRoot.id + "/" + Foundation::Text::sanitizedUTF8(name),
-                       .title = isOwn ? file->name.value_or(stem) : givenRoot.title,
-                       .cgColor = isOwn ? colorOf(file->color) : CGColor{.components = std::nullopt},
-                       .sourceIdentifier = givenRoot.id,
-                       .allowsContentModifications = isWritable(givenRoot.path)},
-            .order = name,
-            .folder = isOwn ? path : givenRoot.path,
-            .names = {},
-            .looseFiles = {file},
-        };
-        if (isOwn) {
-            addUnlessTaken(std::move(calendar), found);
-        } else {
-            together = std::move(calendar);
-        }
+    if (!looseFiles) looseFiles.emplace(newIndex(givenRoot.path));
+    update(*looseFiles, scan.files, now);
+    FolderIndex::Calendars calendars;
+    try {
+        calendars = looseFiles->calendars();
+    } catch (IndexDamaged const&) {
+        looseFiles->discard();
+        update(*looseFiles, scan.files, now);
+        calendars = looseFiles->calendars();
     }
-    if (together) found.push_back(*std::move(together));
+    for (auto const& calendar : calendars.own) {
+        auto loose = looseCalendar(calendar);
+        if (!isTaken(loose, found)) found.push_back(std::move(loose));
+    }
+    if (!calendars.hasOthers) return;
+    // A root that is a vdir calendar itself says so by the files that name and colour it.
+    auto together = folderCalendar(givenRoot.id + "/.", givenRoot.title, givenRoot.path, scan.listing);
+    together.order = ".";
+    together.choice = {.kind = FileChoice::Kind::together};
+    together.isLoose = true;
+    found.push_back(std::move(together));
+}
+
+CalendarRootReader::Found CalendarRootReader::looseCalendar(FolderIndex::OwnCalendar const& calendar) const {
+    auto const path = givenRoot.path / calendar.file;
+    auto const stem = Foundation::Text::sanitizedUTF8(path.stem().string());
+    return {
+        .record = {.calendarIdentifier = givenRoot.id + "/" + Foundation::Text::sanitizedUTF8(calendar.file),
+                   .title = calendar.name.value_or(stem),
+                   .cgColor = colorOf(calendar.color),
+                   .sourceIdentifier = givenRoot.id,
+                   .allowsContentModifications = isWritable(givenRoot.path)},
+        .order = calendar.file,
+        .folder = path,
+        .choice = {.kind = FileChoice::Kind::one, .name = calendar.file},
+        .isLoose = true,
+    };
 }
 
 void CalendarRootReader::findFolderCalendar(std::string const& name,
                                             std::filesystem::path const& canonicalRoot,
+                                            Concerns const& concerns, std::int64_t now,
                                             std::vector<Found>& found) {
     auto const folder = givenRoot.path / name;
-    auto listing = listFolder(folder, canonicalRoot);
+    auto const shownName = Foundation::Text::sanitizedUTF8(name);
+    auto const identifier = givenRoot.id + "/" + shownName;
+    FolderScan scan;
+    if (concerns(identifier)) {
+        scan = scanFolder(folder, canonicalRoot);
+    } else {
+        scan.listing = listFolder(folder, canonicalRoot, ListingExtent::untilCalendarFile);
+    }
+    auto const& listing = scan.listing;
     for (auto const& problem : listing.problems)
         report(problem);
     if (listing.failure) {
@@ -281,17 +312,16 @@ void CalendarRootReader::findFolderCalendar(std::string const& name,
                 .effect = StoreProblem::Effect::ignored,
                 .reason = "folders inside a calendar's folder are not read"});
     }
-    if (listing.calendarFiles.empty()) return;
-    auto const shownName = Foundation::Text::sanitizedUTF8(name);
-    auto calendar = folderCalendar(givenRoot.id + "/" + shownName, shownName, folder, listing.hasDisplayName,
-                                   listing.hasColor);
+    if (listing.calendarFiles.empty() && scan.files.empty()) return;
+    auto calendar = folderCalendar(identifier, shownName, folder, listing);
     calendar.order = name;
-    calendar.names = std::move(listing.calendarFiles);
-    addUnlessTaken(std::move(calendar), found);
+    if (isTaken(calendar, found)) return;
+    if (concerns(identifier)) update(indexOf(calendar), scan.files, now);
+    found.push_back(std::move(calendar));
 }
 
 // Two names that differ only in bytes that are no UTF-8 cannot be told apart by identifier.
-void CalendarRootReader::addUnlessTaken(Found calendar, std::vector<Found>& found) {
+bool CalendarRootReader::isTaken(Found const& calendar, std::vector<Found> const& found) {
     bool const isTaken = std::ranges::any_of(found, [&](Found const& other) {
         return other.record.calendarIdentifier == calendar.record.calendarIdentifier;
     });
@@ -301,16 +331,15 @@ void CalendarRootReader::addUnlessTaken(Found calendar, std::vector<Found>& foun
              .line = 0,
              .effect = StoreProblem::Effect::skipped,
              .reason = "its name is not valid UTF-8 and reads as another calendar's; rename it to see it"});
-        return;
     }
-    found.push_back(std::move(calendar));
+    return isTaken;
 }
 
 CalendarRootReader::Found CalendarRootReader::folderCalendar(std::string identifier, std::string title,
                                                              std::filesystem::path const& folder,
-                                                             bool hasDisplayName, bool hasColor) const {
-    auto const displayName = hasDisplayName ? metadata(folder / "displayname") : std::nullopt;
-    auto const color = hasColor ? metadata(folder / "color") : std::nullopt;
+                                                             FolderListing const& listing) const {
+    auto const displayName = listing.hasDisplayName ? metadata(folder / "displayname") : std::nullopt;
+    auto const color = listing.hasColor ? metadata(folder / "color") : std::nullopt;
     return {
         .record = {.calendarIdentifier = std::move(identifier),
                    .title = displayName.value_or(std::move(title)),
@@ -319,21 +348,66 @@ CalendarRootReader::Found CalendarRootReader::folderCalendar(std::string identif
                    .allowsContentModifications = isWritable(folder)},
         .order = {},
         .folder = folder,
-        .names = {},
-        .looseFiles = {},
     };
 }
 
-CalendarRootReader::State& CalendarRootReader::upToDate(Found const& calendar, std::int64_t now) {
+CalendarRootReader::State& CalendarRootReader::stateOf(Found const& calendar) {
     auto& slot = states[calendar.record.calendarIdentifier];
     if (!slot) slot = std::make_unique<State>();
-    auto& state = *slot;
-    auto files = calendar.looseFiles;
-    if (files.empty()) {
-        state.fileSet.update(calendar.folder, calendar.names, now);
-        state.fileSet.appendProblems(metProblems);
-        files = state.fileSet.files();
+    return *slot;
+}
+
+FolderIndex CalendarRootReader::newIndex(std::filesystem::path const& folder) {
+    FolderIndex index(folder, indexDirectory ? std::optional(IndexFolder::fileFor(*indexDirectory, folder))
+                                             : std::nullopt);
+    if (readsForProblems) {
+        index.onRead([this, folder](std::shared_ptr<ICalendar::CalendarFile const> const& file) {
+            for (auto const& problem : ICalendar::SeriesSet({file}, zones).problems())
+                report({.path = folder, .line = 0, .effect = effectOf(problem), .reason = problem.reason});
+        });
     }
+    return index;
+}
+
+// Of a calendar of loose files all that lie beside each other.
+FolderIndex& CalendarRootReader::indexOf(Found const& calendar) {
+    if (calendar.isLoose) return *looseFiles;
+    auto& index = stateOf(calendar).index;
+    if (!index) index.emplace(newIndex(calendar.folder));
+    return *index;
+}
+
+void CalendarRootReader::update(FolderIndex& index, ScannedFiles const& scan, std::int64_t now) {
+    index.update(scan, now);
+    takeProblemsOf(index);
+}
+
+void CalendarRootReader::takeProblemsOf(FolderIndex& index) {
+    for (auto& problem : index.takeProblems())
+        report(std::move(problem));
+}
+
+// What a question about a calendar finds, whatever has become of its index.
+CalendarFiles CalendarRootReader::ask(Found const& calendar, std::int64_t now,
+                                      std::function<CalendarFiles(FolderIndex&)> const& question) {
+    auto& index = indexOf(calendar);
+    CalendarFiles files;
+    try {
+        files = question(index);
+    } catch (IndexDamaged const&) {
+        index.discard();
+        auto const folder = calendar.isLoose ? givenRoot.path : calendar.folder;
+        std::error_code failure;
+        auto const canonicalRoot = std::filesystem::canonical(givenRoot.path, failure);
+        update(index, scanFolder(folder, canonicalRoot).files, now);
+        files = question(index);
+    }
+    takeProblemsOf(index);
+    return files;
+}
+
+ICalendar::SeriesSet const& CalendarRootReader::seriesOf(Found const& calendar, CalendarFiles files) {
+    auto& state = stateOf(calendar);
     if (!state.series || state.files != files) {
         state.series.emplace(files, zones);
         state.files = std::move(files);
@@ -341,7 +415,7 @@ CalendarRootReader::State& CalendarRootReader::upToDate(Found const& calendar, s
     for (auto const& problem : state.series->problems()) {
         report({.path = calendar.folder, .line = 0, .effect = effectOf(problem), .reason = problem.reason});
     }
-    return state;
+    return *state.series;
 }
 
 void CalendarRootReader::report(StoreProblem problem) {

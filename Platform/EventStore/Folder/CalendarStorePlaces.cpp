@@ -13,9 +13,11 @@ std::optional<std::filesystem::path> absoluteVariable(Foundation::Environment co
     return path;
 }
 
-std::optional<std::filesystem::path> configurationHome(Foundation::Environment const& environment) {
-    if (auto const home = absoluteVariable(environment, "XDG_CONFIG_HOME")) return home;
-    if (auto const home = absoluteVariable(environment, "HOME")) return *home / ".config";
+// One of the folders of the XDG Base Directory specification.
+std::optional<std::filesystem::path> baseDirectory(Foundation::Environment const& environment,
+                                                   std::string_view variable, char const* inHome) {
+    if (auto const directory = absoluteVariable(environment, variable)) return directory;
+    if (auto const home = absoluteVariable(environment, "HOME")) return *home / inHome;
     return std::nullopt;
 }
 
@@ -23,12 +25,14 @@ std::optional<std::filesystem::path> configurationHome(Foundation::Environment c
 
 std::optional<CalendarStorePlaces> CalendarStorePlaces::of(Foundation::Environment const& environment,
                                                            FileManager const& files) {
-    auto const configuration = configurationHome(environment);
+    auto const configuration = baseDirectory(environment, "XDG_CONFIG_HOME", ".config");
+    auto const cache = baseDirectory(environment, "XDG_CACHE_HOME", ".cache");
     auto const data = files.applicationSupportDirectory();
     if (!configuration || !data) return std::nullopt;
     return CalendarStorePlaces{
         .configurationDirectory = *configuration / "quillora",
         .nativeCalendar = *data / "Quillora" / "Calendars" / "quillora-native-calendar",
+        .indexDirectory = cache ? std::optional(*cache / "quillora" / "calendars") : std::nullopt,
     };
 }
 

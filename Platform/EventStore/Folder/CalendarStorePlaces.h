@@ -15,6 +15,9 @@ struct CalendarStorePlaces {
     std::filesystem::path configurationDirectory;
     /// The folder of the product's own calendar, in the data home.
     std::filesystem::path nativeCalendar;
+    /// Holds the indexes of the calendars: quillora/calendars in $XDG_CACHE_HOME when that variable is an
+    /// absolute path, else in $HOME/.cache. Nothing there is missed when it is gone. Absent without either.
+    std::optional<std::filesystem::path> indexDirectory = std::nullopt;
 
     /// Absent when the environment names neither a configuration home nor a data home (a service without
     /// HOME, for example).

@@ -236,7 +236,8 @@ void FolderEventStore::bringRootsUpToDate() {
             next.push_back(std::move(*known));
         } else {
             auto const layout = layoutOf(root);
-            next.push_back(std::make_unique<CalendarRootReader>(std::move(root), layout, zones));
+            next.push_back(std::make_unique<CalendarRootReader>(std::move(root), layout, zones,
+                                                                parts.places.indexDirectory));
         }
     }
     readers = std::move(next);

@@ -14,11 +14,10 @@ namespace {
 
 enum class EntryKind : std::uint8_t { folder, file, link, unknown };
 
-EntryKind kindOf(dirent const& entry, int folder) {
-    auto type = entry.d_type;
+EntryKind kindOf(char const* name, unsigned char type, int folder) {
     if (type == DT_UNKNOWN) {
         struct stat status{};
-        if (::fstatat(folder, entry.d_name, &status, AT_SYMLINK_NOFOLLOW) != 0) return EntryKind::unknown;
+        if (::fstatat(folder, name, &status, AT_SYMLINK_NOFOLLOW) != 0) return EntryKind::unknown;
         if (S_ISDIR(status.st_mode)) type = DT_DIR;
         if (S_ISLNK(status.st_mode)) type = DT_LNK;
     }
@@ -35,20 +34,34 @@ bool liesBelow(std::filesystem::path const& path, std::filesystem::path const& r
 
 class Lister {
 public:
-    Lister(std::filesystem::path const& folder, std::filesystem::path const& root)
+    Lister(std::filesystem::path const& folder, std::filesystem::path const& root, ListingExtent extent)
         : folder(folder),
-          root(root) {}
+          root(root),
+          extent(extent) {}
+    Lister(std::filesystem::path const& folder, std::filesystem::path const& root, ScannedFiles& files)
+        : folder(folder),
+          root(root),
+          extent(ListingExtent::whole),
+          files(&files) {}
 
     FolderListing list() {
         std::unique_ptr<DIR, decltype([](DIR* open) { ::closedir(open); })> const directory(
             ::opendir(folder.c_str()));
         if (!directory) return failed();
-        for (;;) {
+        descriptor = ::dirfd(directory.get());
+        while (extent == ListingExtent::whole || listing.calendarFiles.empty()) {
             errno = 0;
             auto const* const entry = ::readdir(directory.get());
             if (!entry && errno != 0) return failed();
             if (!entry) break;
-            take(*entry, ::dirfd(directory.get()));
+            take(entry->d_name, entry->d_type);
+        }
+        if (extent == ListingExtent::untilCalendarFile) {
+            // These may come behind the calendar file.
+            for (auto const* const name : {displayNameFile, colorFile}) {
+                struct stat status{};
+                if (::fstatat(descriptor, name, &status, AT_SYMLINK_NOFOLLOW) == 0) take(name, DT_UNKNOWN);
+            }
         }
         std::ranges::sort(listing.calendarFiles);
         std::ranges::sort(listing.folders);
@@ -57,20 +70,25 @@ public:
     }
 
 private:
+    static constexpr auto displayNameFile = "displayname";
+    static constexpr auto colorFile = "color";
+
     static FolderListing failed() {
         FolderListing failure;
         failure.failure = std::error_code(errno, std::generic_category());
         return failure;
     }
 
-    void take(dirent const& entry, int descriptor) {
-        std::string const name(entry.d_name);
-        if (name == "." || name == "..") return;
-        if (name.starts_with('.')) return ignore(name, "hidden files and folders are not read");
-        auto const kind = kindOf(entry, descriptor);
+    void take(char const* name, unsigned char type) {
+        if (name[0] == '.') {
+            bool const isItselfOrAbove = name[1] == '\0' || (name[1] == '.' && name[2] == '\0');
+            if (!isItselfOrAbove) ignore(name, "hidden files and folders are not read");
+            return;
+        }
+        auto const kind = kindOf(name, type, descriptor);
         if (kind == EntryKind::link) return takeLink(name);
         if (kind == EntryKind::folder) {
-            listing.folders.push_back(name);
+            listing.folders.emplace_back(name);
         } else {
             takeFile(name);
         }
@@ -93,14 +111,21 @@ private:
         if (std::filesystem::is_directory(target, failure)) {
             listing.folders.push_back(name);
         } else {
-            takeFile(name);
+            takeFile(name.c_str());
         }
     }
 
-    void takeFile(std::string const& name) {
-        if (name == "displayname") listing.hasDisplayName = true;
-        if (name == "color") listing.hasColor = true;
-        if (isCalendarFileName(name)) listing.calendarFiles.push_back(name);
+    void takeFile(char const* name) {
+        if (std::string_view(name) == displayNameFile) listing.hasDisplayName = true;
+        if (std::string_view(name) == colorFile) listing.hasColor = true;
+        if (!isCalendarFileName(name)) return;
+        if (files == nullptr) {
+            listing.calendarFiles.emplace_back(name);
+        } else if (auto const stamp = stampOfRegularFile(descriptor, name)) {
+            files->add(name, *stamp);
+        } else {
+            files->addFailure(name, stamp.error());
+        }
     }
 
     void ignore(std::string const& name, std::string reason) {
@@ -112,6 +137,9 @@ private:
 
     std::filesystem::path const& folder;
     std::filesystem::path const& root;
+    ListingExtent extent;
+    ScannedFiles* files = nullptr; // Where calendar files go with their stamps, if anywhere.
+    int descriptor = -1;
     FolderListing listing;
 };
 
@@ -126,8 +154,15 @@ bool isCalendarFileName(std::string_view name) {
     return std::ranges::equal(name.substr(name.size() - suffix.size()), suffix, same);
 }
 
-FolderListing listFolder(std::filesystem::path const& folder, std::filesystem::path const& root) {
-    return Lister(folder, root).list();
+FolderListing listFolder(std::filesystem::path const& folder, std::filesystem::path const& root,
+                         ListingExtent extent) {
+    return Lister(folder, root, extent).list();
+}
+
+FolderScan scanFolder(std::filesystem::path const& folder, std::filesystem::path const& root) {
+    FolderScan scan;
+    scan.listing = Lister(folder, root, scan.files).list();
+    return scan;
 }
 
 } // namespace Platform

@@ -1,7 +1,9 @@
 #pragma once
 
+#include "Platform/EventStore/Folder/ScannedFiles.h"
 #include "Platform/EventStore/Folder/StoreProblem.h"
 
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -25,8 +27,24 @@ struct FolderListing {
 /// Whether a file of that name is read as a calendar: something before ".ics", in any letter case.
 bool isCalendarFileName(std::string_view name);
 
+/// How much of a folder is looked at.
+enum class ListingExtent : std::uint8_t {
+    whole,
+    /// What tells whether it is a calendar, and how it is named and coloured: the listing may end at its
+    /// first calendar file. Other entries may be missing from it.
+    untilCalendarFile,
+};
+
 /// Lists `folder`, which is `root` or lies in it. Hidden entries, and links that lead out of `root`, are left
 /// out with a problem each. `root` is canonical.
-FolderListing listFolder(std::filesystem::path const& folder, std::filesystem::path const& root);
+FolderListing listFolder(std::filesystem::path const& folder, std::filesystem::path const& root,
+                         ListingExtent extent = ListingExtent::whole);
+
+/// The same, with a look at every calendar file; these are then in `files` and not in the listing.
+struct FolderScan {
+    FolderListing listing;
+    ScannedFiles files;
+};
+FolderScan scanFolder(std::filesystem::path const& folder, std::filesystem::path const& root);
 
 } // namespace Platform

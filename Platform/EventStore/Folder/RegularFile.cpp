@@ -50,6 +50,17 @@ std::expected<FileStamp, std::string> stampFrom(struct stat const& status) {
     };
 }
 
+int openToRead(std::filesystem::path const& path) {
+    return ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+}
+
+std::expected<FileStamp, std::string> stampOfOpen(Descriptor const& file) {
+    if (file.number < 0) return lastError();
+    struct stat status{};
+    if (::fstat(file.number, &status) != 0) return lastError();
+    return stampFrom(status);
+}
+
 } // namespace
 
 bool FileStamp::isYoung(std::int64_t now) const {
@@ -63,13 +74,16 @@ std::expected<FileStamp, std::string> stampOfRegularFile(std::filesystem::path c
     return stampFrom(status);
 }
 
+std::expected<FileStamp, std::string> stampOfRegularFile(int folder, char const* name) {
+    struct stat status{};
+    if (::fstatat(folder, name, &status, 0) != 0) return lastError();
+    return stampFrom(status);
+}
+
 std::expected<StampedContent, std::string> readRegularFile(std::filesystem::path const& path,
                                                            std::int64_t limit) {
-    Descriptor const file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
-    if (file.number < 0) return lastError();
-    struct stat status{};
-    if (::fstat(file.number, &status) != 0) return lastError();
-    auto const stamp = stampFrom(status);
+    Descriptor const file(openToRead(path));
+    auto const stamp = stampOfOpen(file);
     if (!stamp) return std::unexpected(stamp.error());
     auto const tooLarge = [&] {
         return std::unexpected(fmt::format("it is larger than {} MiB", limit / (1024 * 1024)));
@@ -90,6 +104,27 @@ std::expected<StampedContent, std::string> readRegularFile(std::filesystem::path
     }
     content.resize(length);
     return StampedContent{.stamp = *stamp, .content = std::move(content)};
+}
+
+std::expected<StampedContent, std::string> readParts(std::filesystem::path const& path,
+                                                     std::vector<ICalendar::ExcerptPart> const& parts) {
+    Descriptor const file(openToRead(path));
+    auto const stamp = stampOfOpen(file);
+    if (!stamp) return std::unexpected(stamp.error());
+    StampedContent read{.stamp = *stamp, .content = {}};
+    for (auto const& part : parts) {
+        auto const begin = read.content.size();
+        read.content.resize(begin + part.length);
+        for (std::size_t length = 0; length < part.length;) {
+            auto const count = ::pread(file.number, read.content.data() + begin + length,
+                                       part.length - length, static_cast<off_t>(part.offset + length));
+            if (count < 0 && errno == EINTR) continue;
+            if (count < 0) return lastError();
+            if (count == 0) return std::unexpected("it has become shorter");
+            length += static_cast<std::size_t>(count);
+        }
+    }
+    return read;
 }
 
 } // namespace Platform

@@ -1,9 +1,12 @@
 #pragma once
 
+#include "Platform/EventStore/ICalendar/CalendarFile.h"
+
 #include <cstdint>
 #include <expected>
 #include <filesystem>
 #include <string>
+#include <vector>
 
 namespace Platform {
 
@@ -35,9 +38,17 @@ inline constexpr std::int64_t largestCalendarFile = 64 * 1024 * 1024;
 /// is not a regular file", …).
 std::expected<FileStamp, std::string> stampOfRegularFile(std::filesystem::path const& path);
 
+/// The same of a file in an open folder.
+std::expected<FileStamp, std::string> stampOfRegularFile(int folder, char const* name);
+
 /// Reads a regular file of at most `limit` bytes. Nothing else is ever waited on: a pipe or a device is
 /// refused. Errors as above.
 std::expected<StampedContent, std::string> readRegularFile(std::filesystem::path const& path,
                                                            std::int64_t limit = largestCalendarFile);
+
+/// Some parts of a regular file, one after another, with the stamp that it had when reading began. Errors as
+/// above, and when the file is too short for a part.
+std::expected<StampedContent, std::string> readParts(std::filesystem::path const& path,
+                                                     std::vector<ICalendar::ExcerptPart> const& parts);
 
 } // namespace Platform
