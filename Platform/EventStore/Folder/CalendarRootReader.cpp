@@ -16,8 +16,6 @@ namespace Platform {
 
 namespace {
 
-using CalendarFiles = std::vector<std::shared_ptr<ICalendar::CalendarFile const>>;
-
 bool concernsNone(std::string_view) {
     return false;
 }
@@ -67,25 +65,33 @@ bool isCalendarOfItsOwn(ICalendar::CalendarFile const& file) {
 struct CalendarRootReader::Found {
     EKCalendar record;
     std::string order;            ///< The name that it is sorted by.
-    std::filesystem::path folder; ///< Where its files lie.
+    std::filesystem::path folder; ///< Where its files lie, or its only file.
+    std::filesystem::path listed; ///< The folder of its index, by the path that it is listed by.
     FileChoice choice = {};       ///< Which of the files there are its own.
-    bool isLoose = false;         ///< They lie in the root itself.
+};
+
+/// A folder of calendar files, as far as it is known.
+struct CalendarRootReader::KnownFolder {
+    FolderIndex index;
+    std::optional<FolderListing> listing = std::nullopt; ///< Of the last look, without the files.
+    std::int64_t lookedAt = 0;                           ///< Nanoseconds since 1970.
 };
 
 /// What is kept of a calendar between two calls.
-struct CalendarRootReader::State {
-    std::optional<FolderIndex> index; ///< Of the calendar's own folder.
-    CalendarFiles files;
-    std::optional<ICalendar::SeriesSet> series;
+struct CalendarRootReader::KnownSeries {
+    Files files;
+    std::optional<ICalendar::SeriesSet> set;
 };
 
 CalendarRootReader::CalendarRootReader(CalendarRoot root, RootLayout layout,
                                        std::shared_ptr<ICalendar::ZoneCatalog> zones,
-                                       std::optional<std::filesystem::path> indexDirectory)
+                                       std::optional<std::filesystem::path> indexDirectory,
+                                       std::shared_ptr<FolderChanges> changes)
     : givenRoot(std::move(root)),
       layout(layout),
       zones(std::move(zones)),
-      indexDirectory(std::move(indexDirectory)) {}
+      indexDirectory(std::move(indexDirectory)),
+      changes(std::move(changes)) {}
 
 CalendarRootReader::~CalendarRootReader() = default;
 
@@ -109,8 +115,9 @@ void CalendarRootReader::appendEvents(EKEventPredicate const& predicate, Foundat
     auto const concerns = [&](std::string_view identifier) { return predicate.covers(identifier); };
     for (auto const& calendar : find(concerns, now)) {
         if (!predicate.covers(calendar.record.calendarIdentifier)) continue;
-        auto files = ask(calendar, now, [&](FolderIndex& index) {
-            return index.filesTouching(predicate.start, predicate.end, calendar.choice, now);
+        Files files;
+        ask(calendar.listed, now, [&](FolderIndex& index) {
+            files = index.filesTouching(predicate.start, predicate.end, calendar.choice, now);
         });
         auto const expansion =
             seriesOf(calendar, std::move(files)).occurrences(predicate.start, predicate.end, viewer);
@@ -122,8 +129,8 @@ void CalendarRootReader::appendEvents(EKEventPredicate const& predicate, Foundat
         // Every occurrence has its own copy of the texts; a rule must not make a long one fill the memory.
         std::unordered_map<ICalendar::EventComponent const*, std::int64_t> bytesOfSeries;
         for (auto const& occurrence : expansion.occurrences) {
-            auto const* const series = occurrence.master != nullptr ? occurrence.master : occurrence.event;
-            auto& bytes = bytesOfSeries[series];
+            auto const* const owner = occurrence.master != nullptr ? occurrence.master : occurrence.event;
+            auto& bytes = bytesOfSeries[owner];
             if (bytes == isCut) continue;
             if (bytes > mostTextOfSeries) {
                 bytes = isCut;
@@ -150,8 +157,9 @@ std::optional<EKEvent> CalendarRootReader::event(std::string_view identifier,
     for (auto const& calendar : find(concerns, now)) {
         if (!concerns(calendar.record.calendarIdentifier)) continue;
         auto const uid = identifier.substr(prefixOf(calendar.record.calendarIdentifier).size());
-        auto files = ask(calendar, now,
-                         [&](FolderIndex& index) { return index.filesWithUID(uid, calendar.choice, now); });
+        Files files;
+        ask(calendar.listed, now,
+            [&](FolderIndex& index) { files = index.filesWithUID(uid, calendar.choice, now); });
         auto const occurrence = seriesOf(calendar, std::move(files)).firstOccurrence(uid, viewer);
         if (occurrence) {
             return eventOfOccurrence(*occurrence, std::make_shared<EKCalendar const>(calendar.record),
@@ -167,8 +175,9 @@ std::vector<std::filesystem::path> CalendarRootReader::filesOfEvent(std::string_
     auto const concerns = [&](std::string_view candidate) { return candidate == calendarIdentifier; };
     for (auto const& calendar : find(concerns, now)) {
         if (!concerns(calendar.record.calendarIdentifier)) continue;
-        auto const files = ask(
-            calendar, now, [&](FolderIndex& index) { return index.filesWithUID(uid, calendar.choice, now); });
+        Files files;
+        ask(calendar.listed, now,
+            [&](FolderIndex& index) { files = index.filesWithUID(uid, calendar.choice, now); });
         for (auto const& file : files) {
             if (std::ranges::find(file->events, uid, &ICalendar::EventComponent::uid) != file->events.end())
                 paths.emplace_back(file->path);
@@ -192,25 +201,25 @@ std::vector<StoreProblem> CalendarRootReader::takeProblems() {
 }
 
 std::int64_t CalendarRootReader::reads() const {
-    auto count = readsOfForgottenCalendars + (looseFiles ? looseFiles->reads() : 0);
-    for (auto const& [identifier, state] : states)
-        count += state->index ? state->index->reads() : 0;
+    auto count = readsOfForgottenFolders;
+    for (auto const& [path, folder] : folders)
+        count += folder->index.reads();
     return count;
 }
 
 std::vector<CalendarRootReader::Found> CalendarRootReader::find(Concerns const& concerns, std::int64_t now) {
     std::vector<Found> found;
+    unverified.clear();
     std::error_code failure;
     auto const canonicalRoot = std::filesystem::canonical(givenRoot.path, failure);
-    FolderScan scan;
+    FolderListing listing;
     if (failure) {
-        scan.listing.failure = failure;
+        listing.failure = failure;
     } else if (layout == RootLayout::singleCalendar && !concerns(givenRoot.id)) {
-        scan.listing = listFolder(canonicalRoot, canonicalRoot, ListingExtent::untilCalendarFile);
+        listing = listFolder(canonicalRoot, canonicalRoot, ListingExtent::untilCalendarFile);
     } else {
-        scan = scanFolder(canonicalRoot, canonicalRoot);
+        listing = look({.folder = canonicalRoot, .root = canonicalRoot}, givenRoot.path, now);
     }
-    auto const& listing = scan.listing;
     listingFailure = listing.failure;
     if (listing.failure) {
         report({.path = givenRoot.path,
@@ -220,49 +229,56 @@ std::vector<CalendarRootReader::Found> CalendarRootReader::find(Concerns const& 
                           listing.failure->message()});
         return found;
     }
-    for (auto const& problem : listing.problems)
-        report(problem);
     if (layout == RootLayout::singleCalendar) {
         found.push_back(folderCalendar(givenRoot.id, givenRoot.title, givenRoot.path, listing));
-        if (concerns(givenRoot.id)) update(indexOf(found.back()), scan.files, now);
+        found.back().listed = canonicalRoot;
         return found;
     }
 
-    findLooseCalendars(scan, now, found);
+    findLooseCalendars(canonicalRoot, listing, now, found);
     for (auto const& name : listing.folders)
         findFolderCalendar(name, canonicalRoot, concerns, now, found);
     std::ranges::sort(found, {}, &Found::order);
-    std::erase_if(states, [&](auto const& entry) {
-        bool const isGone = std::ranges::none_of(
-            found, [&](Found const& calendar) { return calendar.record.calendarIdentifier == entry.first; });
-        if (isGone && entry.second->index) readsOfForgottenCalendars += entry.second->index->reads();
-        return isGone;
-    });
+    forgetAllBut(found, listing);
     return found;
 }
 
-void CalendarRootReader::findLooseCalendars(FolderScan const& scan, std::int64_t now,
-                                            std::vector<Found>& found) {
-    if (!looseFiles) looseFiles.emplace(newIndex(givenRoot.path));
-    update(*looseFiles, scan.files, now);
+void CalendarRootReader::forgetAllBut(std::vector<Found> const& found, FolderListing const& listing) {
+    std::erase_if(folders, [&](auto const& entry) {
+        auto const isThis = [&](std::string const& name) { return entry.first == givenRoot.path / name; };
+        bool const isGone =
+            entry.second->index.path() != givenRoot.path && std::ranges::none_of(listing.folders, isThis);
+        if (isGone) readsOfForgottenFolders += entry.second->index.reads();
+        return isGone;
+    });
+    std::erase_if(series, [&](auto const& entry) {
+        return std::ranges::none_of(
+            found, [&](Found const& calendar) { return calendar.record.calendarIdentifier == entry.first; });
+    });
+}
+
+void CalendarRootReader::findLooseCalendars(std::filesystem::path const& listed, FolderListing const& listing,
+                                            std::int64_t now, std::vector<Found>& found) {
     FolderIndex::Calendars calendars;
-    try {
-        calendars = looseFiles->calendars();
-    } catch (IndexDamaged const&) {
-        looseFiles->discard();
-        update(*looseFiles, scan.files, now);
-        calendars = looseFiles->calendars();
-    }
+    ask(listed, now, [&](FolderIndex& index) { calendars = index.calendars(); });
     for (auto const& calendar : calendars.own) {
         auto loose = looseCalendar(calendar);
-        if (!isTaken(loose, found)) found.push_back(std::move(loose));
+        loose.listed = listed;
+        bool const isTaken = std::ranges::any_of(found, [&](Found const& other) {
+            return other.record.calendarIdentifier == loose.record.calendarIdentifier;
+        });
+        if (isTaken) {
+            reportTaken(loose.folder);
+        } else {
+            found.push_back(std::move(loose));
+        }
     }
     if (!calendars.hasOthers) return;
     // A root that is a vdir calendar itself says so by the files that name and colour it.
-    auto together = folderCalendar(givenRoot.id + "/.", givenRoot.title, givenRoot.path, scan.listing);
+    auto together = folderCalendar(givenRoot.id + "/.", givenRoot.title, givenRoot.path, listing);
     together.order = ".";
+    together.listed = listed;
     together.choice = {.kind = FileChoice::Kind::together};
-    together.isLoose = true;
     found.push_back(std::move(together));
 }
 
@@ -277,8 +293,8 @@ CalendarRootReader::Found CalendarRootReader::looseCalendar(FolderIndex::OwnCale
                    .allowsContentModifications = isWritable(givenRoot.path)},
         .order = calendar.file,
         .folder = path,
+        .listed = {},
         .choice = {.kind = FileChoice::Kind::one, .name = calendar.file},
-        .isLoose = true,
     };
 }
 
@@ -289,15 +305,14 @@ void CalendarRootReader::findFolderCalendar(std::string const& name,
     auto const folder = givenRoot.path / name;
     auto const shownName = Foundation::Text::sanitizedUTF8(name);
     auto const identifier = givenRoot.id + "/" + shownName;
-    FolderScan scan;
-    if (concerns(identifier)) {
-        scan = scanFolder(folder, canonicalRoot);
+    bool const isTaken = std::ranges::any_of(
+        found, [&](Found const& other) { return other.record.calendarIdentifier == identifier; });
+    FolderListing listing;
+    if (concerns(identifier) && !isTaken) {
+        listing = look({.folder = folder, .root = canonicalRoot}, folder, now);
     } else {
-        scan.listing = listFolder(folder, canonicalRoot, ListingExtent::untilCalendarFile);
+        listing = listFolder(folder, canonicalRoot, ListingExtent::untilCalendarFile);
     }
-    auto const& listing = scan.listing;
-    for (auto const& problem : listing.problems)
-        report(problem);
     if (listing.failure) {
         report({.path = folder,
                 .line = 0,
@@ -312,27 +327,20 @@ void CalendarRootReader::findFolderCalendar(std::string const& name,
                 .effect = StoreProblem::Effect::ignored,
                 .reason = "folders inside a calendar's folder are not read"});
     }
-    if (listing.calendarFiles.empty() && scan.files.empty()) return;
+    if (!listing.hasCalendarFiles) return;
+    if (isTaken) return reportTaken(folder);
     auto calendar = folderCalendar(identifier, shownName, folder, listing);
     calendar.order = name;
-    if (isTaken(calendar, found)) return;
-    if (concerns(identifier)) update(indexOf(calendar), scan.files, now);
+    calendar.listed = folder;
     found.push_back(std::move(calendar));
 }
 
 // Two names that differ only in bytes that are no UTF-8 cannot be told apart by identifier.
-bool CalendarRootReader::isTaken(Found const& calendar, std::vector<Found> const& found) {
-    bool const isTaken = std::ranges::any_of(found, [&](Found const& other) {
-        return other.record.calendarIdentifier == calendar.record.calendarIdentifier;
-    });
-    if (isTaken) {
-        report(
-            {.path = calendar.folder,
-             .line = 0,
-             .effect = StoreProblem::Effect::skipped,
-             .reason = "its name is not valid UTF-8 and reads as another calendar's; rename it to see it"});
-    }
-    return isTaken;
+void CalendarRootReader::reportTaken(std::filesystem::path const& path) {
+    report({.path = path,
+            .line = 0,
+            .effect = StoreProblem::Effect::skipped,
+            .reason = "its name is not valid UTF-8 and reads as another calendar's; rename it to see it"});
 }
 
 CalendarRootReader::Found CalendarRootReader::folderCalendar(std::string identifier, std::string title,
@@ -348,12 +356,84 @@ CalendarRootReader::Found CalendarRootReader::folderCalendar(std::string identif
                    .allowsContentModifications = isWritable(folder)},
         .order = {},
         .folder = folder,
+        .listed = {},
     };
 }
 
-CalendarRootReader::State& CalendarRootReader::stateOf(Found const& calendar) {
-    auto& slot = states[calendar.record.calendarIdentifier];
-    if (!slot) slot = std::make_unique<State>();
+// What is in a folder, its index brought up to date with it; or what is known of it, where that will do.
+// `folder` is where its files are read from.
+FolderListing CalendarRootReader::look(Unverified const& place, std::filesystem::path const& folder,
+                                       std::int64_t now) {
+    auto& known = knownFolder(place, folder);
+    if (changes) {
+        if (auto listing = listingWithoutALook(known, place, now)) return *std::move(listing);
+        // Before the look, so that nothing happens between the two.
+        changes->watch(place.folder);
+    }
+    auto scan = place.look();
+    for (auto const& problem : scan.listing.problems)
+        report(problem);
+    if (scan.listing.failure) return std::move(scan.listing);
+    update(known.index, scan.files, now);
+    known.listing = scan.listing;
+    known.lookedAt = now;
+    return std::move(scan.listing);
+}
+
+// Absent when one has to look first.
+std::optional<FolderListing> CalendarRootReader::listingWithoutALook(KnownFolder const& folder,
+                                                                     Unverified const& place,
+                                                                     std::int64_t now) {
+    // Now and then all is looked at whatever the system tells: it does not tell of every way to write.
+    constexpr std::int64_t longestTrust = 3600LL * 1'000'000'000;
+    if (!folder.index.isKnown()) return std::nullopt;
+    auto const state = changes->state(place.folder);
+    if (state == FolderChanges::State::changed) return std::nullopt;
+    bool const isCertain = state == FolderChanges::State::unchanged && folder.listing &&
+                           !folder.listing->hasLinks && now >= folder.lookedAt &&
+                           now - folder.lookedAt < longestTrust;
+    if (!isCertain) {
+        // From here on, so that the look which is to follow misses nothing.
+        changes->watch(place.folder);
+        unverified.push_back(place);
+    }
+    if (folder.listing) return folder.listing;
+    bool const isRoot = place.folder == place.root && layout == RootLayout::folderOfCalendars;
+    return listFolder(place.folder, place.root,
+                      isRoot ? ListingExtent::whole : ListingExtent::untilCalendarFile);
+}
+
+bool CalendarRootReader::verified(Unverified const& folder, FolderScan scan, std::int64_t now) {
+    auto const entry = folders.find(folder.folder);
+    if (entry == folders.end()) return false;
+    auto& known = *entry->second;
+    for (auto const& problem : scan.listing.problems)
+        report(problem);
+    if (scan.listing.failure) return true;
+    bool isAnother = known.index.update(scan.files, now);
+    takeProblemsOf(known.index);
+    if (known.listing) isAnother = isAnother || known.listing->folders != scan.listing.folders;
+    known.listing = std::move(scan.listing);
+    known.lookedAt = now;
+    return isAnother;
+}
+
+void CalendarRootReader::update(FolderIndex& index, ScannedFiles const& scan, std::int64_t now) {
+    // Of a folder that never held any there is nothing to keep.
+    if (scan.empty() && !index.isKnown()) return;
+    index.update(scan, now);
+    takeProblemsOf(index);
+}
+
+void CalendarRootReader::takeProblemsOf(FolderIndex& index) {
+    for (auto& problem : index.takeProblems())
+        report(std::move(problem));
+}
+
+CalendarRootReader::KnownFolder& CalendarRootReader::knownFolder(Unverified const& place,
+                                                                 std::filesystem::path const& folder) {
+    auto& slot = folders[place.folder];
+    if (!slot) slot = std::make_unique<KnownFolder>(KnownFolder{.index = newIndex(folder)});
     return *slot;
 }
 
@@ -369,53 +449,32 @@ FolderIndex CalendarRootReader::newIndex(std::filesystem::path const& folder) {
     return index;
 }
 
-// Of a calendar of loose files all that lie beside each other.
-FolderIndex& CalendarRootReader::indexOf(Found const& calendar) {
-    if (calendar.isLoose) return *looseFiles;
-    auto& index = stateOf(calendar).index;
-    if (!index) index.emplace(newIndex(calendar.folder));
-    return *index;
-}
-
-void CalendarRootReader::update(FolderIndex& index, ScannedFiles const& scan, std::int64_t now) {
-    index.update(scan, now);
-    takeProblemsOf(index);
-}
-
-void CalendarRootReader::takeProblemsOf(FolderIndex& index) {
-    for (auto& problem : index.takeProblems())
-        report(std::move(problem));
-}
-
-// What a question about a calendar finds, whatever has become of its index.
-CalendarFiles CalendarRootReader::ask(Found const& calendar, std::int64_t now,
-                                      std::function<CalendarFiles(FolderIndex&)> const& question) {
-    auto& index = indexOf(calendar);
-    CalendarFiles files;
+// Asks what is known of a folder, whatever has become of its index.
+void CalendarRootReader::ask(std::filesystem::path const& listed, std::int64_t now,
+                             std::function<void(FolderIndex&)> const& question) {
+    auto& index = folders.at(listed)->index;
     try {
-        files = question(index);
+        question(index);
     } catch (IndexDamaged const&) {
         index.discard();
-        auto const folder = calendar.isLoose ? givenRoot.path : calendar.folder;
         std::error_code failure;
-        auto const canonicalRoot = std::filesystem::canonical(givenRoot.path, failure);
-        update(index, scanFolder(folder, canonicalRoot).files, now);
-        files = question(index);
+        update(index, scanFolder(listed, std::filesystem::canonical(givenRoot.path, failure)).files, now);
+        question(index);
     }
     takeProblemsOf(index);
-    return files;
 }
 
-ICalendar::SeriesSet const& CalendarRootReader::seriesOf(Found const& calendar, CalendarFiles files) {
-    auto& state = stateOf(calendar);
-    if (!state.series || state.files != files) {
-        state.series.emplace(files, zones);
-        state.files = std::move(files);
+ICalendar::SeriesSet const& CalendarRootReader::seriesOf(Found const& calendar, Files files) {
+    auto& slot = series[calendar.record.calendarIdentifier];
+    if (!slot) slot = std::make_unique<KnownSeries>();
+    if (!slot->set || slot->files != files) {
+        slot->set.emplace(files, zones);
+        slot->files = std::move(files);
     }
-    for (auto const& problem : state.series->problems()) {
+    for (auto const& problem : slot->set->problems()) {
         report({.path = calendar.folder, .line = 0, .effect = effectOf(problem), .reason = problem.reason});
     }
-    return *state.series;
+    return *slot->set;
 }
 
 void CalendarRootReader::report(StoreProblem problem) {

@@ -3,6 +3,7 @@
 #include "Foundation/TimeZone.h"
 #include "Platform/EventStore/EKEventStore.h"
 #include "Platform/EventStore/Folder/CalendarRoot.h"
+#include "Platform/EventStore/Folder/FolderChanges.h"
 #include "Platform/EventStore/Folder/FolderIndex.h"
 #include "Platform/EventStore/Folder/FolderListing.h"
 #include "Platform/EventStore/Folder/StoreProblem.h"
@@ -32,13 +33,16 @@ enum class RootLayout : std::uint8_t {
     singleCalendar,
 };
 
-/// Reads the calendars of one root by an index of each folder. Every call looks at the folders anew and reads
-/// only what changed and what the question is about. Not safe for use from two threads at once.
+/// Reads the calendars of one root by an index of each folder: only what changed, and what the question is
+/// about. Every call looks at the folders anew; or, given `changes`, it answers from what is known of them,
+/// looks at those that have changed, and names those where only a look could tell. Not safe for use from two
+/// threads at once.
 class CalendarRootReader {
 public:
     /// Without a folder for the indexes they are made anew in memory.
     CalendarRootReader(CalendarRoot root, RootLayout layout, std::shared_ptr<ICalendar::ZoneCatalog> zones,
-                       std::optional<std::filesystem::path> indexDirectory = std::nullopt);
+                       std::optional<std::filesystem::path> indexDirectory = std::nullopt,
+                       std::shared_ptr<FolderChanges> changes = nullptr);
     ~CalendarRootReader();
 
     [[nodiscard]] CalendarRoot const& root() const;
@@ -59,6 +63,19 @@ public:
     std::vector<std::filesystem::path> filesOfEvent(std::string_view calendarIdentifier, std::string_view uid,
                                                     std::int64_t now);
 
+    /// A folder that was answered from before anyone looked at it.
+    struct Unverified {
+        std::filesystem::path folder;
+        std::filesystem::path root; ///< Canonical.
+
+        /// Looks at it; may be called on any thread.
+        [[nodiscard]] FolderScan look() const { return scanFolder(folder, root); }
+    };
+    std::vector<Unverified> takeUnverified() { return std::exchange(unverified, {}); }
+
+    /// Takes what a look found. Yields whether an answer given before may have been another one.
+    bool verified(Unverified const& folder, FolderScan scan, std::int64_t now);
+
     /// Reads every file and yields all that could not be taken as it stands.
     std::vector<StoreProblem> problems(std::int64_t now);
 
@@ -73,27 +90,33 @@ public:
 
 private:
     struct Found;
-    struct State;
+    struct KnownFolder;
+    struct KnownSeries;
     /// Whether the files of the calendar with that identifier matter to the question.
     using Concerns = std::function<bool(std::string_view)>;
 
     using Files = std::vector<std::shared_ptr<ICalendar::CalendarFile const>>;
 
     std::vector<Found> find(Concerns const& concerns, std::int64_t now);
-    void findLooseCalendars(FolderScan const& scan, std::int64_t now, std::vector<Found>& found);
+    void findLooseCalendars(std::filesystem::path const& listed, FolderListing const& listing,
+                            std::int64_t now, std::vector<Found>& found);
     void findFolderCalendar(std::string const& name, std::filesystem::path const& canonicalRoot,
                             Concerns const& concerns, std::int64_t now, std::vector<Found>& found);
-    bool isTaken(Found const& calendar, std::vector<Found> const& found);
+    void reportTaken(std::filesystem::path const& path);
     [[nodiscard]] Found folderCalendar(std::string identifier, std::string title,
                                        std::filesystem::path const& folder,
                                        FolderListing const& listing) const;
     [[nodiscard]] Found looseCalendar(FolderIndex::OwnCalendar const& calendar) const;
-    State& stateOf(Found const& calendar);
-    [[nodiscard]] FolderIndex newIndex(std::filesystem::path const& folder);
-    FolderIndex& indexOf(Found const& calendar);
+    FolderListing look(Unverified const& place, std::filesystem::path const& folder, std::int64_t now);
+    std::optional<FolderListing> listingWithoutALook(KnownFolder const& folder, Unverified const& place,
+                                                     std::int64_t now);
     void update(FolderIndex& index, ScannedFiles const& scan, std::int64_t now);
     void takeProblemsOf(FolderIndex& index);
-    Files ask(Found const& calendar, std::int64_t now, std::function<Files(FolderIndex&)> const& question);
+    KnownFolder& knownFolder(Unverified const& place, std::filesystem::path const& folder);
+    [[nodiscard]] FolderIndex newIndex(std::filesystem::path const& folder);
+    void forgetAllBut(std::vector<Found> const& found, FolderListing const& listing);
+    void ask(std::filesystem::path const& listed, std::int64_t now,
+             std::function<void(FolderIndex&)> const& question);
     ICalendar::SeriesSet const& seriesOf(Found const& calendar, Files files);
     void report(StoreProblem problem);
 
@@ -101,11 +124,13 @@ private:
     RootLayout layout;
     std::shared_ptr<ICalendar::ZoneCatalog> zones;
     std::optional<std::filesystem::path> indexDirectory;
-    std::map<std::string, std::unique_ptr<State>, std::less<>> states; ///< By calendar identifier.
-    std::optional<FolderIndex> looseFiles;
+    std::shared_ptr<FolderChanges> changes;
+    std::map<std::filesystem::path, std::unique_ptr<KnownFolder>> folders; ///< By their path as it is listed.
+    std::map<std::string, std::unique_ptr<KnownSeries>, std::less<>> series; ///< By calendar identifier.
+    std::vector<Unverified> unverified;
     std::optional<std::error_code> listingFailure;
     std::vector<StoreProblem> metProblems;
-    std::int64_t readsOfForgottenCalendars = 0;
+    std::int64_t readsOfForgottenFolders = 0;
     bool readsForProblems = false; ///< Then what only a calendar as a whole shows is reported of each file.
 };
 

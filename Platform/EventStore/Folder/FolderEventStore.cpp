@@ -54,7 +54,8 @@ FolderEventStore::FolderEventStore(FolderEventStoreParts parts)
       configuration(this->parts.places.configurationDirectory, this->parts.files),
       consent(this->parts.places.configurationDirectory, this->parts.files),
       zones(std::make_shared<ICalendar::ZoneCatalog>()),
-      writer(zones) {}
+      writer(zones),
+      changes(this->parts.onDifference ? std::make_shared<FolderChanges>() : nullptr) {}
 
 FolderEventStore::~FolderEventStore() = default;
 
@@ -68,7 +69,7 @@ std::vector<EKSource> FolderEventStore::sources() {
                            .sourceType = EKSourceType::local,
                            .calendars = reader->calendars(now())});
     }
-    logMetProblems();
+    finishCall();
     return sources;
 }
 
@@ -100,7 +101,7 @@ std::vector<EKEvent> FolderEventStore::eventsMatching(EKEventPredicate const& pr
     auto const viewer = parts.region->currentCalendar().timeZone();
     for (auto const& reader : readers)
         reader->appendEvents(predicate, viewer, now(), events);
-    logMetProblems();
+    finishCall();
     return sortedByStart(std::move(events));
 }
 
@@ -113,7 +114,7 @@ std::optional<EKEvent> FolderEventStore::eventWithIdentifier(std::string_view id
         found = reader->event(identifier, viewer, now());
         if (found) break;
     }
-    logMetProblems();
+    finishCall();
     return found;
 }
 
@@ -140,7 +141,7 @@ EditSurroundings FolderEventStore::editSurroundings() {
                 for (auto const& reader : readers)
                     std::ranges::move(reader->filesOfEvent(calendarIdentifier, uid, now()),
                                       std::back_inserter(files));
-                logMetProblems();
+                finishCall();
                 return files;
             }};
 }
@@ -237,16 +238,69 @@ void FolderEventStore::bringRootsUpToDate() {
         } else {
             auto const layout = layoutOf(root);
             next.push_back(std::make_unique<CalendarRootReader>(std::move(root), layout, zones,
-                                                                parts.places.indexDirectory));
+                                                                parts.places.indexDirectory, changes));
         }
     }
     readers = std::move(next);
     logNew(recordProblems);
 }
 
-void FolderEventStore::logMetProblems() {
-    for (auto const& reader : readers)
+// What a call leaves behind.
+void FolderEventStore::finishCall() {
+    for (auto const& reader : readers) {
         logNew(reader->takeProblems());
+        for (auto& folder : reader->takeUnverified())
+            toVerify.push_back({.rootIdentifier = reader->root().id, .folder = std::move(folder)});
+    }
+    if (toVerify.empty()) return;
+    if (!verifier.joinable()) {
+        verifier = std::jthread([this](std::stop_token const& stop) {
+            try {
+                verify(stop);
+            } catch (std::exception const& failure) {
+                parts.logger.error(fmt::format("the calendars are no longer looked at: {}", failure.what()));
+            }
+        });
+    }
+    verification.notify_all();
+}
+
+// Runs on the verifier's thread. Looks take long, so they hold nobody up.
+void FolderEventStore::verify(std::stop_token const& stop) {
+    std::unique_lock lock(mutex);
+    while (verification.wait(lock, stop, [this] { return !toVerify.empty(); })) {
+        isVerifying = true;
+        bool isAnother = false;
+        while (!toVerify.empty() && !stop.stop_requested()) {
+            auto const next = std::move(toVerify.back());
+            toVerify.pop_back();
+            lock.unlock();
+            auto scan = next.folder.look();
+            lock.lock();
+            isAnother = takeLook(next, std::move(scan)) || isAnother;
+        }
+        if (isAnother && !stop.stop_requested()) {
+            lock.unlock();
+            parts.onDifference();
+            lock.lock();
+        }
+        isVerifying = false;
+        verification.notify_all();
+    }
+}
+
+bool FolderEventStore::takeLook(FolderToVerify const& place, FolderScan scan) {
+    auto const reader = std::ranges::find_if(
+        readers, [&](auto const& one) { return one->root().id == place.rootIdentifier; });
+    if (reader == readers.end()) return false;
+    bool const isAnother = (*reader)->verified(place.folder, std::move(scan), now());
+    logNew((*reader)->takeProblems());
+    return isAnother;
+}
+
+void FolderEventStore::awaitVerification() {
+    std::unique_lock lock(mutex);
+    verification.wait(lock, [this] { return toVerify.empty() && !isVerifying; });
 }
 
 void FolderEventStore::logNew(std::vector<StoreProblem> const& problems) {

@@ -5,6 +5,7 @@
 #include "Platform/EventStore/ConsentPrompt.h"
 #include "Platform/EventStore/EKEventStore.h"
 #include "Platform/EventStore/Folder/CalendarRoot.h"
+#include "Platform/EventStore/Folder/CalendarRootReader.h"
 #include "Platform/EventStore/Folder/CalendarStoreConfiguration.h"
 #include "Platform/EventStore/Folder/CalendarStorePlaces.h"
 #include "Platform/EventStore/Folder/ConsentRecord.h"
@@ -13,22 +14,19 @@
 #include "Platform/Files/FileManager.h"
 #include "Platform/Logging/Logger.h"
 
+#include <condition_variable>
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <mutex>
 #include <set>
+#include <stop_token>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <vector>
 
 namespace Platform {
-
-class CalendarRootReader;
-
-namespace ICalendar {
-class ZoneCatalog;
-}
 
 /// What a FolderEventStore stands on.
 struct FolderEventStoreParts {
@@ -38,14 +36,19 @@ struct FolderEventStoreParts {
     std::shared_ptr<Clock const> fileSystemClock; ///< The clock that the files' times come from.
     std::shared_ptr<ConsentPrompt> prompt;
     Logger logger;
+    /// For a program that stays: a query is answered from what is known of the folders, which are looked at
+    /// afterwards, and this is called, on a thread of its own, when that found what another answer would have
+    /// come of. Absent for a program that asks once: then the folders are looked at first.
+    std::function<void()> onDifference = nullptr;
 };
 
 /// The user's calendars in folders of iCalendar files: the product's own calendar, once it has been made,
 /// and the folders of calendar-store.json, each a source of its own, in that order. Calendars stand by name,
 /// events come by start, equal starts in the order of the calendars.
 ///
-/// Every call looks at the folders as they stand, and parses again only files that changed. A broken event,
-/// an unreadable file or a vanished folder costs only itself: it is logged once and the rest is shown.
+/// What the folders hold is known by indexes in the cache folder, which a query brings up to date: it reads
+/// the files that changed and those whose events it asks for. A broken event, an unreadable file or a
+/// vanished folder costs only itself: it is logged once and the rest is shown.
 class FolderEventStore final : public EKEventStore {
 public:
     explicit FolderEventStore(FolderEventStoreParts parts);
@@ -68,20 +71,30 @@ public:
     /// Asks by the prompt and records the answer. Without an answer it yields false and records nothing.
     Foundation::Task<bool> requestFullAccessToEvents() override;
 
-    /// Reads whatever changed and yields all that could not be taken as it stands, in the order of the roots.
+    /// Reads every file and yields all that could not be taken as it stands, in the order of the roots.
     std::vector<StoreProblem> problems();
 
-    /// How many calendar files were read since the store was made.
+    /// Waits until all folders have been looked at that answers came from without a look.
+    void awaitVerification();
+
+    /// How many calendar files were read because they were new, changed or too young to be trusted.
     std::int64_t fileReads();
 
 private:
+    struct FolderToVerify {
+        std::string rootIdentifier;
+        CalendarRootReader::Unverified folder;
+    };
+
     void bringRootsUpToDate();
     [[nodiscard]] EditSurroundings editSurroundings();
     void logNew(std::vector<StoreProblem> const& problems);
-    void logMetProblems();
+    void finishCall();
     [[nodiscard]] std::int64_t now() const;
     [[nodiscard]] std::vector<CalendarRoot> rootsOnRecord(std::vector<StoreProblem>& problems) const;
     bool record(ConsentAnswer answer);
+    void verify(std::stop_token const& stop);
+    bool takeLook(FolderToVerify const& place, FolderScan scan);
 
     FolderEventStoreParts parts;
     CalendarStoreConfiguration configuration;
@@ -93,6 +106,12 @@ private:
     EventFileWriter writer;
     std::vector<StoreProblem> recordProblems; ///< Of calendar-store.json, when it was last read.
     std::set<StoreProblem> loggedProblems;
+    std::shared_ptr<FolderChanges> changes; ///< Null in a program that asks once.
+    std::vector<FolderToVerify> toVerify;
+    bool isVerifying = false;
+    std::condition_variable_any verification; ///< Something is to be verified, or has been.
+
+    std::jthread verifier; ///< Last, so that it ends before what it uses.
 };
 
 /// The identifier of the product's own calendar and the title that it is made with.

@@ -14,6 +14,7 @@ namespace {
 using IndexFormat::none;
 
 constexpr std::int64_t hour = 3600LL * 1'000'000'000;
+constexpr std::int64_t month = 30 * 24 * hour;
 
 // What is kept of parsed files from one question to the next.
 constexpr std::size_t mostParsedBytes = 2 * 1024 * 1024;
@@ -113,6 +114,7 @@ FolderIndex::Differences FolderIndex::differences(ScannedFiles const& scan) {
             found.places[index] = slot.place;
             isStale[slot.place] = false;
         }
+        stored->forget();
     }
     for (std::size_t index = 0; index < scan.files().size(); ++index) {
         if (found.places[index] == none) found.files.push_back(&scan.files()[index]);
@@ -121,12 +123,15 @@ FolderIndex::Differences FolderIndex::differences(ScannedFiles const& scan) {
     return found;
 }
 
-void FolderIndex::update(ScannedFiles const& scan, std::int64_t now) {
+bool FolderIndex::update(ScannedFiles const& scan, std::int64_t now) {
     ++round;
     for (auto const& failure : scan.failures())
         report(failure.name, failure.reason);
     State const state{.count = scan.files().size(), .stampSum = scan.stampSum()};
-    if (known == state) return;
+    if (stored && indexFile && now - stored->header().writtenAt > month) IndexFolder::touch(*indexFile);
+    bool const isAnother = (seen ? seen : known) != state;
+    seen = state;
+    if (known == state) return isAnother;
     known.reset();
     try {
         updateFrom(scan, now);
@@ -134,6 +139,7 @@ void FolderIndex::update(ScannedFiles const& scan, std::int64_t now) {
         discard();
         updateFrom(scan, now);
     }
+    return isAnother;
 }
 
 void FolderIndex::updateFrom(ScannedFiles const& scan, std::int64_t now) {

@@ -44,6 +44,8 @@ class FolderIndex {
 public:
     FolderIndex(std::filesystem::path folder, std::optional<std::filesystem::path> indexFile);
 
+    [[nodiscard]] std::filesystem::path const& path() const { return folder; }
+
     /// Called with each file that is read because it is new or changed.
     void onRead(std::function<void(std::shared_ptr<ICalendar::CalendarFile const> const&)> call) {
         readCall = std::move(call);
@@ -54,8 +56,9 @@ public:
 
     /// Brings it to the files as a look at the folder found them: those that changed, or were too young to be
     /// trusted when they were read, are read again. `now` is the time of the file system's clock, in
-    /// nanoseconds since 1970.
-    void update(ScannedFiles const& scan, std::int64_t now);
+    /// nanoseconds since 1970. Yields whether the files are other ones than at the last look, or than those that
+    /// the index was made from.
+    bool update(ScannedFiles const& scan, std::int64_t now);
 
     /// Forgets the index, and keeps the next one in memory.
     void discard();
@@ -150,6 +153,7 @@ private:
         bool operator==(State const&) const = default;
     };
     std::optional<State> known; // The state of the folder that all this describes.
+    std::optional<State> seen;  // That of the last look.
 
     std::unordered_map<std::string, Parsed> parsed;
     std::size_t parsedBytes = 0;

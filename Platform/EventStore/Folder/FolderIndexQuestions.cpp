@@ -95,6 +95,7 @@ Files FolderIndex::collected(Collect collect, std::int64_t now) {
     for (int attempt = 1;; ++attempt) {
         WantedFiles wanted;
         collect(wanted);
+        if (stored) stored->forget();
         forgetParsedBut(wanted);
         bool hasChanged = false;
         Files files;

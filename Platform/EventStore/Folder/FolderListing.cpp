@@ -49,7 +49,7 @@ public:
             ::opendir(folder.c_str()));
         if (!directory) return failed();
         descriptor = ::dirfd(directory.get());
-        while (extent == ListingExtent::whole || listing.calendarFiles.empty()) {
+        while (extent == ListingExtent::whole || !listing.hasCalendarFiles) {
             errno = 0;
             auto const* const entry = ::readdir(directory.get());
             if (!entry && errno != 0) return failed();
@@ -63,6 +63,7 @@ public:
                 if (::fstatat(descriptor, name, &status, AT_SYMLINK_NOFOLLOW) == 0) take(name, DT_UNKNOWN);
             }
         }
+        if (files != nullptr) files->lookAtAll(descriptor);
         std::ranges::sort(listing.calendarFiles);
         std::ranges::sort(listing.folders);
         std::ranges::sort(listing.problems);
@@ -108,6 +109,7 @@ private:
         }
         if (!liesBelow(target, root))
             return ignore(name, "it is a link that leads out of the calendar folder");
+        listing.hasLinks = true;
         if (std::filesystem::is_directory(target, failure)) {
             listing.folders.push_back(name);
         } else {
@@ -119,12 +121,11 @@ private:
         if (std::string_view(name) == displayNameFile) listing.hasDisplayName = true;
         if (std::string_view(name) == colorFile) listing.hasColor = true;
         if (!isCalendarFileName(name)) return;
+        listing.hasCalendarFiles = true;
         if (files == nullptr) {
             listing.calendarFiles.emplace_back(name);
-        } else if (auto const stamp = stampOfRegularFile(descriptor, name)) {
-            files->add(name, *stamp);
         } else {
-            files->addFailure(name, stamp.error());
+            files->add(name);
         }
     }
 

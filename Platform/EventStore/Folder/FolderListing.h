@@ -17,8 +17,10 @@ namespace Platform {
 struct FolderListing {
     std::vector<std::string> calendarFiles; ///< Named *.ics, in any letter case; not looked into yet.
     std::vector<std::string> folders;
+    bool hasCalendarFiles = false;
     bool hasDisplayName = false;
     bool hasColor = false;
+    bool hasLinks = false; ///< To files and folders in the root.
     std::vector<StoreProblem> problems;
     /// Why the folder could not be listed; then all else is empty.
     std::optional<std::error_code> failure;

@@ -2,6 +2,7 @@
 
 #include "Platform/EventStore/Folder/RegularFile.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -24,9 +25,13 @@ public:
         std::string reason;
     };
 
-    void add(std::string_view name, FileStamp const& stamp);
-    /// A file whose stamp could not be had.
-    void addFailure(std::string_view name, std::string reason);
+    /// A file that is to be looked at.
+    void add(std::string_view name);
+
+    /// Looks at all files that were added, in the open folder that they lie in. A file whose stamp cannot be
+    /// had becomes a failure. Many files are looked at on several threads: nearly all of the time goes into
+    /// the system's calls.
+    void lookAtAll(int folder);
 
     /// In no order.
     [[nodiscard]] std::vector<File> const& files() const { return found; }
@@ -43,9 +48,11 @@ public:
     [[nodiscard]] std::vector<std::uint32_t> order() const;
 
 private:
+    std::vector<Failure> lookAtSome(int folder, std::size_t first, std::size_t end);
+
     std::vector<File> found;
     std::vector<Failure> failed;
-    std::string names;
+    std::string names; // Each with a NUL behind it, as the system wants it.
     std::uint64_t sum = 0;
 };
 

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstring>
 #include <fcntl.h>
+#include <new>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
@@ -68,7 +69,7 @@ std::optional<IndexFile> IndexFile::open(std::filesystem::path const& path, std:
 IndexFile IndexFile::inMemory(std::vector<std::byte> image) {
     IndexFile file(Descriptor(-1));
     std::memcpy(&file.start, image.data(), sizeof file.start);
-    file.body = std::make_unique_for_overwrite<std::byte[]>(file.start.bodySize);
+    file.body = bodyOf(file.start.bodySize);
     std::memcpy(file.body.get(), image.data() + image.size() - file.start.bodySize, file.start.bodySize);
     return file;
 }
@@ -84,12 +85,25 @@ bool IndexFile::readHeader(std::uint64_t fileSize) {
     if (!readAll(descriptor.number, sumBytes.data(), sumBytes.size(), sizeof start)) return false;
     if (start.checksum != IndexFormat::checksumOf(start, sums)) return false;
     isChecked.resize(blocks);
-    body = std::make_unique_for_overwrite<std::byte[]>(start.bodySize);
     return true;
+}
+
+IndexFile::Body IndexFile::bodyOf(std::uint64_t size) {
+    constexpr std::size_t page = 4096;
+    Body body(static_cast<std::byte*>(std::aligned_alloc(page, (size / page + 1) * page)));
+    if (!body) throw std::bad_alloc();
+    return body;
+}
+
+void IndexFile::forget() {
+    if (descriptor.number < 0) return;
+    body.reset();
+    isChecked.assign(isChecked.size(), false);
 }
 
 std::span<std::byte const> IndexFile::bytes(std::uint64_t offset, std::uint64_t length) {
     if (offset > start.bodySize || length > start.bodySize - offset) throw IndexDamaged();
+    if (!body) body = bodyOf(start.bodySize);
     if (length > 0 && !isChecked.empty()) {
         auto const end = (offset + length + blockSize - 1) / blockSize;
         for (auto block = offset / blockSize; block < end; ++block) {

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -38,8 +39,11 @@ public:
 
     [[nodiscard]] IndexFormat::Header const& header() const { return start; }
 
-    /// Bytes of the body. Throws IndexDamaged.
+    /// Bytes of the body; valid until `forget`. Throws IndexDamaged.
     [[nodiscard]] std::span<std::byte const> bytes(std::uint64_t offset, std::uint64_t length);
+
+    /// Gives the memory back of what was read so far. What is kept in memory alone stays.
+    void forget();
 
 private:
     class Descriptor {
@@ -62,9 +66,15 @@ private:
     Descriptor descriptor;
     IndexFormat::Header start = {};
     std::uint64_t bodyOffset = 0;
-    std::vector<std::uint64_t> sums;   // One a block; empty in memory.
-    std::vector<bool> isChecked;       // One a block; empty in memory.
-    std::unique_ptr<std::byte[]> body; // As long as the body; only what was read takes memory.
+    std::vector<std::uint64_t> sums; // One a block; empty in memory.
+    std::vector<bool> isChecked;     // One a block; empty in memory.
+
+    struct Freeing {
+        void operator()(std::byte* bytes) const { std::free(bytes); }
+    };
+    using Body = std::unique_ptr<std::byte, Freeing>;
+    static Body bodyOf(std::uint64_t size);
+    Body body; // As long as the body, on a page's boundary: only the blocks that were read take memory.
 };
 
 /// Writes the image aside and renames it, readable by its owner alone. Not synced: what a loss of power tears

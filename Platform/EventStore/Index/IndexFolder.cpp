@@ -38,7 +38,7 @@ std::error_code write(std::filesystem::path const& file, std::span<std::byte con
         makeFolders(directory);
         failure = writeIndex(file, image);
     }
-    if (!failure && isNew) sweep(directory, now);
+    if (!failure && isNew) sweep(directory, now, file);
     return failure;
 }
 
@@ -46,13 +46,14 @@ void touch(std::filesystem::path const& file) {
     ::utimensat(AT_FDCWD, file.c_str(), nullptr, AT_SYMLINK_NOFOLLOW);
 }
 
-void sweep(std::filesystem::path const& directory, std::int64_t now) {
+void sweep(std::filesystem::path const& directory, std::int64_t now, std::filesystem::path const& spared) {
     std::error_code failure;
     for (std::filesystem::directory_iterator entries(directory, failure), end; !failure && entries != end;
          entries.increment(failure)) {
         auto const& path = entries->path();
         struct stat status{};
         if (::lstat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) continue;
+        if (path == spared) continue;
         auto const age = now / second - status.st_mtim.tv_sec;
         bool const isForgotten = path.extension() == indexSuffix && age > 60 * day / second;
         bool const isLeftBehind = path.extension() == asideSuffix && age > day / second;

@@ -28,6 +28,9 @@ public:
     [[nodiscard]] IndexFormat::Header const& header() const { return file.header(); }
     [[nodiscard]] std::uint32_t fileCount() const { return header().fileCount; }
 
+    /// Gives memory back; names that it yielded are gone.
+    void forget() { file.forget(); }
+
     [[nodiscard]] IndexFormat::File fileAt(std::uint32_t place);
     [[nodiscard]] std::string_view nameOf(IndexFormat::File const& record);
 
