@@ -209,6 +209,7 @@ std::shared_ptr<Platform::EKEventStore> LiveServices::eventStore() {
             .prompt = std::move(prompt),
             .logger = Platform::Logger(logSink(), std::string(Meetings::MeetConfigEnum::loggerSubsystem),
                                        std::string(calendarStoreLogCategory)),
+            .onDifference = parts->options.calendarsDiffer,
         });
     });
 }

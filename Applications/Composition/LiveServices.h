@@ -4,6 +4,7 @@
 #include "Foundation/Environment.h"
 #include "Foundation/Task.h"
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string_view>
@@ -45,6 +46,9 @@ struct LiveServicesOptions {
     std::shared_ptr<Platform::ConsentPrompt> consentPrompt = nullptr;
     /// Where log records go; absent for the system's journal.
     std::shared_ptr<Platform::LogSink> logSink = nullptr;
+    /// For a program that stays: the calendars are answered from at once and looked at afterwards, and this
+    /// is called, on any thread, when another answer would come of that. Absent for one that asks once.
+    std::function<void()> calendarsDiffer = nullptr;
 };
 
 /// The log category of the calendar store: what it could not read, and why.

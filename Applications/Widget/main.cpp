@@ -33,6 +33,7 @@
 
 #include <csignal>
 #include <cstdio>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -68,8 +69,14 @@ int runWidget(Widget::WidgetOptions const& options, Foundation::Environment cons
     auto const timer = makeTimer(options);
     Platform::FolderEvents folderEvents;
     auto const consentDialog = std::make_shared<Platform::ConsentDialog>(mainLoop, Widget::Texts::consent());
-    Composition::LiveServices services(environment,
-                                       {.fixedMoment = options.fixedMoment, .consentPrompt = consentDialog});
+    std::function<void()> reloadHost; // Nothing before there is a host.
+    Composition::LiveServices services(
+        environment,
+        {.fixedMoment = options.fixedMoment, .consentPrompt = consentDialog, .calendarsDiffer = [&] {
+             mainLoop.invoke([&] {
+                 if (reloadHost) reloadHost();
+             });
+         }});
     Platform::TaskThread taskThread;
     WidgetExtension::QuilloraWidgetBundle const bundle(
         services.scheduleWidgetServices(taskThread.executor()));
@@ -135,6 +142,7 @@ int runWidget(Widget::WidgetOptions const& options, Foundation::Environment cons
 
     // The way back: presses here and elsewhere, and everything else that makes the face another one.
     auto const reload = [&] { host->reload(); };
+    reloadHost = reload;
     consentDialog->onAnswer(reload);
     auto const quit = [&] { mainLoop.quit(); };
     auto const chooseFamily = [&](Platform::WidgetFamily family) { host->setFamily(family); };

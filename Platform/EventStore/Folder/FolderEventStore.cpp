@@ -268,7 +268,7 @@ void FolderEventStore::finishCall() {
 // Runs on the verifier's thread. Looks take long, so they hold nobody up.
 void FolderEventStore::verify(std::stop_token const& stop) {
     std::unique_lock lock(mutex);
-    while (verification.wait(lock, stop, [this] { return !toVerify.empty(); })) {
+    while (verification.wait(lock, stop, [this] { return !toVerify.empty(); }) && !stop.stop_requested()) {
         isVerifying = true;
         bool isAnother = false;
         while (!toVerify.empty() && !stop.stop_requested()) {

@@ -18,8 +18,9 @@ std::error_code write(std::filesystem::path const& file, std::span<std::byte con
 /// Shows `sweep` that the index is in use. To be called now and then, a month apart at most.
 void touch(std::filesystem::path const& file);
 
-/// Removes indexes that nobody has used for two months, and what writers left behind that were killed. `now`
-/// in nanoseconds since 1970.
-void sweep(std::filesystem::path const& directory, std::int64_t now);
+/// Removes indexes that nobody has used for two months, `spared` excepted, and what writers left behind that
+/// were killed. `now` in nanoseconds since 1970.
+void sweep(std::filesystem::path const& directory, std::int64_t now,
+           std::filesystem::path const& spared = {});
 
 } // namespace Platform::IndexFolder
