@@ -4,15 +4,33 @@
 #include "Applications/Companion/Texts.h"
 #include "Platform/EventStore/Folder/RefusedFolder.h"
 
+#include <algorithm>
+#include <string_view>
 #include <vector>
 
 namespace Companion {
 
 namespace {
 
+// The path as one word for a shell, whatever it holds: the person may copy the whole command.
+std::string shellWord(std::string const& path) {
+    auto const isPlain = [](char character) {
+        bool const isLetter =
+            (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z');
+        bool const isDigit = character >= '0' && character <= '9';
+        return isLetter || isDigit || std::string_view("/._-+@%,:=").contains(character);
+    };
+    if (std::ranges::all_of(path, isPlain)) return path;
+    std::string word = "'";
+    for (char const character : path)
+        word += character == '\'' ? "'\\''" : std::string(1, character);
+    return word + "'";
+}
+
 std::string remedy(Platform::RefusedFolder const& refused) {
-    return Texts::folderIsRefused(shownPath(refused.folder), shownPath(refused.closed),
-                                  refused.isClosedByOther);
+    auto const closed = shownPath(refused.closed);
+    if (refused.isClosedByOther) return Texts::folderIsRefusedByOther(shownPath(refused.folder), closed);
+    return Texts::folderIsRefused(shownPath(refused.folder), shellWord(closed));
 }
 
 std::vector<Platform::RefusedFolder> refusedFolders(Composition::LiveServices& services) {

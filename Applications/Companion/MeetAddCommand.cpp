@@ -88,6 +88,7 @@ ExitCode run(Invocation const& invocation) {
     auto const calendar = services->region()->currentCalendar();
     auto const arguments = meetArguments(invocation.values, calendar);
     auto const times = newTimes(arguments, chosenDay(dayChoice(invocation.values), *services), calendar);
+    checkLastDay(arguments, times.start, calendar);
     auto const target = invocation.values.option("--calendar");
     static_cast<void>(requiredConfiguration(*services));
     // Also asks for access, which the store by itself does not.

@@ -281,6 +281,12 @@ MeetTimes changedTimes(MeetArguments const& arguments, Meetings::MeetEntity cons
     return {.start = start, .end = end.value_or(start.addingTimeInterval(meet.metDuration))};
 }
 
+void checkLastDay(MeetArguments const& arguments, Date start, Calendar const& calendar) {
+    auto const& repetition = arguments.repetition;
+    if (repetition && repetition->lastDay && *repetition->lastDay < calendar.day(start))
+        throw CommandError::wrongUse(Texts::untilLiesBefore());
+}
+
 void writeFields(MeetArguments const& arguments, Platform::EKEvent& event, Calendar const& calendar) {
     auto const unlessEmpty = [](std::string const& text) {
         return text.empty() ? std::nullopt : std::optional(text);

@@ -51,8 +51,8 @@ ExitCode run(Invocation const& invocation) {
     auto const notDeleted = Texts::meetNotDeleted(meet.metName);
     auto const event = eventBehind(meet, *services->eventKitStore(), services->region()->currentCalendar());
     if (!event) {
-        throw CommandError::refused(notDeleted,
-                                    Meetings::EventKitMeetRepositoryError::eventNotFound().what());
+        throw CommandError::refused(
+            notDeleted, Texts::told(Meetings::EventKitMeetRepositoryError::eventNotFound().what()));
     }
     confirm(invocation, planOf(meet, *event, reach, words) + "\n");
     changing(notDeleted, [&] { carryOut(meet, *event, reach, *services); });

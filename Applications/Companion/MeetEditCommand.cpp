@@ -58,6 +58,7 @@ bool findsTheMeet(Edit const& edit, Meetings::EventKitStoring& store, Foundation
 }
 
 void check(Edit const& edit, Meetings::EventKitStoring& store, Foundation::Calendar const& calendar) {
+    checkLastDay(edit.arguments, edit.after.metDate, calendar);
     if (edit.arguments.repetition && edit.isOfASeries() && edit.reach != ChangeReach::fromThisOneOn)
         throw CommandError::wrongUse(Texts::repetitionNeedsFuture());
     if (edit.reach == ChangeReach::asTheUseCaseDoes && !findsTheMeet(edit, store, calendar))
@@ -111,8 +112,9 @@ Edit editOf(Invocation const& invocation, Composition::LiveServices& services, M
     auto const meet = meetCalled(invocation.values.arguments().front(), day, invocation, words);
     auto event = eventBehind(meet, *services.eventKitStore(), calendar);
     if (!event) {
-        throw CommandError::refused(Texts::meetNotChanged(meet.metName),
-                                    Meetings::EventKitMeetRepositoryError::eventNotFound().what());
+        throw CommandError::refused(
+            Texts::meetNotChanged(meet.metName),
+            Texts::told(Meetings::EventKitMeetRepositoryError::eventNotFound().what()));
     }
     auto after = editedMeet(meet, arguments, calendar);
     auto reach = reachOf(invocation.values);

@@ -158,6 +158,10 @@ std::string notACount(std::string_view value) {
     return text("not-a-count", quoted(value));
 }
 
+std::string untilLiesBefore() {
+    return text("until-lies-before");
+}
+
 std::string notALink(std::string_view value) {
     return text("not-a-link", quoted(value));
 }

@@ -51,6 +51,7 @@ std::string notAWeekday(std::string_view value);
 std::string weekdaysNeedWeekly();
 std::string needsRepeat(std::string_view option);
 std::string notACount(std::string_view value);
+std::string untilLiesBefore();
 std::string notALink(std::string_view value);
 std::string nothingToChange();
 std::string repetitionNeedsFuture();

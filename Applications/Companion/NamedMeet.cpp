@@ -79,8 +79,9 @@ MeetEntity meetCalled(std::string_view beginning, MeetsOfDay const& day, Invocat
     std::ranges::copy_if(day.meetings, std::back_inserter(candidates),
                          [&](MeetEntity const& meet) { return isCalled(meet, *digits); });
     if (candidates.empty()) {
-        throw CommandError::refused(Texts::noSuchMeet(beginning, words.day(day.date)),
-                                    Meetings::EventKitMeetRepositoryError::eventNotFound().what());
+        throw CommandError::refused(
+            Texts::noSuchMeet(beginning, words.day(day.date)),
+            Texts::told(Meetings::EventKitMeetRepositoryError::eventNotFound().what()));
     }
     bool const isOne = std::ranges::all_of(
         candidates, [&](MeetEntity const& meet) { return meet.metId == candidates.front().metId; });
@@ -110,7 +111,8 @@ std::string meetList(std::vector<MeetEntity> const& meetings, MeetWords const& w
     std::vector<std::vector<std::string>> rows;
     for (std::size_t index = 0; index < meetings.size(); ++index) {
         auto const& meet = meetings[index];
-        rows.push_back({beginnings[index], words.time(meet), meet.metName, meet.metCalendarName});
+        rows.push_back({beginnings[index], words.time(meet), Texts::shortened(meet.metName),
+                        Texts::shortened(meet.metCalendarName)});
     }
     return alignedColumns(rows);
 }

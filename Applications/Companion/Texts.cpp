@@ -281,9 +281,12 @@ std::string storeRefuses() {
     return text("access-store-refuses");
 }
 
-std::string folderIsRefused(std::string_view path, std::string_view closed, bool isClosedByOther) {
-    return isClosedByOther ? text("folder-is-refused-by-other", path, closed)
-                           : text("folder-is-refused", path, closed);
+std::string folderIsRefused(std::string_view path, std::string_view wordToOpen) {
+    return text("folder-is-refused", path, wordToOpen);
+}
+
+std::string folderIsRefusedByOther(std::string_view path, std::string_view closed) {
+    return text("folder-is-refused-by-other", path, closed);
 }
 
 std::string accessIsMissing() {

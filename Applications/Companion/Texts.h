@@ -96,7 +96,8 @@ std::string unexpectedFailure(std::string_view reason);
 // Access.
 std::string accessStatus(Platform::EKAuthorizationStatus status);
 std::string storeRefuses();
-std::string folderIsRefused(std::string_view path, std::string_view closed, bool isClosedByOther);
+std::string folderIsRefused(std::string_view path, std::string_view wordToOpen);
+std::string folderIsRefusedByOther(std::string_view path, std::string_view closed);
 std::string accessIsMissing();
 std::string accessNotGranted();
 std::string calendarsAreNotSetUp();

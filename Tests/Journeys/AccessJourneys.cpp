@@ -89,12 +89,12 @@ protected:
         fs::remove_all(home.folder() / "data/Quillora/Calendars");
     }
     void TearDown() override {
-        for (auto const& folder : {home.folder(), home.calendars()})
-            fs::permissions(folder, fs::perms::owner_all);
+        std::error_code nothingThere; // Where the test was skipped.
+        fs::permissions(home.calendars(), fs::perms::owner_all, nothingThere);
     }
     [[nodiscard]] std::string remedy() const {
-        return home.calendars().string() + " cannot be opened; allow it with: chmod u+rx \"" +
-               home.calendars().string() + "\"\n";
+        return home.calendars().string() + " cannot be opened; allow it with: chmod u+rx " +
+               home.calendars().string() + "\n";
     }
 
     PrivateHome home;
@@ -127,7 +127,7 @@ TEST_F(ClosedFolderJourneys, aStoreThatRefusesIsADenialWhateverTheRecordSays) {
 }
 
 TEST_F(ClosedFolderJourneys, theFolderAboveThatIsClosedIsTheOneToOpen) {
-    auto const above = home.folder() / "above";
+    auto const above = home.folder() / "Ann's $HOME";
     fs::create_directory(above);
     fs::rename(home.calendars(), above / "calendars");
     ASSERT_EQ(home.quillora({"sources", "remove", "Cal"}).exitCode, 2); // Named by its path or id.
@@ -136,8 +136,8 @@ TEST_F(ClosedFolderJourneys, theFolderAboveThatIsClosedIsTheOneToOpen) {
     fs::permissions(above, fs::perms::none);
     auto const status = home.quilloraWithoutOverride({"access", "status"});
     EXPECT_THAT(status.output,
-                HasSubstr((above / "calendars").string() + " cannot be opened; allow it with: chmod u+rx \"" +
-                          above.string() + "\"\n"));
+                HasSubstr((above / "calendars").string() + " cannot be opened; allow it with: chmod u+rx '" +
+                          home.folder().string() + "/Ann'\\''s $HOME'\n"));
     fs::permissions(above, fs::perms::owner_all);
     fs::rename(above / "calendars", home.calendars());
 }
