@@ -12,17 +12,17 @@ namespace Platform {
 struct CurlURLSessionLimits {
     std::chrono::seconds timeWithoutData{60};          ///< Then the exchange has timed out.
     std::size_t responseBytes = std::size_t{32} << 20; ///< Of the decoded body.
-    long connectionsPerHost = 6;
+    long connectionsPerHost = 6;                       ///< Of each loop that tasks run on.
 };
 
-/// HTTP over libcurl: one worker thread drives all exchanges of a session. Redirects are not followed, no
-/// proxy or credential is taken from the environment, paths go out as they are written, TLS is 1.2 or later
-/// with the system's certificates.
+/// HTTP over libcurl. The loop that the awaiting task runs on also drives its exchange, so that no request
+/// changes threads. Redirects are not followed, no proxy or credential is taken from the environment, paths
+/// go out as they are written, TLS is 1.2 or later with the system's certificates.
 class CurlURLSession final : public URLSession {
 public:
     explicit CurlURLSession(CurlURLSessionLimits limits = {});
 
-    /// Ends every running exchange as cancelled and waits for the worker.
+    /// Ends every running exchange as cancelled; the tasks that await them are told by their own loops.
     ~CurlURLSession() override;
 
     CurlURLSession(CurlURLSession const&) = delete;
@@ -31,8 +31,8 @@ public:
     Foundation::Task<URLResponse> data(URLRequest request) override;
 
 private:
-    class Worker;
-    std::shared_ptr<Worker> worker;
+    class Loops;
+    std::shared_ptr<Loops> loops;
 };
 
 } // namespace Platform
