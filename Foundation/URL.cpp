@@ -1,6 +1,7 @@
 #include "Foundation/URL.h"
 
 #include <boost/url/parse.hpp>
+#include <boost/url/url_view.hpp>
 
 namespace Foundation {
 namespace {
@@ -28,6 +29,18 @@ std::optional<URL> URL::fromText(std::string_view text) {
     }
     if (!boost::urls::parse_uri_reference(escaped)) return std::nullopt;
     return URL{.absoluteString = std::move(escaped)};
+}
+
+std::optional<URLPlace> URLPlace::of(URL const& url) {
+    auto const parsed = boost::urls::parse_uri(url.absoluteString);
+    if (!parsed) return std::nullopt;
+    std::string scheme(parsed->scheme());
+    for (char& letter : scheme)
+        if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
+    return URLPlace{.scheme = std::move(scheme),
+                    .host = std::string(parsed->encoded_host()),
+                    .hasUserInfo = parsed->has_userinfo(),
+                    .hasQueryOrFragment = parsed->has_query() || parsed->has_fragment()};
 }
 
 } // namespace Foundation

@@ -16,4 +16,17 @@ struct URL {
     friend bool operator==(URL const&, URL const&) = default;
 };
 
+/// Where a link leads, and what it bears besides a path.
+struct URLPlace {
+    std::string scheme; ///< In lower case.
+    std::string host;   ///< Without its port; empty where there is none.
+    bool hasUserInfo;   ///< A user's name, possibly with a password, before the host.
+    bool hasQueryOrFragment;
+
+    /// Absent for what is no absolute link.
+    static std::optional<URLPlace> of(URL const& url);
+
+    friend bool operator==(URLPlace const&, URLPlace const&) = default;
+};
+
 } // namespace Foundation
