@@ -7,11 +7,9 @@ namespace Networking {
 namespace {
 
 std::optional<std::filesystem::path> makeLogFileURL(Platform::FileManager const& files) {
-    auto const support = files.applicationSupportDirectory();
-    if (!support) return std::nullopt;
-    auto const folder = *support / "Quillora" / "Logs";
-    files.createDirectory(folder);
-    return folder / "network.log";
+    auto file = NetworkLogger::logFile(files);
+    if (file) files.createDirectory(file->parent_path());
+    return file;
 }
 
 } // namespace
@@ -20,6 +18,12 @@ NetworkLogger::NetworkLogger(bool isEnabled, NetworkLoggerServices services)
     : isEnabled(isEnabled),
       services(std::move(services)),
       logFileURL(makeLogFileURL(*this->services.files)) {}
+
+std::optional<std::filesystem::path> NetworkLogger::logFile(Platform::FileManager const& files) {
+    auto const support = files.applicationSupportDirectory();
+    if (!support) return std::nullopt;
+    return *support / "Quillora" / "Logs" / "network.log";
+}
 
 void NetworkLogger::log(std::string_view endpoint, Platform::URLRequest const& request,
                         std::string_view response) const {

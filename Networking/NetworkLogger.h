@@ -30,6 +30,9 @@ public:
     /// Finds and makes the log's folder, also when it is not enabled.
     NetworkLogger(bool isEnabled, NetworkLoggerServices services);
 
+    /// Where the records go; absent where no data home is known.
+    [[nodiscard]] static std::optional<std::filesystem::path> logFile(Platform::FileManager const& files);
+
     void log(std::string_view endpoint, Platform::URLRequest const& request, std::string_view response) const;
 
 private:
