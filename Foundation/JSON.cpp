@@ -29,13 +29,17 @@ public:
     static constexpr std::size_t max_key_size = std::numeric_limits<std::size_t>::max();
     static constexpr std::size_t max_string_size = std::numeric_limits<std::size_t>::max();
 
+    Builder(std::size_t mostValues, std::function<void(Value)> const* take)
+        : mostValues(mostValues),
+          take(take) {}
+
     Value result;
 
     bool on_document_begin(error_code&) { return true; }
     bool on_document_end(error_code&) { return true; }
-    bool on_object_begin(error_code&) { return open(Object()); }
+    bool on_object_begin(error_code& failure) { return isWithinBound(failure) && open(Object()); }
     bool on_object_end(std::size_t, error_code&) { return close(); }
-    bool on_array_begin(error_code&) { return open(Array()); }
+    bool on_array_begin(error_code& failure) { return isWithinBound(failure) && open(Array()); }
     bool on_array_end(std::size_t, error_code&) { return close(); }
 
     bool on_key_part(boost::json::string_view part, std::size_t, error_code&) { return collect(part); }
@@ -45,16 +49,22 @@ public:
         return true;
     }
     bool on_string_part(boost::json::string_view part, std::size_t, error_code&) { return collect(part); }
-    bool on_string(boost::json::string_view part, std::size_t, error_code&) {
+    bool on_string(boost::json::string_view part, std::size_t, error_code& failure) {
         collect(part);
-        return add(std::exchange(pending, {}));
+        return isWithinBound(failure) && add(std::exchange(pending, {}));
     }
     bool on_number_part(boost::json::string_view part, error_code&) { return collect(part); }
-    bool on_int64(std::int64_t, boost::json::string_view part, error_code&) { return number(part); }
-    bool on_uint64(std::uint64_t, boost::json::string_view part, error_code&) { return number(part); }
-    bool on_double(double, boost::json::string_view part, error_code&) { return number(part); }
-    bool on_bool(bool value, error_code&) { return add(value); }
-    bool on_null(error_code&) { return add(nullptr); }
+    bool on_int64(std::int64_t, boost::json::string_view part, error_code& failure) {
+        return isWithinBound(failure) && number(part);
+    }
+    bool on_uint64(std::uint64_t, boost::json::string_view part, error_code& failure) {
+        return isWithinBound(failure) && number(part);
+    }
+    bool on_double(double, boost::json::string_view part, error_code& failure) {
+        return isWithinBound(failure) && number(part);
+    }
+    bool on_bool(bool value, error_code& failure) { return isWithinBound(failure) && add(value); }
+    bool on_null(error_code& failure) { return isWithinBound(failure) && add(nullptr); }
     bool on_comment_part(boost::json::string_view, error_code&) { return true; }
     bool on_comment(boost::json::string_view, error_code&) { return true; }
 
@@ -64,6 +74,13 @@ private:
         std::string key;
         std::unordered_set<std::string> keys;
     };
+
+    // Counts a value that is about to be kept.
+    bool isWithinBound(error_code& failure) {
+        if (++values <= mostValues) return true;
+        failure = boost::json::error::array_too_large;
+        return false;
+    }
 
     bool collect(boost::json::string_view part) {
         pending.append(part.data(), part.size());
@@ -93,7 +110,12 @@ private:
         }
         auto& container = containers.back();
         if (auto* array = std::get_if<Array>(&container.value.storage)) {
-            array->push_back(std::move(value));
+            if (take != nullptr && containers.size() == 1) {
+                values = 1; // The list itself.
+                (*take)(std::move(value));
+            } else {
+                array->push_back(std::move(value));
+            }
             return true;
         }
         // Of equal keys the first one stays.
@@ -108,9 +130,27 @@ private:
         return add(std::move(wrapped));
     }
 
+    std::size_t mostValues;
+    std::function<void(Value)> const* take; // Receives the elements of the outermost list; null keeps them.
+    std::size_t values = 0;
     std::vector<Container> containers;
     std::string pending;
 };
+
+std::expected<Value, DecodeFailure> built(std::string_view document, std::size_t mostValues,
+                                          std::function<void(Value)> const* take) {
+    constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+    if (document.starts_with(byteOrderMark)) document.remove_prefix(byteOrderMark.size());
+
+    boost::json::parse_options options;
+    options.max_depth = deepestNesting;
+    boost::json::basic_parser<Builder> parser(options, mostValues, take);
+    error_code failure;
+    auto const read = parser.write_some(false, document.data(), document.size(), failure);
+    bool const complete = !failure && parser.done() && read == document.size();
+    if (!complete) return std::unexpected(DecodeFailure::dataCorrupted);
+    return std::move(parser.handler().result);
+}
 
 // A decimal number taken apart: digits × 10^scale, without leading or trailing zeros; no digits mean zero.
 struct Decimal {
@@ -288,18 +328,18 @@ std::string_view description(DecodeFailure failure) {
     return {};
 }
 
-std::expected<Value, DecodeFailure> parse(std::string_view document) {
-    constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
-    if (document.starts_with(byteOrderMark)) document.remove_prefix(byteOrderMark.size());
+std::expected<Value, DecodeFailure> parse(std::string_view document, std::size_t mostValues) {
+    return built(document, mostValues, nullptr);
+}
 
-    boost::json::parse_options options;
-    options.max_depth = deepestNesting;
-    boost::json::basic_parser<Builder> parser(options);
-    error_code failure;
-    auto const read = parser.write_some(false, document.data(), document.size(), failure);
-    bool const complete = !failure && parser.done() && read == document.size();
-    if (!complete) return std::unexpected(DecodeFailure::dataCorrupted);
-    return std::move(parser.handler().result);
+std::expected<void, DecodeFailure> parseElements(std::string_view document, std::size_t mostValuesEach,
+                                                 std::function<void(Value)> const& take) {
+    // The list itself is a value, too.
+    bool const isBounded = mostValuesEach != std::numeric_limits<std::size_t>::max();
+    auto const list = built(document, isBounded ? mostValuesEach + 1 : mostValuesEach, &take);
+    if (!list) return std::unexpected(list.error());
+    if (!std::holds_alternative<Array>(list->storage)) return std::unexpected(DecodeFailure::dataCorrupted);
+    return {};
 }
 
 std::expected<std::string, EncodeFailure> serialize(Value const& value) {

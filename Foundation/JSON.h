@@ -1,7 +1,10 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <expected>
+#include <functional>
+#include <limits>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -58,8 +61,19 @@ std::string_view description(DecodeFailure failure);
 /// Why a value could not be written: a text that is not UTF-8, or a float that is not finite.
 enum class EncodeFailure : std::uint8_t { invalidText, nonFiniteNumber };
 
-/// Reads one document. A byte-order mark of UTF-8 is skipped; of equal keys the first wins.
-std::expected<Value, DecodeFailure> parse(std::string_view document);
+/// Values that a document, or one element of a list, may hold where it comes from the network: a few
+/// megabytes of brackets must not become gigabytes of values.
+inline constexpr std::size_t mostForeignValues = 100'000;
+
+/// Reads one document. A byte-order mark of UTF-8 is skipped; of equal keys the first wins. One that holds
+/// more than `mostValues` values is `dataCorrupted`.
+std::expected<Value, DecodeFailure> parse(std::string_view document,
+                                          std::size_t mostValues = std::numeric_limits<std::size_t>::max());
+
+/// Reads one document that is an array, and hands its elements over one by one, so that no more than one is
+/// held in memory. A document that turns out to be none, or no array, fails after the elements before.
+std::expected<void, DecodeFailure> parseElements(std::string_view document, std::size_t mostValuesEach,
+                                                 std::function<void(Value)> const& take);
 
 /// Writes without blanks: "/" escaped, control characters as \b \f \n \r \t or \u00xx, all else raw UTF-8.
 std::expected<std::string, EncodeFailure> serialize(Value const& value);

@@ -35,7 +35,7 @@ private:
 /// lines and tests, where no loop runs.
 template <typename T>
 T runTask(Task<T> task) {
-    boost::asio::io_context context;
+    boost::asio::io_context context(1); // One thread runs it.
     auto result = boost::asio::co_spawn(context, std::move(task), boost::asio::use_future);
     context.run();
     return result.get();

@@ -16,7 +16,7 @@ public:
     }
 
 private:
-    boost::asio::io_context context;
+    boost::asio::io_context context{1}; // One thread runs it.
 };
 
 } // namespace Foundation

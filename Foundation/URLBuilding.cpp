@@ -36,14 +36,6 @@ std::string escapedQueryPart(std::string_view part) {
     return escaped(part, "!$'()*+,:@/?");
 }
 
-std::string joinedPath(std::string_view basePath, std::string_view path) {
-    while (basePath.ends_with('/'))
-        basePath.remove_suffix(1);
-    while (path.starts_with('/'))
-        path.remove_prefix(1);
-    return std::string(basePath) + "/" + escapedPath(path);
-}
-
 std::string queryText(std::vector<URLQueryItem> const& query) {
     std::string text;
     for (auto const& item : query) {
@@ -56,21 +48,28 @@ std::string queryText(std::vector<URLQueryItem> const& query) {
 
 } // namespace
 
-std::optional<URL> buildURL(URL const& base, std::string_view path, std::vector<URLQueryItem> const& query) {
+std::optional<BaseURL> BaseURL::of(URL const& base) {
     auto const parsed = boost::urls::parse_uri(base.absoluteString);
     if (!parsed) return std::nullopt;
     auto const& parts = *parsed;
 
-    std::string text = std::string(parts.scheme()) + ":";
-    if (parts.has_authority()) text += "//" + std::string(parts.encoded_authority());
-    text += joinedPath(std::string(parts.encoded_path()), path);
-    if (!query.empty()) {
-        text += "?" + queryText(query);
-    } else if (parts.has_query()) {
-        text += "?" + std::string(parts.encoded_query());
-    }
-    if (parts.has_fragment()) text += "#" + std::string(parts.encoded_fragment());
-    return URL{.absoluteString = std::move(text)};
+    BaseURL read;
+    read.beforePath = std::string(parts.scheme()) + ":";
+    if (parts.has_authority()) read.beforePath += "//" + std::string(parts.encoded_authority());
+    std::string path(parts.encoded_path());
+    while (path.ends_with('/'))
+        path.pop_back();
+    read.beforePath += path;
+    if (parts.has_query()) read.query = "?" + std::string(parts.encoded_query());
+    if (parts.has_fragment()) read.fragment = "#" + std::string(parts.encoded_fragment());
+    return read;
+}
+
+URL BaseURL::appending(std::string_view path, std::vector<URLQueryItem> const& items) const {
+    while (path.starts_with('/'))
+        path.remove_prefix(1);
+    return {.absoluteString = beforePath + "/" + escapedPath(path) +
+                              (items.empty() ? query : "?" + queryText(items)) + fragment};
 }
 
 } // namespace Foundation

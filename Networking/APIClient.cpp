@@ -67,22 +67,21 @@ Foundation::Task<ExchangeOutcome> exchange(std::shared_ptr<Platform::URLSession>
 
 } // namespace
 
-APIClient::APIClient(Foundation::URL baseURL, std::shared_ptr<AuthTokenProvider> tokenProvider,
+APIClient::APIClient(Foundation::URL const& baseURL, std::shared_ptr<AuthTokenProvider> tokenProvider,
                      std::shared_ptr<Platform::URLSession> session, bool enableLogging,
                      NetworkLoggerServices loggerServices)
-    : baseURL(std::move(baseURL)),
+    : baseURL(Foundation::BaseURL::of(baseURL)),
       tokenProvider(std::move(tokenProvider)),
       session(std::move(session)),
       logger(enableLogging, std::move(loggerServices)) {}
 
 Foundation::Task<APIResult<std::string>> APIClient::send(std::string path, std::string method, Query query,
                                                          std::optional<JSON::Value> body) const {
-    auto const url = Foundation::buildURL(baseURL, path, query);
-    if (!url) co_return std::unexpected(APIError::badRequest(std::string(invalidURL)));
+    if (!baseURL) co_return std::unexpected(APIError::badRequest(std::string(invalidURL)));
 
-    Platform::URLRequest request{.url = *url, .httpMethod = method};
+    Platform::URLRequest request{.url = baseURL->appending(path, query), .httpMethod = method};
     request.setValue("application/json", "Content-Type");
-    std::string const endpoint = method + " " + url->absoluteString;
+    std::string const endpoint = method + " " + request.url.absoluteString;
 
     TokenOutcome const authorisation = co_await tokenWithin(tokenTimeout, tokenProvider);
     if (authorisation.isTimeout) {
@@ -99,20 +98,21 @@ Foundation::Task<APIResult<std::string>> APIClient::send(std::string path, std::
         request.httpBody = std::move(*encoded);
     }
 
-    ExchangeOutcome const outcome = co_await exchange(session, request);
+    ExchangeOutcome outcome = co_await exchange(session, request);
     if (outcome.failure) {
         logger.log(endpoint, request, "transport error: " + *outcome.failure);
         co_return std::unexpected(APIError::transport(*outcome.failure));
     }
-    auto const& [status, data] = outcome.response;
+    auto& [status, data] = outcome.response;
     if (!status) {
         logger.log(endpoint, request, "invalid response");
         co_return std::unexpected(APIError::transport(std::string(invalidResponse)));
     }
-    logger.log(endpoint, request, std::to_string(*status) + " " + textOr("-", data));
+    // A response may be large: its text is made only for a log that is written.
+    if (logger.isEnabled()) logger.log(endpoint, request, std::to_string(*status) + " " + textOr("-", data));
     bool const isSuccess = *status >= 200 && *status <= 299;
     if (!isSuccess) co_return std::unexpected(mapErrorStatus(*status, data));
-    co_return data;
+    co_return std::move(data);
 }
 
 Foundation::Task<APIResult<void>> APIClient::sendIgnoringContent(std::string path, std::string method,
@@ -131,7 +131,7 @@ Foundation::Task<APIResult<void>> APIClient::remove(std::string path) const {
 
 APIResult<JSON::Value> APIClient::parsed(APIResult<std::string> const& data) {
     if (!data) return std::unexpected(data.error());
-    auto value = JSON::parse(*data);
+    auto value = JSON::parse(*data, JSON::mostForeignValues);
     if (!value) return std::unexpected(decodingError(value.error()));
     return std::move(*value);
 }

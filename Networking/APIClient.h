@@ -12,6 +12,7 @@
 #include <concepts>
 #include <expected>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -40,7 +41,7 @@ class APIClient final {
 public:
     static constexpr double tokenTimeout = 15.0; ///< Seconds.
 
-    APIClient(Foundation::URL baseURL, std::shared_ptr<AuthTokenProvider> tokenProvider,
+    APIClient(Foundation::URL const& baseURL, std::shared_ptr<AuthTokenProvider> tokenProvider,
               std::shared_ptr<Platform::URLSession> session, bool enableLogging,
               NetworkLoggerServices loggerServices);
 
@@ -86,7 +87,7 @@ private:
     static APIResult<Foundation::JSON::Value> parsed(APIResult<std::string> const& data);
     static APIError decodingError(Foundation::JSON::DecodeFailure failure);
 
-    Foundation::URL baseURL;
+    std::optional<Foundation::BaseURL> baseURL; ///< Absent for what is no link: every request says so.
     std::shared_ptr<AuthTokenProvider> tokenProvider;
     std::shared_ptr<Platform::URLSession> session;
     NetworkLogger logger;
@@ -149,18 +150,22 @@ APIResult<Record> APIClient::decodeResult(APIResult<std::string> const& data) {
 
 template <JSONDecodable Record>
 APIResult<std::vector<Record>> APIClient::decodeListResult(APIResult<std::string> const& data) {
-    auto const value = parsed(data);
-    if (!value) return std::unexpected(value.error());
-    auto const* list = std::get_if<Foundation::JSON::Array>(&value->storage);
-    if (list == nullptr)
-        return std::unexpected(decodingError(Foundation::JSON::DecodeFailure::dataCorrupted));
+    if (!data) return std::unexpected(data.error());
     std::vector<Record> records;
-    records.reserve(list->size());
-    for (auto const& element : *list) {
-        auto record = Record::decode(element);
-        if (!record) return std::unexpected(decodingError(record.error()));
-        records.push_back(std::move(*record));
-    }
+    std::optional<Foundation::JSON::DecodeFailure> failure;
+    // What is no JSON as a whole is told before what is no record.
+    auto const read = Foundation::JSON::parseElements(*data, Foundation::JSON::mostForeignValues,
+                                                      [&](Foundation::JSON::Value const& element) {
+                                                          if (failure) return;
+                                                          auto record = Record::decode(element);
+                                                          if (record) {
+                                                              records.push_back(std::move(*record));
+                                                          } else {
+                                                              failure = record.error();
+                                                          }
+                                                      });
+    if (!read) return std::unexpected(decodingError(read.error()));
+    if (failure) return std::unexpected(decodingError(*failure));
     return records;
 }
 

@@ -15,7 +15,7 @@ std::optional<std::filesystem::path> makeLogFileURL(Platform::FileManager const&
 } // namespace
 
 NetworkLogger::NetworkLogger(bool isEnabled, NetworkLoggerServices services)
-    : isEnabled(isEnabled),
+    : writesRecords(isEnabled),
       services(std::move(services)),
       logFileURL(makeLogFileURL(*this->services.files)) {}
 
@@ -27,7 +27,7 @@ std::optional<std::filesystem::path> NetworkLogger::logFile(Platform::FileManage
 
 void NetworkLogger::log(std::string_view endpoint, Platform::URLRequest const& request,
                         std::string_view response) const {
-    if (!isEnabled) return;
+    if (!writesRecords) return;
     auto const calendar = services.region->currentCalendar();
     bool const hasText = request.httpBody && Foundation::Text::isValidUTF8(*request.httpBody);
     std::string record = "[" + Foundation::logTimestamp(services.clock->now(), calendar);

@@ -33,12 +33,15 @@ public:
     /// Where the records go; absent where no data home is known.
     [[nodiscard]] static std::optional<std::filesystem::path> logFile(Platform::FileManager const& files);
 
+    /// Whether `log` does anything.
+    [[nodiscard]] bool isEnabled() const { return writesRecords; }
+
     void log(std::string_view endpoint, Platform::URLRequest const& request, std::string_view response) const;
 
 private:
     void append(std::string_view record) const;
 
-    bool isEnabled;
+    bool writesRecords;
     NetworkLoggerServices services;
     std::optional<std::filesystem::path> logFileURL; ///< Absent where no data home is known.
 };

@@ -2,6 +2,7 @@
 
 #include "Foundation/FatalError.h"
 
+#include <algorithm>
 #include <string_view>
 #include <utility>
 
@@ -23,20 +24,48 @@ CurlOutcome curlFailure(URLError::Case errorCase) {
     return {.error = std::make_exception_ptr(URLError(errorCase)), .response = {}};
 }
 
-CurlExchange::CurlExchange(std::uint64_t identifier, URLRequest request, CurlCompletion completion,
-                           CurlURLSessionLimits limits)
+CurlExchange::CurlExchange(std::uint64_t identifier, URLRequest request, CurlURLSessionLimits limits)
     : identifier(identifier),
-      completion(std::move(completion)),
       request(std::move(request)),
       limits(limits) {}
 
-void CurlExchange::prepare(CurlHandle fresh) {
-    handle = std::move(fresh);
+void CurlExchange::setUp(CURL* easy, CurlURLSessionLimits const& limits) {
+    set(easy, CURLOPT_PROTOCOLS_STR, "http,https");
+    // A redirect could carry the bearer token to another host.
+    set(easy, CURLOPT_FOLLOWLOCATION, 0L);
+    set(easy, CURLOPT_PATH_AS_IS, 1L);
+    set(easy, CURLOPT_NOSIGNAL, 1L);
+    // A name that is still being looked up must not hold up who cancels.
+    set(easy, CURLOPT_QUICK_EXIT, 1L);
+    // An empty text means no proxy, whatever the environment says.
+    set(easy, CURLOPT_PROXY, "");
+    set(easy, CURLOPT_NETRC, static_cast<long>(CURL_NETRC_IGNORED));
+    set(easy, CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
+    set(easy, CURLOPT_ACCEPT_ENCODING, "");
+    set(easy, CURLOPT_LOW_SPEED_LIMIT, 1L);
+    set(easy, CURLOPT_LOW_SPEED_TIME, static_cast<long>(limits.timeWithoutData.count()));
+    set(easy, CURLOPT_CONNECTTIMEOUT, static_cast<long>(limits.timeWithoutData.count()));
+    set(easy, CURLOPT_WRITEFUNCTION, &receiveBody);
+    set(easy, CURLOPT_HEADERFUNCTION, &receiveHeader);
+    set(easy, CURLOPT_USERAGENT, "Quillora");
+}
+
+void CurlExchange::prepare(CurlHandle ready) {
+    handle = std::move(ready);
     set(handle.get(), CURLOPT_PRIVATE, this);
+    set(handle.get(), CURLOPT_WRITEDATA, this);
+    set(handle.get(), CURLOPT_HEADERDATA, this);
     set(handle.get(), CURLOPT_URL, request.url.absoluteString.c_str());
     prepareMethod();
     prepareHeaders();
-    prepareTransport();
+}
+
+void CurlExchange::forgetRequest(CURL* easy) {
+    set(easy, CURLOPT_HTTPHEADER, static_cast<curl_slist*>(nullptr));
+    set(easy, CURLOPT_POSTFIELDS, static_cast<char*>(nullptr));
+    set(easy, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(-1));
+    // Last, since it is what undoes the others' choice of a method: no body, none left out.
+    set(easy, CURLOPT_HTTPGET, 1L);
 }
 
 CurlExchange& CurlExchange::of(CURL* handle) {
@@ -58,8 +87,16 @@ std::size_t CurlExchange::receiveBody(char* bytes, std::size_t size, std::size_t
         exchange.isTooLarge = true;
         return 0;
     }
+    exchange.makeRoom(size * count);
     exchange.data.append(bytes, size * count);
     return size * count;
+}
+
+// Twice as much each time, but never beyond the bound: doubling alone would.
+void CurlExchange::makeRoom(std::size_t more) {
+    auto const needed = data.size() + more;
+    if (needed <= data.capacity()) return;
+    data.reserve(std::min(std::max(needed, data.capacity() * 2), limits.responseBytes));
 }
 
 std::size_t CurlExchange::receiveHeader(char*, std::size_t size, std::size_t count, void* context) {
@@ -96,30 +133,6 @@ void CurlExchange::prepareHeaders() {
     list = curl_slist_append(list, "Expect:");
     headers.reset(list);
     set(handle.get(), CURLOPT_HTTPHEADER, list);
-}
-
-void CurlExchange::prepareTransport() {
-    CURL* const easy = handle.get();
-    set(easy, CURLOPT_PROTOCOLS_STR, "http,https");
-    // A redirect could carry the bearer token to another host.
-    set(easy, CURLOPT_FOLLOWLOCATION, 0L);
-    set(easy, CURLOPT_PATH_AS_IS, 1L);
-    set(easy, CURLOPT_NOSIGNAL, 1L);
-    // A name that is still being looked up must not hold up who cancels.
-    set(easy, CURLOPT_QUICK_EXIT, 1L);
-    // An empty text means no proxy, whatever the environment says.
-    set(easy, CURLOPT_PROXY, "");
-    set(easy, CURLOPT_NETRC, static_cast<long>(CURL_NETRC_IGNORED));
-    set(easy, CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
-    set(easy, CURLOPT_ACCEPT_ENCODING, "");
-    set(easy, CURLOPT_LOW_SPEED_LIMIT, 1L);
-    set(easy, CURLOPT_LOW_SPEED_TIME, static_cast<long>(limits.timeWithoutData.count()));
-    set(easy, CURLOPT_CONNECTTIMEOUT, static_cast<long>(limits.timeWithoutData.count()));
-    set(easy, CURLOPT_WRITEFUNCTION, &receiveBody);
-    set(easy, CURLOPT_WRITEDATA, this);
-    set(easy, CURLOPT_HEADERFUNCTION, &receiveHeader);
-    set(easy, CURLOPT_HEADERDATA, this);
-    set(easy, CURLOPT_USERAGENT, "Quillora");
 }
 
 URLError::Case CurlExchange::errorCase(CURLcode code) const {

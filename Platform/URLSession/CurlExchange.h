@@ -24,6 +24,7 @@ CurlOutcome curlFailure(URLError::Case errorCase);
 /// Whether a task is taken up again within the call, or later by its own loop.
 enum class Resumption : std::uint8_t { now, later };
 
+/// Hands the outcome to the task that awaits it.
 using CurlCompletion = std::move_only_function<void(CurlOutcome, Resumption)>;
 
 struct CurlHandleDeleter {
@@ -35,14 +36,19 @@ using CurlHandle = std::unique_ptr<CURL, CurlHandleDeleter>;
 /// keeps its address.
 class CurlExchange final {
 public:
-    CurlExchange(std::uint64_t identifier, URLRequest request, CurlCompletion completion,
-                 CurlURLSessionLimits limits);
+    CurlExchange(std::uint64_t identifier, URLRequest request, CurlURLSessionLimits limits);
 
     CurlExchange(CurlExchange const&) = delete;
     CurlExchange& operator=(CurlExchange const&) = delete;
 
-    /// Sets `handle`, which is as new, up for this request.
+    /// Sets a new handle up for any request.
+    static void setUp(CURL* handle, CurlURLSessionLimits const& limits);
+
+    /// Gives the handle, which is set up and bears no request, this one.
     void prepare(CurlHandle handle);
+
+    /// Takes the request off a handle again: it points into an exchange that goes now.
+    static void forgetRequest(CURL* handle);
 
     /// The exchange that a handle was prepared for.
     static CurlExchange& of(CURL* handle);
@@ -51,7 +57,7 @@ public:
     [[nodiscard]] CurlOutcome outcome(CURLcode code);
 
     std::uint64_t const identifier;
-    CurlCompletion completion;
+    CurlCompletion completion; ///< Empty until a task awaits it.
     CurlHandle handle;
 
 private:
@@ -62,9 +68,9 @@ private:
     static std::size_t receiveBody(char* bytes, std::size_t size, std::size_t count, void* context);
     static std::size_t receiveHeader(char* bytes, std::size_t size, std::size_t count, void* context);
 
+    void makeRoom(std::size_t more);
     void prepareHeaders();
     void prepareMethod();
-    void prepareTransport();
     [[nodiscard]] URLError::Case errorCase(CURLcode code) const;
 
     URLRequest request;

@@ -59,12 +59,28 @@ void CurlLoop::locked(Resumption resumption, Work work) {
         work();
         ended.swap(finished);
     }
-    for (auto& [exchange, outcome] : ended)
-        exchange->completion(std::move(outcome), resumption);
+    for (auto& [completion, outcome] : ended)
+        completion(std::move(outcome), resumption);
 }
 
-void CurlLoop::submit(std::unique_ptr<CurlExchange> exchange) {
-    locked(Resumption::later, [&] { begin(std::move(exchange)); });
+std::optional<CurlOutcome> CurlLoop::submit(std::unique_ptr<CurlExchange> exchange) {
+    auto const identifier = exchange->identifier;
+    std::optional<CurlOutcome> outcome;
+    locked(Resumption::later, [&] {
+        begin(std::move(exchange));
+        if (auto node = unclaimed.extract(identifier)) outcome = std::move(node.mapped());
+    });
+    return outcome;
+}
+
+void CurlLoop::await(std::uint64_t identifier, CurlCompletion completion) {
+    locked(Resumption::later, [&] {
+        if (auto node = unclaimed.extract(identifier)) {
+            finished.push_back({std::move(completion), std::move(node.mapped())});
+        } else {
+            exchanges.at(identifier)->completion = std::move(completion);
+        }
+    });
 }
 
 void CurlLoop::cancel(std::uint64_t identifier) {
@@ -89,11 +105,11 @@ void CurlLoop::begin(std::unique_ptr<CurlExchange> exchange) {
         exchange->prepare(std::move(handle));
         return curl_multi_add_handle(transfers->multi(), exchange->handle.get()) == CURLM_OK;
     }();
+    auto const identifier = exchange->identifier;
     if (isAdded) {
-        auto const identifier = exchange->identifier;
         exchanges.emplace(identifier, std::move(exchange));
     } else {
-        finished.push_back({std::move(exchange), curlFailure(URLError::Case::unknown)});
+        unclaimed.emplace(identifier, curlFailure(URLError::Case::unknown));
     }
     act(CURL_SOCKET_TIMEOUT, 0);
 }
@@ -105,7 +121,11 @@ void CurlLoop::finish(std::uint64_t identifier, CurlOutcome outcome) {
     auto& exchange = node.mapped();
     curl_multi_remove_handle(transfers->multi(), exchange->handle.get());
     transfers->giveBack(std::move(exchange->handle));
-    finished.push_back({std::move(exchange), std::move(outcome)});
+    if (exchange->completion) {
+        finished.push_back({std::move(exchange->completion), std::move(outcome)});
+    } else {
+        unclaimed.emplace(identifier, std::move(outcome));
+    }
 }
 
 void CurlLoop::finishAll(URLError::Case errorCase) {

@@ -30,8 +30,12 @@ public:
     CurlLoop(CurlLoop const&) = delete;
     CurlLoop& operator=(CurlLoop const&) = delete;
 
-    /// Starts the exchange. Its completion is never called within this call.
-    void submit(std::unique_ptr<CurlExchange> exchange);
+    /// Starts the exchange. Its outcome if it ended within the call, as a quick server on a connection that
+    /// is open lets it; otherwise the caller goes on with `await`.
+    [[nodiscard]] std::optional<CurlOutcome> submit(std::unique_ptr<CurlExchange> exchange);
+
+    /// Has the outcome of a submitted exchange handed over, but never within this call.
+    void await(std::uint64_t identifier, CurlCompletion completion);
 
     /// Ends the exchange as cancelled. One that has ended, or is unknown, is left alone.
     void cancel(std::uint64_t identifier);
@@ -44,7 +48,7 @@ private:
 
     enum class Direction : std::uint8_t { reading, writing };
     struct Finished {
-        std::unique_ptr<CurlExchange> exchange;
+        CurlCompletion completion;
         CurlOutcome outcome;
     };
     class Watch;
@@ -77,6 +81,7 @@ private:
     std::unique_ptr<CurlTransfers> transfers; ///< Null while nothing runs.
     std::map<std::uint64_t, std::unique_ptr<CurlExchange>> exchanges;
     std::map<curl_socket_t, std::shared_ptr<Watch>> watches;
+    std::map<std::uint64_t, CurlOutcome> unclaimed; ///< Of exchanges that ended before a task awaited them.
     std::vector<Finished> finished;
     bool isDueNow = false;
     std::optional<Clock::time_point> deadline; ///< As the library gave it.

@@ -20,11 +20,11 @@ void initialiseLibrary() {
 
 } // namespace
 
-CurlTransfers::CurlTransfers(long connectionsPerHost) {
+CurlTransfers::CurlTransfers(CurlURLSessionLimits limits) : limits(limits) {
     initialiseLibrary();
     handle = curl_multi_init();
     if (handle == nullptr) Foundation::fatalError("libcurl cannot make a session");
-    curl_multi_setopt(handle, CURLMOPT_MAX_HOST_CONNECTIONS, connectionsPerHost);
+    curl_multi_setopt(handle, CURLMOPT_MAX_HOST_CONNECTIONS, limits.connectionsPerHost);
 }
 
 CurlTransfers::~CurlTransfers() {
@@ -32,7 +32,11 @@ CurlTransfers::~CurlTransfers() {
 }
 
 CurlHandle CurlTransfers::takeHandle() {
-    if (used.empty()) return CurlHandle(curl_easy_init());
+    if (used.empty()) {
+        CurlHandle made(curl_easy_init());
+        if (made) CurlExchange::setUp(made.get(), limits);
+        return made;
+    }
     auto taken = std::move(used.back());
     used.pop_back();
     return taken;
@@ -40,14 +44,13 @@ CurlHandle CurlTransfers::takeHandle() {
 
 void CurlTransfers::giveBack(CurlHandle finished) {
     if (used.size() >= mostUsedHandles) return;
-    // At once, not when it is taken again: it still points at the request, whose headers bear the token.
-    curl_easy_reset(finished.get());
+    CurlExchange::forgetRequest(finished.get());
     used.push_back(std::move(finished));
 }
 
 std::unique_ptr<CurlTransfers> IdleCurlTransfers::take() {
     std::scoped_lock const lock(mutex);
-    if (idle.empty()) return std::make_unique<CurlTransfers>(connectionsPerHost);
+    if (idle.empty()) return std::make_unique<CurlTransfers>(limits);
     auto taken = std::move(idle.back());
     idle.pop_back();
     return taken;

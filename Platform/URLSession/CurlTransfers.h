@@ -12,7 +12,7 @@ namespace Platform {
 /// belongs to one loop at a time, and between two loops to none.
 class CurlTransfers final {
 public:
-    explicit CurlTransfers(long connectionsPerHost);
+    explicit CurlTransfers(CurlURLSessionLimits limits);
     ~CurlTransfers();
 
     CurlTransfers(CurlTransfers const&) = delete;
@@ -20,13 +20,14 @@ public:
 
     [[nodiscard]] CURLM* multi() const { return handle; }
 
-    /// A handle that is as new; null when memory is out.
+    /// A handle that is set up for any request; null when memory is out.
     [[nodiscard]] CurlHandle takeHandle();
     void giveBack(CurlHandle used);
 
 private:
+    CurlURLSessionLimits limits;
     CURLM* handle;
-    // Making a handle costs a good part of a short exchange; a used one keeps nothing but its memory.
+    // Making one and setting it up costs a good part of a short exchange.
     std::vector<CurlHandle> used;
 };
 
@@ -34,13 +35,13 @@ private:
 /// used from any thread.
 class IdleCurlTransfers final {
 public:
-    explicit IdleCurlTransfers(long connectionsPerHost) : connectionsPerHost(connectionsPerHost) {}
+    explicit IdleCurlTransfers(CurlURLSessionLimits limits) : limits(limits) {}
 
     [[nodiscard]] std::unique_ptr<CurlTransfers> take();
     void giveBack(std::unique_ptr<CurlTransfers> transfers);
 
 private:
-    long connectionsPerHost;
+    CurlURLSessionLimits limits;
     std::mutex mutex;
     std::vector<std::unique_ptr<CurlTransfers>> idle;
 };

@@ -8,10 +8,12 @@
 #include <boost/asio/dispatch.hpp>
 #include <boost/asio/executor_work_guard.hpp>
 #include <boost/asio/post.hpp>
+#include <boost/asio/this_coro.hpp>
 #include <boost/asio/use_awaitable.hpp>
 
 #include <map>
 #include <mutex>
+#include <optional>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -24,6 +26,11 @@ namespace {
 
 bool isSafeHeaderText(std::string_view text) {
     return text.find_first_of(std::string_view("\r\n\0", 3)) == std::string_view::npos;
+}
+
+URLResponse received(CurlOutcome outcome) {
+    if (outcome.error) std::rethrow_exception(outcome.error);
+    return std::move(outcome.response);
 }
 
 // Hands an outcome to the task that awaits it, on that task's own executor.
@@ -62,21 +69,20 @@ class CurlURLSession::Loops {
 public:
     explicit Loops(CurlURLSessionLimits limits)
         : limits(limits),
-          idleTransfers(std::make_shared<IdleCurlTransfers>(limits.connectionsPerHost)) {}
+          idleTransfers(std::make_shared<IdleCurlTransfers>(limits)) {}
 
-    template <typename Handler>
-    void start(Handler handler, URLRequest request) {
-        auto const executor = asio::get_associated_executor(handler);
-        auto const loop = loopOf(executor);
+    // An exchange that was started, and its outcome if that is there already.
+    struct Started {
+        std::shared_ptr<CurlLoop> loop;
+        std::uint64_t identifier;
+        std::optional<CurlOutcome> outcome;
+    };
+
+    Started start(asio::any_io_executor const& executor, URLRequest request) {
+        auto loop = loopOf(executor);
         auto const identifier = newIdentifier();
-        // Before the exchange starts: it may end on another thread of the loop at once.
-        if (auto slot = asio::get_associated_cancellation_slot(handler); slot.is_connected()) {
-            slot.assign([weak = std::weak_ptr(loop), identifier](asio::cancellation_type) {
-                if (auto const alive = weak.lock()) alive->cancel(identifier);
-            });
-        }
-        loop->submit(std::make_unique<CurlExchange>(identifier, std::move(request),
-                                                    TaskResumption<Handler>(std::move(handler)), limits));
+        auto outcome = loop->submit(std::make_unique<CurlExchange>(identifier, std::move(request), limits));
+        return {.loop = std::move(loop), .identifier = identifier, .outcome = std::move(outcome)};
     }
 
     void cancelAll() {
@@ -128,12 +134,26 @@ Foundation::Task<URLResponse> CurlURLSession::data(URLRequest request) {
     bool const isFile = request.url.absoluteString.starts_with("file:");
     if (isFile) co_return URLResponse{.statusCode = std::nullopt, .data = {}};
 
-    auto initiate = [](auto handler, std::shared_ptr<Loops> shared, URLRequest asked) {
-        shared->start(std::move(handler), std::move(asked));
+    auto const executor = co_await asio::this_coro::executor;
+    auto started = loops->start(executor, std::move(request));
+    // Without the loop's turn in between, where there is nothing to wait for.
+    if (started.outcome) co_return received(*std::move(started.outcome));
+
+    auto initiate = [](auto handler, Loops::Started* begun) {
+        // Taken from the task, which would otherwise own what owns it.
+        auto const loop = std::move(begun->loop);
+        // Before it is awaited: from then on it may end on another thread of the loop at any moment.
+        if (auto slot = asio::get_associated_cancellation_slot(handler); slot.is_connected()) {
+            slot.assign(
+                [weak = std::weak_ptr(loop), identifier = begun->identifier](asio::cancellation_type) {
+                    if (auto const alive = weak.lock()) alive->cancel(identifier);
+                });
+        }
+        loop->await(begun->identifier, TaskResumption(std::move(handler)));
     };
     using Signature = void(std::exception_ptr, URLResponse);
     URLResponse response = co_await asio::async_initiate<asio::use_awaitable_t<> const, Signature>(
-        initiate, asio::use_awaitable, loops, std::move(request));
+        initiate, asio::use_awaitable, &started);
     co_return response;
 }
 

@@ -11,7 +11,7 @@ namespace Platform {
 /// What bounds an exchange.
 struct CurlURLSessionLimits {
     std::chrono::seconds timeWithoutData{60};          ///< Then the exchange has timed out.
-    std::size_t responseBytes = std::size_t{32} << 20; ///< Of the decoded body.
+    std::size_t responseBytes = std::size_t{16} << 20; ///< Of the decoded body.
     long connectionsPerHost = 6;                       ///< Of each loop that tasks run on.
 };
 

@@ -6,11 +6,13 @@
 #include <boost/asio/bind_cancellation_slot.hpp>
 #include <boost/asio/cancellation_signal.hpp>
 #include <boost/asio/steady_timer.hpp>
+#include <boost/asio/thread_pool.hpp>
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cstdlib>
-#include <filesystem>
+#include <thread>
 
 namespace {
 
@@ -244,30 +246,85 @@ TEST(CurlURLSessionTests, endingTheSessionEndsItsExchanges) {
     EXPECT_EQ(failure, "cancelled");
 }
 
-std::size_t openDescriptors() {
-    auto const listing = std::filesystem::directory_iterator("/proc/self/fd");
-    return static_cast<std::size_t>(std::distance(begin(listing), end(listing)));
+// Starts an exchange; `count` grows when it ends well.
+template <typename Executor>
+void start(Executor&& executor, CurlURLSession& session, std::string const& url, std::atomic<int>& count) {
+    asio::co_spawn(executor, session.data(request(url)),
+                   [&count](std::exception_ptr const& error, URLResponse const& response) {
+                       if (!error && response.statusCode == 200) ++count;
+                   });
 }
 
-TEST(CurlURLSessionTests, aThousandExchangesAHundredAtATimeLeaveNoDescriptorBehind) {
+TEST(CurlURLSessionTests, exchangesOfSeveralThreadsEndOnceEach) {
+    constexpr int count = 200;
     LoopbackServer server(always(httpResponse("200 OK", "[]")));
-    auto const before = openDescriptors();
-    {
-        CurlURLSession session;
-        int successes = 0;
-        for (int round = 0; round < 10; ++round) {
-            asio::io_context context;
-            for (int number = 0; number < 100; ++number) {
-                asio::co_spawn(context, session.data(request(server.base())),
-                               [&](std::exception_ptr const& error, URLResponse const& response) {
-                                   if (!error && response.statusCode == 200) ++successes;
-                               });
+    std::atomic<int> ended = 0;
+    CurlURLSession session;
+    asio::thread_pool pool(4);
+    for (int number = 0; number < count; ++number)
+        start(pool, session, server.base(), ended);
+    pool.join();
+    EXPECT_EQ(ended, count);
+    EXPECT_EQ(server.requests().size(), static_cast<std::size_t>(count));
+}
+
+TEST(CurlURLSessionTests, oneSessionServesSeveralLoopsAtOnce) {
+    LoopbackServer server(always(httpResponse("200 OK", "[]")));
+    std::atomic<int> ended = 0;
+    CurlURLSession session;
+    std::vector<std::thread> threads;
+    for (int number = 0; number < 4; ++number) {
+        threads.emplace_back([&] {
+            for (int round = 0; round < 20; ++round) {
+                asio::io_context context;
+                start(context, session, server.base(), ended);
+                context.run();
             }
-            context.run();
-        }
-        EXPECT_EQ(successes, 1000);
+        });
     }
-    EXPECT_EQ(openDescriptors(), before);
+    for (auto& thread : threads)
+        thread.join();
+    EXPECT_EQ(ended, 80);
+}
+
+TEST(CurlURLSessionTests, aLoopThatGoesTakesItsExchangesAlong) {
+    LoopbackServer server([](Connection const& connection, std::string const& asked) {
+        if (asked.starts_with("GET /silence")) connection.waitForPeerToClose();
+        connection.send(httpResponse("200 OK", "[]"));
+    });
+    std::atomic<int> ended = 0;
+    CurlURLSession session;
+    {
+        asio::io_context context;
+        start(context, session, server.base() + "/silence", ended);
+        while (server.requests().empty())
+            context.run_for(std::chrono::milliseconds(10));
+    }
+    EXPECT_EQ(ended, 0);
+    EXPECT_EQ(Foundation::runTask(session.data(request(server.base()))).statusCode, 200);
+}
+
+TEST(CurlURLSessionTests, aRequestWithABodyLeavesNothingOfItToTheNext) {
+    LoopbackServer server(always(httpResponse("200 OK", "[]")));
+    CurlURLSession session;
+    auto post = request(server.base() + "/x");
+    post.httpMethod = "POST";
+    post.httpBody = "{\"a\":1}";
+    post.setValue("Bearer t", "Authorization");
+    Foundation::runTask(session.data(post));
+    Foundation::runTask(session.data(request(server.base() + "/y")));
+    auto head = request(server.base() + "/z");
+    head.httpMethod = "HEAD";
+    Foundation::runTask(session.data(head));
+    Foundation::runTask(session.data(request(server.base() + "/y")));
+    auto const sent = server.requests();
+    for (std::size_t const index : {1U, 3U}) {
+        EXPECT_TRUE(sent.at(index).starts_with("GET /y HTTP/1.1\r\n")) << sent.at(index);
+        EXPECT_EQ(sent.at(index).find("Authorization"), std::string::npos);
+        EXPECT_EQ(sent.at(index).find("Content-Length"), std::string::npos);
+        EXPECT_TRUE(sent.at(index).ends_with("\r\n\r\n"));
+    }
+    EXPECT_TRUE(sent.at(2).starts_with("HEAD /z HTTP/1.1\r\n"));
 }
 
 } // namespace
