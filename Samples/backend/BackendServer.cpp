@@ -126,6 +126,7 @@ Task<void> answerHostilely(Stream& stream, HostileMode mode, Response good) {
         reply = std::string(65536, '[');
         co_await sendForEver(stream, reply);
         co_return;
+    case Hostility::valueBomb: reply = okHead("Connection: close\r\n") + valueBomb(); break;
     case Hostility::resetAt:
         reply = whole.substr(0, mode.bytes);
         co_await send(stream, reply);

@@ -10,12 +10,13 @@ namespace Backend {
 namespace {
 
 using NamedHostility = std::pair<std::string_view, Hostility>;
-constexpr std::array<NamedHostility, 11> table = {{
+constexpr std::array<NamedHostility, 12> table = {{
     {"slow-bytes", Hostility::slowBytes},
     {"silence", Hostility::silence},
     {"endless-headers", Hostility::endlessHeaders},
     {"gzip-bomb", Hostility::gzipBomb},
     {"endless-body", Hostility::endlessBody},
+    {"value-bomb", Hostility::valueBomb},
     {"reset-at", Hostility::resetAt},
     {"wrong-content", Hostility::wrongContent},
     {"redirect", Hostility::redirect},
@@ -48,6 +49,15 @@ std::vector<std::string_view> HostileMode::names() {
     for (auto const& [name, hostility] : table)
         names.push_back(name);
     return names;
+}
+
+std::string valueBomb() {
+    constexpr std::size_t numbers = 6'000'000;
+    std::string document = "[[";
+    document.reserve(2 * numbers + 5);
+    for (std::size_t count = 0; count < numbers; ++count)
+        document += "0,";
+    return document + "0]]";
 }
 
 std::string gzipBombPiece(bool isFirst) {

@@ -16,6 +16,7 @@ enum class Hostility : std::uint8_t {
     endlessHeaders,    ///< Header lines without end.
     gzipBomb,          ///< A small body that unpacks to gigabytes.
     endlessBody,       ///< A body without end.
+    valueBomb,         ///< A list of a list of millions of numbers: little to send, much to keep.
     resetAt,           ///< The connection is reset after so many bytes of a good answer.
     wrongContent,      ///< 200 with a page instead of JSON.
     redirect,          ///< 302 to the same place.
@@ -35,6 +36,9 @@ struct HostileMode {
     /// All names, for a help text.
     static std::vector<std::string_view> names();
 };
+
+/// The document of `valueBomb`.
+std::string valueBomb();
 
 /// One piece of a gzip stream (RFC 1952) of zeros that never ends; the first piece bears the header.
 std::string gzipBombPiece(bool isFirst);
