@@ -10,7 +10,10 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <expected>
+#include <limits>
 #include <string_view>
+#include <utility>
 
 namespace {
 
@@ -34,11 +37,24 @@ void checkEvent(JSON::Value const& value) {
             "a date that was read is written so that it reads the same");
 }
 
+// One by one they are the same as all at once.
+void checkElements(std::string_view bytes, std::expected<JSON::Value, JSON::DecodeFailure> const& document) {
+    JSON::Array elements;
+    auto const read =
+        JSON::parseElements(bytes, std::numeric_limits<std::size_t>::max(),
+                            [&](JSON::Value element) { elements.push_back(std::move(element)); });
+    auto const* list = document ? std::get_if<JSON::Array>(&document->storage) : nullptr;
+    require(read.has_value() == (list != nullptr), "a list is one in either way of reading");
+    if (list != nullptr) require(elements == *list, "a list has the same elements in either way of reading");
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     if (size > 65536) return 0;
-    auto const document = JSON::parse(std::string_view(reinterpret_cast<char const*>(data), size));
+    std::string_view const bytes(reinterpret_cast<char const*>(data), size);
+    auto const document = JSON::parse(bytes);
+    checkElements(bytes, document);
     if (!document) return 0;
     auto const written = JSON::serialize(*document);
     require(written.has_value(), "what was read can be written");

@@ -35,7 +35,7 @@ Networking::APIClient clientFor(BackendProcess const& service,
         .files = std::make_shared<Platform::InMemoryFileManager>(),
         .console = std::make_shared<Platform::RecordingConsoleOutput>(),
         .clock = std::make_shared<Platform::FixedClock>(Foundation::Date{1700000000}),
-        .region = std::make_shared<Platform::FixedRegionSettings>(utcCalendar(),
+        .region = std::make_shared<Platform::FixedRegionSettings>(Meetings::utcCalendar(),
                                                                   Foundation::Locale{.identifier = "en"})};
     return Networking::APIClient({.absoluteString = service.baseURL()},
                                  std::make_shared<GivenToken>(service.token()), std::move(session), false,
@@ -93,8 +93,9 @@ TEST(ManyRequestsTests, aHundredAtATimeLeaveNoDescriptorThreadOrMemoryBehind) {
 
         EXPECT_LE(openDescriptors(), descriptorsOnceOpen);
         EXPECT_EQ(threads(), threadsBefore);
-        // Eight bytes kept of each request would show.
-        EXPECT_LE(usedMemory(), memoryBefore + static_cast<std::size_t>(rounds) * 800);
+        // The allocator keeps some freed pieces at hand and counts them. Were the smallest of all pieces, 32
+        // bytes, kept of each of ten thousand requests, it would be more than this.
+        EXPECT_LE(usedMemory(), memoryBefore + (std::size_t{256} << 10));
     }
     EXPECT_EQ(openDescriptors(), descriptorsBefore);
     EXPECT_EQ(threads(), threadsBefore);
@@ -104,12 +105,13 @@ TEST(ManyRequestsTests, aConnectionServesTheNextLoopToo) {
     BackendProcess const service;
     auto session = std::make_shared<Platform::CurlURLSession>();
     auto const client = clientFor(service, session);
-    auto const before = openDescriptors();
     auto const successes = std::make_shared<int>(0);
+    Foundation::runTask(list(client, successes));
+    auto const onceOpen = openDescriptors();
     for (int round = 0; round < 5; ++round)
         Foundation::runTask(list(client, successes));
-    EXPECT_EQ(*successes, 5);
-    EXPECT_EQ(openDescriptors(), before + 1);
+    EXPECT_EQ(*successes, 6);
+    EXPECT_EQ(openDescriptors(), onceOpen);
 }
 
 } // namespace

@@ -71,6 +71,18 @@ TEST(RemoteEventContractTests, aMeetIsCreatedListedChangedAndDeletedOnTheService
     runTask(repository->deleteMeet(created));
     EXPECT_TRUE(runTask(repository->fetchAllMeets()).empty());
     EXPECT_EQ(failureOf(repository->deleteMeet(created)), "evento no encontrado");
+    EXPECT_EQ(failureOf(repository->update(created)), "evento no encontrado");
+}
+
+TEST(RemoteEventContractTests, listingTwiceYieldsTheSameIdentifiers) {
+    BackendProcess const service;
+    auto const repository = repositoryFor(service.baseURL(), service.token());
+    runTask(repository->create(someMeet("A")));
+    runTask(repository->create(someMeet("B")));
+    auto const first = runTask(repository->fetchAllMeets());
+    ASSERT_EQ(first.size(), 2U);
+    EXPECT_NE(first[0].metId, first[1].metId);
+    EXPECT_EQ(runTask(repository->fetchAllMeets()), first);
 }
 
 TEST(RemoteEventContractTests, eachRefusalOfTheServiceBearsItsText) {
@@ -114,6 +126,7 @@ INSTANTIATE_TEST_SUITE_P(Modes, HostileServiceTests,
                                          HostileRow{"endlessHeaders", "endless-headers", tooLarge},
                                          HostileRow{"gzipBomb", "gzip-bomb", tooLarge},
                                          HostileRow{"endlessBody", "endless-body", tooLarge},
+                                         HostileRow{"valueBomb", "value-bomb", tooLarge},
                                          HostileRow{"resetAtOnce", "reset-at:0", lost},
                                          HostileRow{"resetInHead", "reset-at:20", lost},
                                          HostileRow{"wrongContent", "wrong-content", wrongFormat},
