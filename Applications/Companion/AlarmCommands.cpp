@@ -2,6 +2,7 @@
 #include "Applications/Companion/Commands.h"
 #include "Applications/Companion/Support.h"
 #include "Applications/Companion/Texts.h"
+#include "Foundation/Text.h"
 #include "Meetings/Alarms/AlarmMessageApplication.h"
 #include "Meetings/Alarms/AlarmMessageDomainError.h"
 #include "Meetings/Alarms/AlarmMessageTemplateError.h"
@@ -56,6 +57,11 @@ ExitCode voice(Invocation const& invocation) {
     return ExitCode::done;
 }
 
+// A message of the person's own, or one with a meet's name in it, on one line.
+std::string harmless(std::string_view text) {
+    return Foundation::Text::neutralized(Foundation::Text::sanitizedUTF8(text));
+}
+
 void printTemplate(Invocation const& invocation, Meetings::AlarmMessageTemplateRepository const& repository) {
     std::string text;
     try {
@@ -63,7 +69,7 @@ void printTemplate(Invocation const& invocation, Meetings::AlarmMessageTemplateR
     } catch (Meetings::AlarmMessageTemplateError const&) {
         throw CommandError::failed(Texts::alarmTemplateUnreadable());
     }
-    invocation.console.writeLine(text);
+    invocation.console.writeLine(harmless(text));
 }
 
 void saveTemplate(std::string const& text, Meetings::AlarmMessageApplication const& messages) {
@@ -103,13 +109,13 @@ ExitCode preview(Invocation const& invocation) {
         invocation.values.option("--meet").value_or(std::string(Meetings::sampleMeetingName(language)));
     auto const sentence = announcer->sentence(name);
     if (invocation.values.has("--text")) {
-        invocation.console.writeLine(sentence);
+        invocation.console.writeLine(harmless(sentence));
         return ExitCode::done;
     }
     auto const outcome = announcer->announce(name);
     if (!outcome) {
         invocation.console.report(Texts::announcementNotHeard(outcome.error()));
-        invocation.console.writeLine(sentence);
+        invocation.console.writeLine(harmless(sentence));
         return ExitCode::done;
     }
     auto const chosen = Meetings::MeetAlarmModeStore::load(*defaults);

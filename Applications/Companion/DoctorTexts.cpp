@@ -107,15 +107,15 @@ std::string databaseNeedsKey(std::string_view path) {
 }
 
 std::string databaseDoesNotOpen(std::string_view path, std::string_view reason) {
-    return text("doctor-database-does-not-open", path, reason);
+    return text("doctor-database-does-not-open", path, told(reason));
 }
 
 std::string databaseCannotBeRead(std::string_view path, std::string_view reason) {
-    return text("doctor-database-cannot-be-read", path, reason);
+    return text("doctor-database-cannot-be-read", path, told(reason));
 }
 
 std::string databaseCannotBeChanged(std::string_view folder, std::string_view reason) {
-    return text("doctor-database-cannot-be-changed", folder, reason);
+    return text("doctor-database-cannot-be-changed", folder, told(reason));
 }
 
 std::string databaseIsLocked() {
@@ -163,7 +163,7 @@ std::string accessOfNoUse() {
 }
 
 std::string ownCalendarIsMissing(std::string_view reason) {
-    return text("doctor-own-calendar-is-missing", reason);
+    return text("doctor-own-calendar-is-missing", told(reason));
 }
 
 std::string sourceIsRead(std::string_view title, std::string_view path) {
@@ -175,7 +175,7 @@ std::string eventsAreRead(std::size_t count) {
 }
 
 std::string eventsAreSkipped(std::size_t count, std::string_view first) {
-    return text("doctor-events-are-skipped", std::to_string(count), first);
+    return text("doctor-events-are-skipped", std::to_string(count), told(first));
 }
 
 std::string sourcesCommand() {
@@ -203,7 +203,7 @@ std::string sharedFolderIsMissing(std::string_view path) {
 }
 
 std::string sharedFolderCannotBeUsed(std::string_view path, std::string_view reason) {
-    return text("doctor-shared-folder-cannot-be-used", path, reason);
+    return text("doctor-shared-folder-cannot-be-used", path, told(reason));
 }
 
 std::string diskIsFull(std::string_view path) {
@@ -235,7 +235,7 @@ std::string offsetIsNoNumber(std::string_view path) {
 }
 
 std::string offsetCannotBeRead(std::string_view path, std::string_view reason) {
-    return text("doctor-offset-cannot-be-read", path, reason);
+    return text("doctor-offset-cannot-be-read", path, told(reason));
 }
 
 std::string noBus() {

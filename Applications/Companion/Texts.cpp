@@ -318,7 +318,7 @@ std::string keychainChosen(bool isFile) {
 }
 
 std::string offerKeyFile(std::string_view reason) {
-    return text("offer-key-file", reason, text("key-file-protection"));
+    return text("offer-key-file", told(reason), text("key-file-protection"));
 }
 
 std::string notSwitchedOn(bool isForWantOfAKeyring) {

@@ -106,6 +106,23 @@ INSTANTIATE_TEST_SUITE_P(
         Output{.name = "occurrencesAsJSON",
                .words = {"occurrences", "calendars", "--from", "2026-03-11", "--to", "2026-03-12", "--json"},
                .lines = 1},
+        Output{.name = "meets", .words = {"meet", "show", "--day", "2026-03-11"}, .lines = 3},
+        Output{.name = "meetsAsJSON", .words = {"meet", "show", "--day", "2026-03-11", "--json"}, .lines = 1},
+        Output{.name = "newMeet",
+               .words = {"meet", "add", "--name", typed, "--start", "2026-03-11T12:00", "--location", typed,
+                         "--description", typed}},
+        Output{.name = "meetNobodyKnows", .words = {"meet", "show", typed}},
+        Output{.name = "wrongDuration",
+               .words = {"meet", "add", "--name", "x", "--start", "09:00", "--duration", typed}},
+        Output{.name = "wrongLink",
+               .words = {"meet", "add", "--name", "x", "--start", "09:00", "--url", typed}},
+        Output{.name = "doctor", .words = {"doctor"}},
+        Output{.name = "announcedCalendars", .words = {"alarm", "calendars", "list"}},
+        Output{.name = "announcedCalendarNobodyKnows", .words = {"alarm", "calendars", "add", typed}},
+        Output{.name = "announcement", .words = {"alarm", "preview", "--meet", typed, "--text"}},
+        Output{.name = "messageTemplate", .words = {"alarm", "template", typed + "{event}"}},
+        Output{.name = "messageWithoutAPlace", .words = {"alarm", "template", typed}},
+        Output{.name = "unknownMode", .words = {"alarm", "mode", typed}},
         Output{.name = "lineOfHTML", .words = {"html-line"}, .lines = 1, .input = "<p>" + typed + "</p>"},
         Output{.name = "lineOfText", .words = {"html-line"}, .input = typed},
         Output{.name = "hiddenCalendar", .words = {"calendars", "hide", typed}},
@@ -138,6 +155,26 @@ TEST(ForeignTextInProvidersJourneys, controlNothing) {
              {"providers", "remove", "eventKit"}}) {
         auto const result = home.quillora(words);
         EXPECT_EQ(result.exitCode, 0) << result.errors;
+        EXPECT_EQ(harmIn(result.output), "") << words[1];
+        EXPECT_EQ(harmIn(result.errors), "") << words[1];
+    }
+}
+
+TEST(ForeignTextInMeetsJourneys, aMeetToldWholeControlsNothing) {
+    PrivateHome const home;
+    home.setUp();
+    home.write(home.calendars() / "home" / "a.ics", calendarFile(hostileEvent("u1", "")));
+    auto const day = home.dayJSON({"--at", "2026-03-11T08:00"});
+    auto const& meetings = std::get<Foundation::JSON::Array>(day.member("meetings")->storage);
+    ASSERT_EQ(meetings.size(), 1U);
+    auto const id = Foundation::JSON::text(*meetings.front().member("metId")).value();
+    for (auto const& words : std::vector<std::vector<std::string>>{
+             {"meet", "show", id, "--day", "2026-03-11"},
+             {"meet", "show", id, "--day", "2026-03-11", "--json"},
+             {"meet", "edit", id, "--day", "2026-03-11", "--name", typed + "x", "--yes"},
+             {"meet", "delete", id, "--day", "2026-03-11", "--yes"}}) {
+        auto const result = home.quillora(words);
+        EXPECT_EQ(result.exitCode, 0) << words[1] << result.errors;
         EXPECT_EQ(harmIn(result.output), "") << words[1];
         EXPECT_EQ(harmIn(result.errors), "") << words[1];
     }
