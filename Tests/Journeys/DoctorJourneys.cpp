@@ -118,6 +118,18 @@ TEST_F(DoctorJourneys, aKeyFileThatOthersMayReadIsNamed) {
     EXPECT_THAT(report().broken(), IsEmpty());
 }
 
+TEST_F(DoctorJourneys, aDamagedKeyFileCanBeGivenUp) {
+    fs::resize_file(keyFile(), 40);
+    auto const sick = report();
+    EXPECT_THAT(sick.broken(), ElementsAre("keychain"));
+    auto const folder = (quillora() / "Keychain").string();
+    EXPECT_THAT(sick.worst("keychain").mend,
+                testing::EndsWith("or: mv " + folder + " " + folder + ".away, then: quillora setup"));
+    fs::rename(folder, folder + ".away");
+    ASSERT_EQ(home.quillora({"setup", "--yes"}).exitCode, 0);
+    EXPECT_THAT(report().broken(), IsEmpty());
+}
+
 TEST_F(DoctorJourneys, aTextInTheKeysPlaceIsNamed) {
     home.write(keyFile(), "a text");
     auto const sick = report();
