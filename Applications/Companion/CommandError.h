@@ -11,8 +11,10 @@ namespace Companion {
 /// How a command ended. The numbers are part of the interface: scripts rely on them.
 enum class ExitCode : std::uint8_t {
     done = 0,
-    failed = 1,   ///< What was asked for could not be done; one line on standard error says why.
-    wrongUse = 2, ///< The command line or what it names makes no sense; nothing was changed.
+    failed = 1,        ///< What was asked for could not be done; one line on standard error says why.
+    wrongUse = 2,      ///< The command line or what it names makes no sense; nothing was changed.
+    interrupted = 130, ///< By Ctrl-C, as shells count: 128 and SIGINT. Standard error says what was done.
+    terminated = 143,  ///< The same by SIGTERM.
 };
 
 /// Ends a command early with a code and one line for the person.

@@ -53,6 +53,18 @@ Command alarmCalendarsAddCommand();
 Command alarmCalendarsRemoveCommand();
 Command alarmPreviewCommand();
 
+Command backendGroup();
+Command backendLoginCommand();
+Command backendLogoutCommand();
+Command backendListCommand();
+Command backendAddCommand();
+Command backendEditCommand();
+Command backendDeleteCommand();
+Command backendLogGroup();
+Command backendLogOnCommand();
+Command backendLogOffCommand();
+Command backendLogShowCommand();
+
 Command occurrencesCommand();
 Command htmlLineCommand();
 

@@ -68,8 +68,12 @@ void Console::tell(std::string_view text) const {
     writeAll(STDERR_FILENO, text);
 }
 
+bool Console::canAsk() const {
+    return ::isatty(STDIN_FILENO) == 1 && ::isatty(STDERR_FILENO) == 1;
+}
+
 std::optional<bool> Console::ask(std::string_view question) const {
-    if (::isatty(STDIN_FILENO) != 1 || ::isatty(STDERR_FILENO) != 1) return std::nullopt;
+    if (!canAsk()) return std::nullopt;
     for (;;) {
         writeAll(STDERR_FILENO, std::string(question) + " " + Texts::askHint() + " ");
         auto const line = readLine();

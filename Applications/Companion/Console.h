@@ -34,6 +34,9 @@ public:
     /// It must be harmless already. Never fails.
     void tell(std::string_view text) const;
 
+    /// Whether somebody sits at a terminal who can be asked.
+    [[nodiscard]] bool canAsk() const;
+
     /// Asks a yes-or-no question on the terminal. Absent when nobody sits there or the input ends.
     [[nodiscard]] std::optional<bool> ask(std::string_view question) const;
 

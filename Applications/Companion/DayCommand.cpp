@@ -2,6 +2,7 @@
 #include "Applications/Companion/CalendarAccess.h"
 #include "Applications/Companion/Commands.h"
 #include "Applications/Companion/DayJSON.h"
+#include "Applications/Companion/DayWithBackend.h"
 #include "Applications/Companion/FaceText.h"
 #include "Applications/Companion/OutputFile.h"
 #include "Applications/Companion/PictureStyle.h"
@@ -92,6 +93,11 @@ DayRequest requestOf(Invocation const& invocation) {
     return request;
 }
 
+// What else is printed must not end up in a document or a picture.
+OutputReader readerOf(DayRequest const& request) {
+    return request.writesText ? OutputReader::person : OutputReader::program;
+}
+
 std::string picture(std::string_view option, Platform::FacePainter const& painter,
                     Platform::FaceLayout const& layout, double scale) {
     auto drawn = option == "--png"   ? Platform::FacePicture::png(painter, layout, scale)
@@ -133,7 +139,9 @@ ExitCode run(Invocation const& invocation) {
     auto services = live->scheduleWidgetServices(loop.executor());
     services.appearance = std::make_shared<AskedOnceAppearance>(services.appearance, request.scheme);
 
-    auto const day = shownDay(services, loop, offsetOf(request.day, services));
+    auto day = shownDay(services, loop, offsetOf(request.day, services));
+    if (invocation.values.has("--with-backend"))
+        day = withBackend(invocation, *live, services, std::move(day), readerOf(request));
     bool const drawsPictures =
         invocation.values.has("--png") || invocation.values.has("--svg") || invocation.values.has("--pdf");
     // Only a picture shows the scheme; for text alone the desktop need not be asked.
@@ -167,6 +175,7 @@ Command dayCommand() {
                                    .valueName = "MOMENT",
                                    .help = Texts::text("day-option-at"),
                                    .kind = ValueKind::moment},
+                                  {.name = "--with-backend", .help = Texts::text("day-option-with-backend")},
                                   {.name = "--text", .help = Texts::text("day-option-text")},
                                   {.name = "--json", .help = Texts::text("day-option-json")},
                                   {.name = "--png",
@@ -192,6 +201,7 @@ Command dayCommand() {
         .examples = {{"quillora day", Texts::text("day-example-1")},
                      {"quillora day --offset 1", Texts::text("day-example-2")},
                      {"quillora day --day 2026-03-11 --json", Texts::text("day-example-3")},
+                     {"quillora day --with-backend", Texts::text("day-example-5")},
                      {"quillora day --family medium --scheme dark --png day.png",
                       Texts::text("day-example-4")}},
         .run = run,

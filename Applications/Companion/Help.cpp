@@ -100,8 +100,10 @@ std::string programHelp() {
         page += std::string(margin, ' ') + line + "\n";
     page += "  quillora --version\n";
     page += section(Texts::commandsHeading(), entriesOf(runnableCommands()));
-    page += section(Texts::exitCodesHeading(),
-                    {{"0", Texts::exitDone()}, {"1", Texts::exitFailed()}, {"2", Texts::exitWrongUse()}});
+    page += section(Texts::exitCodesHeading(), {{"0", Texts::exitDone()},
+                                                {"1", Texts::exitFailed()},
+                                                {"2", Texts::exitWrongUse()},
+                                                {"130", Texts::exitInterrupted()}});
     page += "\n" + wrapped(Texts::firstSteps(), 0);
     return page;
 }

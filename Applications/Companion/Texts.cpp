@@ -81,6 +81,10 @@ std::string exitWrongUse() {
     return text("exit-wrong-use");
 }
 
+std::string exitInterrupted() {
+    return text("exit-interrupted");
+}
+
 std::string helpOption() {
     return text("help-option");
 }

@@ -38,6 +38,7 @@ std::string exitCodesHeading();
 std::string exitDone();
 std::string exitFailed();
 std::string exitWrongUse();
+std::string exitInterrupted();
 std::string helpOption();
 std::string usageCommand();
 std::string usageCommandHelp();

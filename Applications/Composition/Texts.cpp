@@ -57,5 +57,13 @@ std::string keyNotCopied(std::int32_t status, std::string_view database) {
     return text("key-not-copied", std::to_string(status), database);
 }
 
+std::string unreadableBackend(std::string_view path, std::string_view reason) {
+    return text("unreadable-backend", path, reason);
+}
+
+std::string noBackendNamed(std::string_view path) {
+    return text("no-backend-named", path);
+}
+
 } // namespace Texts
 } // namespace Composition

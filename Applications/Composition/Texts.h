@@ -22,5 +22,7 @@ std::string unreadableKeychainChoice(std::string_view path, std::string_view rea
 std::string noKeychainNamed(std::string_view path);
 std::string keychainChoiceNotSaved(std::string_view path, std::string_view reason);
 std::string keyNotCopied(std::int32_t status, std::string_view database);
+std::string unreadableBackend(std::string_view path, std::string_view reason);
+std::string noBackendNamed(std::string_view path);
 
 } // namespace Composition::Texts

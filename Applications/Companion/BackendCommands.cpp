@@ -1,0 +1,218 @@
+#include "Applications/Companion/BackendRun.h"
+#include "Applications/Companion/BackendTexts.h"
+#include "Applications/Companion/Commands.h"
+#include "Applications/Companion/MeetJSON.h"
+#include "Applications/Companion/MeetTyping.h"
+#include "Applications/Companion/PlainJSON.h"
+#include "Applications/Companion/Support.h"
+#include "Applications/Companion/Texts.h"
+#include "Foundation/DateFormatting.h"
+#include "Foundation/Numbers.h"
+#include "Meetings/MeetingsApplication.h"
+#include "Meetings/Remote/RemoteEventRepositoryImpl.h"
+#include "Platform/Clock/Clock.h"
+#include "Platform/Clock/RegionSettings.h"
+
+#include <algorithm>
+#include <unistd.h>
+#include <utility>
+
+namespace Companion {
+
+using Meetings::MeetEntity;
+using Meets = std::vector<MeetEntity>;
+
+namespace {
+
+// One command on the backend's meets.
+class BackendCommand {
+public:
+    explicit BackendCommand(Invocation const& invocation)
+        : invocation(invocation),
+          services(liveServices(invocation)),
+          writesJSON(invocation.values.has("--json")),
+          calendar(services->region()->currentCalendar()),
+          run(invocation, *services, writesJSON ? OutputReader::program : OutputReader::person) {}
+
+    ExitCode list() {
+        auto const meets =
+            run.require(run.meets()->fetchAllMeets(), Texts::meetsNotListed(), Texts::interruptedReading());
+        if (writesJSON) {
+            for (auto const& meet : meets)
+                showJSON(meet);
+        } else if (meets.empty()) {
+            invocation.console.writeLine(Texts::noMeets());
+        } else {
+            invocation.console.write(alignedColumns(rowsOf(meets)));
+        }
+        return ExitCode::done;
+    }
+
+    ExitCode add() {
+        auto meet = typedMeet(invocation.values, services->clock()->now(), calendar);
+        auto const notDone = Texts::backendMeetNotAdded(meet.metName);
+        auto const stored = run.require(application().createMeet(std::move(meet)), notDone,
+                                        Texts::interruptedWriting(notDone));
+        show(stored, Texts::backendMeetAdded(stored.metName, stored.metOriginalIdentifier));
+        return ExitCode::done;
+    }
+
+    ExitCode edit() {
+        if (!describesAMeet(invocation.values)) throw CommandError::wrongUse(Texts::nothingToEditInMeet());
+        auto const notDone = Texts::backendMeetNotChanged(typedId());
+        auto meet = changedMeet(invocation.values, meetCalled(notDone), calendar);
+        auto const stored =
+            run.require(application().editMeet(std::move(meet)), notDone, Texts::interruptedWriting(notDone));
+        show(stored, Texts::backendMeetChanged(stored.metName, stored.metOriginalIdentifier));
+        return ExitCode::done;
+    }
+
+    ExitCode remove() {
+        bool const isAsked = !invocation.values.has("--yes");
+        if (isAsked && !invocation.console.canAsk()) throw CommandError::wrongUse(Texts::deletingNeedsYes());
+        auto const notDone = Texts::backendMeetNotDeleted(typedId());
+        auto const meet = meetCalled(notDone);
+        if (isAsked) {
+            auto const answer = invocation.console.ask(Texts::deleteMeet(meet.metName, startText(meet)));
+            if (!answer.value_or(false)) throw CommandError::failed(Texts::meetKept(meet.metName));
+        }
+        run.require(application().deleteMeet(meet), notDone, Texts::interruptedWriting(notDone));
+        show(meet, Texts::backendMeetDeleted(meet.metName, meet.metOriginalIdentifier));
+        return ExitCode::done;
+    }
+
+private:
+    [[nodiscard]] Meetings::MeetingsApplication application() const { return {run.meets(), calendar}; }
+
+    [[nodiscard]] std::string const& typedId() const { return invocation.values.arguments().front(); }
+
+    // The meet that a person means: by the backend's identifier, or by the beginning of its metId.
+    MeetEntity meetCalled(std::string const& notDone) {
+        auto const meets =
+            run.require(run.meets()->fetchAllMeets(), notDone, Texts::interruptedBeforeAChange());
+        auto const& id = typedId();
+        auto const named = std::ranges::find(meets, id, &MeetEntity::metOriginalIdentifier);
+        if (named != meets.end()) return *named;
+
+        auto const begins = [&](MeetEntity const& meet) {
+            return !id.empty() && meet.metId.uuidString().starts_with(upperASCII(id));
+        };
+        auto const found = std::ranges::find_if(meets, begins);
+        if (found == meets.end()) {
+            throw CommandError::refused(notDone,
+                                        std::string(Meetings::RemoteEventRepositoryImpl::errorNotFound));
+        }
+        if (std::find_if(found + 1, meets.end(), begins) != meets.end())
+            throw CommandError::wrongUse(Texts::severalBackendMeets(id));
+        return *found;
+    }
+
+    static std::string upperASCII(std::string text) {
+        for (char& letter : text)
+            if (letter >= 'a' && letter <= 'z') letter = static_cast<char>(letter - 'a' + 'A');
+        return text;
+    }
+
+    [[nodiscard]] std::string startText(MeetEntity const& meet) const {
+        return Foundation::logTimestamp(meet.metDate, calendar).substr(0, 16);
+    }
+
+    [[nodiscard]] std::vector<std::vector<std::string>> rowsOf(Meets const& meets) const {
+        std::vector<std::vector<std::string>> rows;
+        for (auto const& meet : meets) {
+            auto const minutes = Foundation::truncatedInteger(meet.metDuration / 60);
+            rows.push_back({startText(meet), Texts::minutesLong(minutes), meet.metName, repetitionText(meet),
+                            meet.metOriginalIdentifier});
+        }
+        return rows;
+    }
+
+    void showJSON(MeetEntity const& meet) const { invocation.console.writeLine(plainJSON(meetJSON(meet))); }
+
+    void show(MeetEntity const& meet, std::string const& text) const {
+        if (writesJSON) {
+            showJSON(meet);
+        } else {
+            invocation.console.writeLine(text);
+        }
+    }
+
+    Invocation const& invocation;
+    std::unique_ptr<Composition::LiveServices> services;
+    bool writesJSON;
+    Foundation::Calendar calendar;
+    BackendRun run;
+};
+
+std::vector<CommandOption> withConnection(std::vector<CommandOption> options) {
+    options.push_back({.name = "--url", .valueName = "URL", .help = Texts::text("backend-option-url")});
+    options.push_back({.name = "--token-fd",
+                       .valueName = "N",
+                       .help = Texts::text("backend-option-token-fd"),
+                       .kind = ValueKind::number});
+    options.push_back({.name = "--json", .help = Texts::text("backend-option-json")});
+    return options;
+}
+
+CommandArgument idArgument() {
+    return {.name = "ID", .help = Texts::text("backend-option-id")};
+}
+
+} // namespace
+
+Command backendListCommand() {
+    return {
+        .path = "backend list",
+        .summary = Texts::text("backend-list-summary"),
+        .description = Texts::text("backend-list-description"),
+        .options = withConnection({}),
+        .examples = {{"quillora backend list", Texts::text("backend-list-example-1")},
+                     {"quillora backend list --url http://127.0.0.1:8080 --token-fd 0 --json < token",
+                      Texts::text("backend-list-example-2")}},
+        .run = [](Invocation const& invocation) { return BackendCommand(invocation).list(); },
+    };
+}
+
+Command backendAddCommand() {
+    return {
+        .path = "backend add",
+        .summary = Texts::text("backend-add-summary"),
+        .description = Texts::text("backend-add-description"),
+        .options = withConnection(backendMeetOptions(MeetAge::isNew)),
+        .examples = {{"quillora backend add --name \"Stand-up\" --start 2026-03-11T09:00 --duration 15m",
+                      Texts::text("backend-add-example-1")},
+                     {"quillora backend add --name A --start 2026-03-11 --duration 60 --repeat weekly "
+                      "--days mon,wed",
+                      Texts::text("backend-add-example-2")}},
+        .run = [](Invocation const& invocation) { return BackendCommand(invocation).add(); },
+    };
+}
+
+Command backendEditCommand() {
+    return {
+        .path = "backend edit",
+        .summary = Texts::text("backend-edit-summary"),
+        .description = Texts::text("backend-edit-description"),
+        .options = withConnection(backendMeetOptions(MeetAge::exists)),
+        .arguments = {idArgument()},
+        .examples = {{"quillora backend edit e17 --name \"Stand-up, shorter\" --duration 10m",
+                      Texts::text("backend-edit-example-1")}},
+        .run = [](Invocation const& invocation) { return BackendCommand(invocation).edit(); },
+    };
+}
+
+Command backendDeleteCommand() {
+    auto options = withConnection({{.name = "--yes", .help = Texts::text("backend-delete-option-yes")}});
+    return {
+        .path = "backend delete",
+        .summary = Texts::text("backend-delete-summary"),
+        .description = Texts::text("backend-delete-description"),
+        .options = std::move(options),
+        .arguments = {idArgument()},
+        .examples = {{"quillora backend delete e17", Texts::text("backend-delete-example-1")},
+                     {"quillora backend delete e17 --yes", Texts::text("backend-delete-example-2")}},
+        .run = [](Invocation const& invocation) { return BackendCommand(invocation).remove(); },
+    };
+}
+
+} // namespace Companion

@@ -1,0 +1,88 @@
+#include "Applications/Companion/BackendRun.h"
+
+#include "Applications/Companion/BackendTexts.h"
+#include "Applications/Companion/CommandError.h"
+#include "Applications/Companion/Support.h"
+#include "Applications/Companion/Texts.h"
+#include "Applications/Companion/TokenInput.h"
+#include "Applications/Composition/KeychainTokenProvider.h"
+#include "Platform/Logging/StandardConsoleOutput.h"
+
+#include <csignal>
+
+namespace Companion {
+namespace {
+
+Foundation::URL chosenURL(Invocation const& invocation, Composition::LiveBackendServices& services) {
+    // As it was typed: the client says what is wrong with it.
+    if (auto const typed = invocation.values.option("--url")) return {.absoluteString = *typed};
+    auto const setting = services.setting();
+    if (!setting) throw CommandError::failed(Texts::noHome());
+    auto const known = setting->baseURL();
+    if (!known) throw CommandError::failed(known.error());
+    if (!*known) throw CommandError::failed(Texts::noBackend());
+    return **known;
+}
+
+} // namespace
+
+BackendRun::BackendRun(Invocation const& invocation, Composition::LiveServices& live, OutputReader reader)
+    : services(live),
+      baseURL(chosenURL(invocation, services)),
+      line(std::make_shared<WaitingLine>(baseURL.absoluteString, invocation.environment)) {
+    std::shared_ptr<Platform::ConsoleOutput> console = std::make_shared<SilentConsole>();
+    if (reader == OutputReader::person) {
+        console =
+            std::make_shared<ConsoleBesideWaiting>(line, std::make_shared<Platform::StandardConsoleOutput>());
+    }
+    repository = services.meets(baseURL, tokenProvider(invocation), std::move(console));
+}
+
+BackendRun::~BackendRun() = default;
+
+std::shared_ptr<Networking::AuthTokenProvider> BackendRun::tokenProvider(Invocation const& invocation) {
+    if (auto const descriptor = invocation.values.option("--token-fd")) {
+        return std::make_shared<Composition::GivenTokenProvider>(
+            tokenFromDescriptor(wholeNumber("--token-fd", *descriptor)));
+    }
+    auto tokens = services.tokens();
+    if (!tokens) throw CommandError::failed(tokens.error());
+    keychainTokens = std::make_shared<Composition::KeychainTokenProvider>(*std::move(tokens), baseURL);
+    return keychainTokens;
+}
+
+void BackendRun::require(Foundation::Task<void> task, std::string const& whatWasNotDone,
+                         std::string const& ifInterrupted) {
+    auto const end =
+        Foundation::runInterruptibly(std::move(task), [line = line](auto elapsed) { line->show(elapsed); });
+    line->clear();
+    if (end.error) refuse(end, whatWasNotDone, ifInterrupted);
+}
+
+std::optional<std::string> BackendRun::missingToken() const {
+    auto const status = keychainTokens ? keychainTokens->failure() : std::nullopt;
+    if (!status) return std::nullopt;
+    return Texts::tokenIsMissing(baseURL.absoluteString, *status);
+}
+
+void BackendRun::refuse(Foundation::TaskEnd const& end, std::string const& whatWasNotDone,
+                        std::string const& ifInterrupted) const {
+    if (end.signal) throwInterrupted(*end.signal, ifInterrupted);
+    auto const reason = missingToken();
+    throw CommandError::refused(reason ? Texts::withReason(whatWasNotDone, *reason) : whatWasNotDone,
+                                messageOf(end.error));
+}
+
+void throwInterrupted(int signal, std::string const& message) {
+    throw CommandError(signal == SIGTERM ? ExitCode::terminated : ExitCode::interrupted, message);
+}
+
+std::string messageOf(std::exception_ptr const& error) {
+    try {
+        std::rethrow_exception(error);
+    } catch (std::exception const& thrown) {
+        return thrown.what();
+    }
+}
+
+} // namespace Companion
