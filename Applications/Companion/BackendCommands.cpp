@@ -181,8 +181,7 @@ Command backendAddCommand() {
         .options = withConnection(backendMeetOptions(MeetAge::isNew)),
         .examples = {{"quillora backend add --name \"Stand-up\" --start 2026-03-11T09:00 --duration 15m",
                       Texts::text("backend-add-example-1")},
-                     {"quillora backend add --name A --start 2026-03-11 --duration 60 --repeat weekly "
-                      "--days mon,wed",
+                     {"quillora backend add --name A --start 09:00 --repeat weekly --weekdays mon",
                       Texts::text("backend-add-example-2")}},
         .run = [](Invocation const& invocation) { return BackendCommand(invocation).add(); },
     };

@@ -106,7 +106,7 @@ std::string logState(bool isEnabled, std::string_view path) {
 }
 
 std::string waitingFor(std::string_view url, std::int64_t seconds) {
-    return text("waiting-for", Foundation::Text::truncated(url, 50), std::to_string(seconds));
+    return text("waiting-for", Foundation::Text::truncated(url, 40), std::to_string(seconds));
 }
 
 std::string interruptedReading() {

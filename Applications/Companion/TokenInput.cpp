@@ -106,9 +106,11 @@ std::string readLine(int descriptor, Ready isReady) {
     throw CommandError::wrongUse(Texts::badToken());
 }
 
-std::string typedLine() {
+// The question comes last: whoever answers it at once is not shown either.
+std::string typedLine(std::string const& prompt) {
     HeldSignals const held;
     HiddenTyping const hidden;
+    [[maybe_unused]] auto const shown = ::write(STDERR_FILENO, prompt.data(), prompt.size());
     return readLine(STDIN_FILENO, [&] { return held.waitForInput(); });
 }
 
@@ -123,9 +125,7 @@ std::string tokenFromDescriptor(std::int64_t descriptor) {
 std::string tokenFromTerminal(std::string_view question) {
     if (::isatty(STDIN_FILENO) != 1 || ::isatty(STDERR_FILENO) != 1)
         throw CommandError::wrongUse(Texts::nowhereToTypeTheToken());
-    auto const prompt = std::string(question) + " ";
-    [[maybe_unused]] auto const shown = ::write(STDERR_FILENO, prompt.data(), prompt.size());
-    return checkedToken(typedLine());
+    return checkedToken(typedLine(std::string(question) + " "));
 }
 
 } // namespace Companion

@@ -31,7 +31,7 @@ std::expected<BackendTokens, std::string> LiveBackendServices::tokens() {
 }
 
 std::shared_ptr<Meetings::MeetRepository>
-LiveBackendServices::meets(Foundation::URL baseURL,
+LiveBackendServices::meets(Foundation::URL const& baseURL,
                            std::shared_ptr<Networking::AuthTokenProvider> tokenProvider,
                            std::shared_ptr<Platform::ConsoleOutput> console) {
     auto const chosen = setting();
@@ -39,8 +39,8 @@ LiveBackendServices::meets(Foundation::URL baseURL,
                                                  .console = std::move(console),
                                                  .clock = services.clock(),
                                                  .region = services.region()};
-    Networking::APIClient client(std::move(baseURL), std::move(tokenProvider), session,
-                                 chosen && chosen->isLogEnabled(), std::move(logging));
+    Networking::APIClient client(baseURL, std::move(tokenProvider), session, chosen && chosen->isLogEnabled(),
+                                 std::move(logging));
     return std::make_shared<Meetings::RemoteEventRepositoryImpl>(std::move(client), services.appearance());
 }
 

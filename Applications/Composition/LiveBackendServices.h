@@ -40,7 +40,7 @@ public:
     /// The meets of the backend at `baseURL`. Its requests are logged if the person wants that, and printed
     /// to `console` then.
     std::shared_ptr<Meetings::MeetRepository>
-    meets(Foundation::URL baseURL, std::shared_ptr<Networking::AuthTokenProvider> tokenProvider,
+    meets(Foundation::URL const& baseURL, std::shared_ptr<Networking::AuthTokenProvider> tokenProvider,
           std::shared_ptr<Platform::ConsoleOutput> console);
 
 private:

@@ -3,12 +3,15 @@
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
+#include <fstream>
+#include <iterator>
 #include <linux/capability.h>
 #include <poll.h>
 #include <pty.h>
 #include <string_view>
 #include <sys/ioctl.h>
 #include <sys/prctl.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <system_error>
 #include <unistd.h>
@@ -109,6 +112,11 @@ void writeInput(int descriptor, std::string_view text) {
     }
 }
 
+std::string commandLineOf(pid_t process) {
+    std::ifstream stream("/proc/" + std::to_string(process) + "/cmdline", std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
 // The new process, up to the program. Only calls that are safe after fork.
 [[noreturn]] void become(ProgramRun const& program, int input, int output, int errors, char** arguments,
                          char** environment) {
@@ -165,11 +173,13 @@ ProgramResult run(ProgramRun const& program) {
     auto const deadline = std::chrono::steady_clock::now() + program.patience;
     Gathering gathering(program.output == ProgramRun::Output::readerGone ? -1 : output.ours, errors.ours);
     if (!program.inputAfter.empty()) gathering.run(deadline, program.inputAfter);
+    auto commandLine = commandLineOf(child);
     writeInput(input.ours, program.input);
     if (!isTerminal) ::close(input.ours);
     if (!gathering.run(deadline)) ::kill(child, SIGKILL);
     int status = 0;
-    while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
+    rusage usage{};
+    while (::wait4(child, &status, 0, &usage) < 0 && errno == EINTR) {
     }
     if (isTerminal) ::close(input.ours);
     if (program.output != ProgramRun::Output::readerGone) ::close(output.ours);
@@ -177,5 +187,7 @@ ProgramResult run(ProgramRun const& program) {
     return {.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1,
             .signal = WIFSIGNALED(status) ? std::optional(WTERMSIG(status)) : std::nullopt,
             .output = std::move(gathering.texts[0]),
-            .errors = std::move(gathering.texts[1])};
+            .errors = std::move(gathering.texts[1]),
+            .peakMemory = usage.ru_maxrss,
+            .commandLine = std::move(commandLine)};
 }

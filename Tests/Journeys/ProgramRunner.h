@@ -13,6 +13,8 @@ struct ProgramResult {
     std::optional<int> signal; ///< Which, if one did.
     std::string output;
     std::string errors;
+    std::int64_t peakMemory = 0;  ///< KiB that it held in memory at most.
+    std::string commandLine = {}; ///< Its words as others saw them when it was given its input.
 };
 
 /// A program to run to its end.
