@@ -72,7 +72,7 @@ std::string runsAlready() {
 
 std::string cannotLock(std::string_view path, std::string_view reason) {
     auto const shown = Foundation::Text::neutralized(Foundation::Text::sanitizedUTF8(path));
-    return text("cannot-lock", shown, reason);
+    return text("cannot-lock", shown, Composition::Texts::told(reason));
 }
 
 std::string calendarsNotRead() {

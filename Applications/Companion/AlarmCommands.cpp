@@ -78,7 +78,7 @@ void saveTemplate(std::string const& text, Meetings::AlarmMessageApplication con
     } catch (Meetings::AlarmMessageDomainError const&) {
         throw CommandError::wrongUse(Texts::alarmTemplateNeedsPlaceholder());
     } catch (Meetings::AlarmMessageTemplateError const& error) {
-        throw CommandError::refused(Texts::alarmTemplateNotSaved(), error.what());
+        throw CommandError::refused(Texts::alarmTemplateNotSaved(), Texts::told(error.what()));
     }
 }
 

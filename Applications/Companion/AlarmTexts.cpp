@@ -6,7 +6,7 @@
 namespace Companion::Texts {
 
 std::string settingNotSaved(std::string_view reason) {
-    return text("setting-not-saved", reason);
+    return text("setting-not-saved", told(reason));
 }
 
 std::string alarmModeSet(std::string_view title) {

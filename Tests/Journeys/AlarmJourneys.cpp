@@ -208,8 +208,11 @@ TEST_F(AlarmJourneys, whereNothingCanBeHeardTheSentenceIsPrintedWithTheReason) {
                 StartsWith("quillora: the sound could not be played"));
 }
 
-TEST_F(AlarmJourneys, theNamesOfModesAreSpokenInThePersonsLanguage) {
+TEST_F(AlarmJourneys, everythingIsSaidInThePersonsLanguage) {
     home.environment["LANG"] = "es_ES.UTF-8";
+    auto const refused = home.quillora({"alarm", "template", "{event}\xFF"});
+    EXPECT_EQ(refused.errors, "quillora: no se guardó el mensaje\n"
+                              "El mensaje no es UTF-8 válido. No se guardó nada; escríbelo de nuevo.\n");
     EXPECT_THAT(home.outputOf({"alarm", "mode", "voice"}), HasSubstr("Mensaje hablado"));
 }
 
