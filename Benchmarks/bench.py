@@ -13,6 +13,7 @@ import html_reader
 import network
 import reader
 import saving
+import store
 import table
 import window
 from session import Session
@@ -57,6 +58,7 @@ def main(build, peers):
         )
         rows += database.measure(session, f"{benchmarks}/quillora_bench_database_operations")
         rows += saving.measure(session, f"{benchmarks}/quillora_bench_save_event")
+        rows += store.measure(session, programs, benchmarks, peers)
         rows += html_reader.measure(session, f"{benchmarks}/quillora_bench_read_html")
     table.show(rows)
 

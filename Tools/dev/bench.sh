@@ -16,6 +16,6 @@ dev_bench() {
     esac
     need build bench ${peers:+peers}
     build_preset release quillora quillora-widget quillora-samples quillora-backend quillora_benchmarks
-    say "Measuring; this takes about three minutes, and wants an idle machine"
+    say "Measuring; this takes some ten minutes, with --peers half an hour, and wants an idle machine"
     python3 -B Benchmarks/bench.py build/release "${peers[@]}"
 }
