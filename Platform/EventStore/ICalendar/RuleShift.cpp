@@ -83,6 +83,7 @@ private:
 
     // One day of the month, named by its number or as a weekday; unnamed it is the start's own.
     bool moveDayOfMonth() {
+        if (!everyMonthHas()) return false;
         if (rule.byDay.empty() && rule.byMonthDay.empty()) return true;
         auto const before = civilDay(beforeDay);
         auto const after = civilDay(afterDay);
@@ -103,6 +104,16 @@ private:
         auto const ordinal = day.ordinal > 0 ? (after.day - 1) / 7 + 1 : -((lengthAfter - after.day) / 7 + 1);
         text.set("BYDAY", std::to_string(ordinal) + std::string(weekdayName(weekdayOf(afterDay))));
         return true;
+    }
+
+    // Whether the new day is one that comes in every month in which the old one came: else the series would
+    // lose some of its events on the way.
+    [[nodiscard]] bool everyMonthHas() const {
+        auto const before = civilDay(beforeDay);
+        auto const after = civilDay(afterDay);
+        bool const isSameMonth = before.year == after.year && before.month == after.month;
+        constexpr std::int32_t lastOfEveryMonth = 28;
+        return isSameMonth && (after.day <= lastOfEveryMonth || after.day <= before.day);
     }
 
     bool moveDayOfYear() {

@@ -183,6 +183,12 @@ TEST(EditRefusalTests, aSeriesThatCannotBeDividedOrMovedIsLeftAlone) {
               "DTSTART:20260331T090000Z\nRRULE:FREQ=MONTHLY;BYDAY=MO,TU,WE,TH,FR;"
               "BYSETPOS=-1\n",
               "20260430T090000Z", at("2026-04-29T09:00:00Z", "2026-04-29T09:00:00Z"), cannotMove},
+             {"the first Tuesday moved into the month before",
+              "DTSTART:20260106T090000Z\nRRULE:FREQ=MONTHLY;BYDAY=1TU\n", "20260203T090000Z",
+              at("2026-01-31T09:00:00Z", "2026-01-31T09:00:00Z"), cannotMove},
+             {"a day that every month has moved to one that some lack",
+              "DTSTART:20260128T090000Z\nRRULE:FREQ=MONTHLY\n", "20260328T090000Z",
+              at("2026-03-30T09:00:00Z", "2026-03-30T09:00:00Z"), cannotMove},
              {"two hours of a day moved by one", "DTSTART:20260301T090000Z\nRRULE:FREQ=DAILY;BYHOUR=9,14\n",
               "20260302T090000Z", at("2026-03-02T10:00:00Z", "2026-03-02T10:00:00Z"), cannotMove},
              {"divided at an occurrence of one of two rules",
