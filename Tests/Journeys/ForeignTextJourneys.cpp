@@ -117,7 +117,6 @@ INSTANTIATE_TEST_SUITE_P(
                .words = {"meet", "add", "--name", "x", "--start", "09:00", "--duration", typed}},
         Output{.name = "wrongLink",
                .words = {"meet", "add", "--name", "x", "--start", "09:00", "--url", typed}},
-        Output{.name = "doctor", .words = {"doctor"}},
         Output{.name = "announcedCalendars", .words = {"alarm", "calendars", "list"}},
         Output{.name = "announcedCalendarNobodyKnows", .words = {"alarm", "calendars", "add", typed}},
         Output{.name = "announcement", .words = {"alarm", "preview", "--meet", typed, "--text"}},
