@@ -104,8 +104,14 @@ std::string PrivateHome::contentOf(fs::path const& path) const {
 
 std::map<std::string, std::string> PrivateHome::snapshot() const {
     std::map<std::string, std::string> found;
-    for (auto const& entry : fs::recursive_directory_iterator(root))
-        found[entry.path().string()] = entry.is_regular_file() ? contentOf(entry.path()) : "";
+    for (auto entry = fs::recursive_directory_iterator(root); entry != fs::recursive_directory_iterator();
+         ++entry) {
+        if (entry->path() == root / "cache") {
+            entry.disable_recursion_pending();
+            continue;
+        }
+        found[entry->path().string()] = entry->is_regular_file() ? contentOf(entry->path()) : "";
+    }
     return found;
 }
 

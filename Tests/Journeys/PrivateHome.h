@@ -49,7 +49,8 @@ public:
     void write(std::filesystem::path const& path, std::string_view content) const;
     [[nodiscard]] std::string contentOf(std::filesystem::path const& path) const;
 
-    /// Every file and folder below with its content, to see that nothing changed.
+    /// Every file and folder below with its content, to see that nothing changed. The cache is left out: what
+    /// is in it may come and go at any look.
     [[nodiscard]] std::map<std::string, std::string> snapshot() const;
 
     std::map<std::string, std::string> environment;
