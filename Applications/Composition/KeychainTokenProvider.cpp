@@ -7,6 +7,7 @@
 #include <boost/asio/thread_pool.hpp>
 #include <boost/asio/use_awaitable.hpp>
 
+#include <optional>
 #include <system_error>
 #include <utility>
 
@@ -18,34 +19,38 @@ namespace {
 
 using Found = std::expected<std::string, Platform::KeychainStatus>;
 
-// Where the asking thread leaves what it found for the task that waits. The thread may be late: whatever it
-// does with the task's loop, it does with the lock held and only while the task waits.
+// Where the asking thread leaves what it found for the task that waits. The thread may be late, even later
+// than the task's loop lives: whatever it does with that loop, it does with the lock held and only while the
+// task waits, and the bell, which belongs to the loop, goes as the task closes the mailbox.
 class Mailbox {
 public:
-    explicit Mailbox(asio::any_io_executor const& executor) : bell(executor) {
-        bell.expires_at(asio::steady_timer::time_point::max());
-    }
+    explicit Mailbox(asio::any_io_executor const& executor)
+        : bell(std::in_place, executor, asio::steady_timer::time_point::max()) {}
 
     void deliver(std::shared_ptr<Mailbox> const& self, Found found) {
         std::scoped_lock const lock(mutex);
-        if (!isAwaited) return;
+        if (!bell) return;
         content = std::move(found);
         // The timer belongs to the task's executor. Set to the past, it rings also for a wait yet to begin.
-        asio::post(bell.get_executor(),
-                   [self] { self->bell.expires_at(asio::steady_timer::time_point::min()); });
+        asio::post(bell->get_executor(), [self] { self->ring(); });
     }
 
     std::optional<Found> close() {
         std::scoped_lock const lock(mutex);
-        isAwaited = false;
+        bell.reset();
         return std::exchange(content, std::nullopt);
     }
 
-    asio::steady_timer bell;
+    /// On the task's loop, before the mailbox is closed.
+    auto wait() { return bell->async_wait(asio::as_tuple(asio::use_awaitable)); }
 
 private:
+    void ring() {
+        if (bell) bell->expires_at(asio::steady_timer::time_point::min());
+    }
+
+    std::optional<asio::steady_timer> bell; // Absent once the mailbox is closed.
     std::mutex mutex;
-    bool isAwaited = true;
     std::optional<Found> content;
 };
 
@@ -97,7 +102,7 @@ Foundation::Task<std::string> KeychainTokenProvider::token() {
     OpenMailbox const open{.mailbox = std::make_shared<Mailbox>(executor)};
     asking->ask(open.mailbox);
     // Whether the thread rang the bell or the task was cancelled, the mailbox tells.
-    auto const rung = co_await open.mailbox->bell.async_wait(asio::as_tuple(asio::use_awaitable));
+    auto const rung = co_await open.mailbox->wait();
     static_cast<void>(rung);
     auto found = open.mailbox->close();
     if (!found) throw std::system_error(std::make_error_code(std::errc::operation_canceled));
