@@ -11,7 +11,9 @@
 #include <fstream>
 #include <iterator>
 #include <memory>
+#include <stop_token>
 #include <string>
+#include <thread>
 #include <vector>
 
 // The program itself, in a home and on a display of its own.
@@ -517,17 +519,26 @@ TEST_F(WidgetOnABusTests, meetThatIsAddedOnTheCommandLineIsShownAtOnce) {
     ASSERT_TRUE(monitor.readLine().has_value()) << monitor.errorText(); // It listens from here on.
     open();
     ASSERT_TRUE(showsWednesday());
-    ChildProcess add({QUILLORA_BUILD_DIR "/bin/quillora", "meet", "add", "--name", "Lunch", "--day",
-                      "2026-03-11", "--start", "12:00", "--calendar", "k3fa/Thursday"},
-                     environment);
-    EXPECT_EQ(add.wait(), 0) << add.errorText();
+    auto const add = [this] {
+        ChildProcess command({QUILLORA_BUILD_DIR "/bin/quillora", "meet", "add", "--name", "Lunch", "--day",
+                              "2026-03-11", "--start", "12:00", "--calendar", "k3fa/Thursday"},
+                             environment);
+        EXPECT_EQ(command.wait(), 0) << command.errorText();
+    };
+    add();
     EXPECT_TRUE(screen
                     .pictureWhen(title,
                                  [](auto const& shown) {
                                      return shown.count(wednesdayColor) > 0 && shown.count(thursdayColor) > 0;
                                  })
                     .has_value());
-    // The widget watches the folder, too; those that cannot are told by the command itself.
+    // The widget watches the folder, too; those that cannot are told by the command itself. It does not wait
+    // long for a bus, which on a busy machine may take more than one command.
+    std::jthread const commands([&add](std::stop_token const& stop) {
+        for (int further = 0; further < 20 && !stop.stop_requested(); ++further) {
+            add();
+        }
+    });
     bool wasTold = false;
     while (!wasTold) {
         auto const line = monitor.readLine();
