@@ -222,7 +222,8 @@ namespace {
 bool isZoneName(std::string_view identifier) {
     if (identifier.empty() || identifier.size() > 255) return false;
     char const first = identifier.front();
-    if (first == '/' || first == ':' || first == '+' || first == '-' || (first >= '0' && first <= '9')) return false;
+    if (first == '/' || first == ':' || first == '+' || first == '-' || (first >= '0' && first <= '9'))
+        return false;
     if (identifier.find("..") != std::string_view::npos || identifier.back() == '/') return false;
     return std::ranges::all_of(identifier,
                                [](char character) { return character > ' ' && character < 0x7F; });

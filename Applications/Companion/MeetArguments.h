@@ -75,7 +75,8 @@ MeetTimes newTimes(MeetArguments const& arguments, std::chrono::local_days day,
 MeetTimes changedTimes(MeetArguments const& arguments, Meetings::MeetEntity const& meet,
                        Foundation::Calendar const& calendar);
 
-/// Throws CommandError with ExitCode::wrongUse for a repetition whose last day lies before a meet of that start.
+/// Throws CommandError with ExitCode::wrongUse for a repetition whose last day lies before a meet of that
+/// start.
 void checkLastDay(MeetArguments const& arguments, Foundation::Date start,
                   Foundation::Calendar const& calendar);
 

@@ -16,7 +16,8 @@ struct SurveyedBundle {
     std::vector<std::string> problems;           ///< Of its tables, each "<file>:<line>: <reason>".
 };
 
-/// Looks for every bundle that the companion needs where it looks itself, without ending the process over a missing one.
+/// Looks for every bundle that the companion needs where it looks itself, without ending the process over a
+/// missing one.
 std::vector<SurveyedBundle> surveyBundles(Foundation::Environment const& environment);
 
 } // namespace Composition

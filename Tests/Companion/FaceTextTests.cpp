@@ -82,7 +82,8 @@ TEST(FaceTextTests, aLongNameIsWholeInAPipe) {
 }
 
 TEST(FaceTextTests, aNameIsCutBetweenClusters) {
-    auto const layout = face({card("👩‍👩‍👧👩‍👩‍👧👩‍👩‍👧👩‍👩‍👧👩‍👩‍👧👩‍👩"
+    auto const layout = face({card("👩‍👩‍👧👩‍👩‍👧👩‍👩‍👧👩‍👩‍👧👩‍👩‍👧👩‍"
+                                   "👩"
                                    "‍"
                                    "👧",
                                    "09:00", std::nullopt)});

@@ -228,11 +228,12 @@ TEST(SetupJourneys, whatCannotBeSwitchedOnIsNamedWithItsFileAndCause) {
     home.environment["QUILLORA_GROUP_CONTAINER"] = (home.folder() / "gone").string();
     auto const result = home.quillora(toDefaults);
     EXPECT_EQ(result.exitCode, 1);
-    EXPECT_EQ(result.errors,
-              "quillora: the registered providers were changed, but the widget could not be told: " +
-                  (home.folder() / "gone/enabledCalendarAccounts.json").string() +
-                  " cannot be written (No such file or directory); when that is mended, run the same \"quillora "
-                  "providers enable\" or \"disable\" once more\n");
+    EXPECT_EQ(
+        result.errors,
+        "quillora: the registered providers were changed, but the widget could not be told: " +
+            (home.folder() / "gone/enabledCalendarAccounts.json").string() +
+            " cannot be written (No such file or directory); when that is mended, run the same \"quillora "
+            "providers enable\" or \"disable\" once more\n");
 }
 
 TEST(CalendarsJourneys, aChoiceThatCannotBeKeptIsNamedWithItsFileAndCause) {

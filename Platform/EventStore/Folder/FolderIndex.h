@@ -56,8 +56,8 @@ public:
 
     /// Brings it to the files as a look at the folder found them: those that changed, or were too young to be
     /// trusted when they were read, are read again. `now` is the time of the file system's clock, in
-    /// nanoseconds since 1970. Yields whether the files are other ones than at the last look, or than those that
-    /// the index was made from.
+    /// nanoseconds since 1970. Yields whether the files are other ones than at the last look, or than those
+    /// that the index was made from.
     bool update(ScannedFiles const& scan, std::int64_t now);
 
     /// Forgets the index, and keeps the next one in memory.

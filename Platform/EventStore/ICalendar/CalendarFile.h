@@ -37,7 +37,8 @@ struct CalendarFile {
 };
 
 /// Reads an iCalendar stream (RFC 5545). Never fails as a whole: an event that cannot be read is left out
-/// with a problem and costs none of its neighbours, and of EXDATE and RDATE only a bad value is. Time and memory are linear in the size of `bytes`.
+/// with a problem and costs none of its neighbours, and of EXDATE and RDATE only a bad value is. Time and
+/// memory are linear in the size of `bytes`.
 std::shared_ptr<CalendarFile const> read(std::string bytes, std::string path = {});
 
 /// Where in a file a component stands.
