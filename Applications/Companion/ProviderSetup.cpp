@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <unistd.h>
 #include <utility>
 
@@ -70,14 +71,22 @@ bool ProviderSetup::isKeyFileWanted(CalendarProviders::ResultEntity const& failu
 }
 
 bool ProviderSetup::registerThisComputer(Registry const& registry) {
-    auto const providers =
-        required<std::vector<CalendarProviderEntity>>(registry.getAll(), Texts::providersNotRead());
-    auto const known =
-        std::ranges::find(providers, AccountProviderEnum::eventKit, &CalendarProviderEntity::capProvider);
-    if (known != providers.end()) return keepRegistered(registry, *known);
+    auto const registered = [&registry]() -> std::optional<CalendarProviderEntity> {
+        auto const providers =
+            required<std::vector<CalendarProviderEntity>>(registry.getAll(), Texts::providersNotRead());
+        auto const known =
+            std::ranges::find(providers, AccountProviderEnum::eventKit, &CalendarProviderEntity::capProvider);
+        return known == providers.end() ? std::nullopt : std::optional(*known);
+    };
+    if (auto const known = registered()) return keepRegistered(registry, *known);
 
     auto const provider = thisComputer();
-    require(registry.newProvider(provider), Texts::providerNotRegistered(provider.capId));
+    auto const outcome = registry.newProvider(provider);
+    if (!outcome.result) {
+        // Another set-up at the same moment may have been quicker.
+        if (auto const known = registered()) return keepRegistered(registry, *known);
+    }
+    require(outcome, Texts::providerNotRegistered(provider.capId));
     checkMirror(services, registry);
     say(Texts::providerRegistered(provider.capDisplayName, provider.capEmail, provider.capId));
     return true;
