@@ -1,0 +1,215 @@
+#include "Applications/Widget/WidgetProgram.h"
+
+#include "Applications/Widget/EntryChanges.h"
+#include "Applications/Widget/FaceContent.h"
+#include "Applications/Widget/FirstFrame.h"
+#include "Applications/Widget/Texts.h"
+#include "Meetings/MeetConfigEnum.h"
+#include "Platform/Desktop/Display.h"
+#include "Platform/EventStore/Folder/CalendarStorePlaces.h"
+#include "Platform/EventStore/Folder/ConsentRecord.h"
+#include "Platform/Logging/Logger.h"
+#include "Platform/WidgetHost/LocalWidgetCenter.h"
+#include "Platform/WidgetHost/SessionBusWidgetCenter.h"
+#include "Platform/WidgetHost/StoppedWallClockTimer.h"
+#include "Platform/WidgetHost/TimerfdWallClockTimer.h"
+
+#include <csignal>
+#include <cstdio>
+#include <utility>
+
+namespace Widget {
+
+namespace {
+
+std::unique_ptr<Platform::WallClockTimer> makeTimer(WidgetOptions const& options) {
+    if (options.fixedMoment) {
+        return std::make_unique<Platform::StoppedWallClockTimer>();
+    }
+    return std::make_unique<Platform::TimerfdWallClockTimer>();
+}
+
+} // namespace
+
+WidgetProgram::WidgetProgram(Foundation::Environment const& environment, WidgetOptions const& options)
+    : options(options),
+      mainExecutor(mainLoop),
+      timer(makeTimer(options)),
+      consentDialog(std::make_shared<Platform::ConsentDialog>(mainLoop, Texts::consent())),
+      services(environment, {.fixedMoment = options.fixedMoment,
+                             .consentPrompt = consentDialog,
+                             .calendarsDiffer = [this] { mainLoop.invoke([this] { reload(); }); }}),
+      bundle(services.scheduleWidgetServices(taskThread.executor())),
+      widget(bundle.body().front()),
+      provider(widget.timelineProvider()),
+      looks(services.appearance(), options.colorScheme, mainLoop, [this] { showNewLooks(); }),
+      host(*provider, *services.clock(), *timer, mainLoop,
+           {.family = options.family.value_or(Platform::WidgetFamily::systemLarge)},
+           {
+               .show = [this](Entry const& entry, Platform::EntryKind kind) { show(entry, kind); },
+               .nextChange =
+                   [this](Entry const& entry, Foundation::Date now) {
+                       return nextChange(entry, now, services.region()->currentCalendar());
+                   },
+           }) {}
+
+std::expected<void, std::string> WidgetProgram::run(Platform::SingleInstance* instance) {
+    // Before the display is opened: the calendars are read meanwhile.
+    host.start();
+    if (!Platform::openDisplay(services.environment(), options.placement)) {
+        return std::unexpected(Texts::noDisplay());
+    }
+    followPresses();
+    followCalendars();
+    followPreferences();
+    followTheDesktop();
+    followSignals();
+    openWindow();
+    if (instance != nullptr) {
+        serve(*instance);
+    }
+    host.showAgain();
+    window->present();
+    mainLoop.run();
+    return {};
+}
+
+void WidgetProgram::show(Entry const& entry, Platform::EntryKind kind) {
+    if (!window) {
+        return; // Shown again once there is one.
+    }
+    auto const view = widget.content(entry, host.family(), looks.colorScheme());
+    window->show(faceContent(view, kind, *services.htmlReader(), mainExecutor));
+    if (kind == Platform::EntryKind::loaded) {
+        loadedDayIsShown();
+    }
+}
+
+void WidgetProgram::loadedDayIsShown() {
+    preferences->renew();
+    if (health) {
+        health->check();
+    }
+    if (std::exchange(notices.refusedDay, std::nullopt)) {
+        showNotices();
+    }
+    if (!std::exchange(hasShownTheDay, true)) {
+        window->afterNextFrame([this] { firstFrameIsPainted(); });
+    }
+}
+
+void WidgetProgram::firstFrameIsPainted() {
+    if (options.printsFirstFrame) {
+        std::printf("%.0f\n", millisecondsSinceProcessStart());
+        std::fflush(stdout);
+    }
+    if (options.quitsAfterFirstFrame) {
+        quit();
+    }
+}
+
+void WidgetProgram::showNotices() {
+    window->setNotice(notices.text(services.region()->currentCalendar()));
+}
+
+void WidgetProgram::showNewLooks() {
+    window->setAccent(looks.accentColor());
+    host.showAgain();
+}
+
+void WidgetProgram::followPresses() {
+    Platform::Logger const logger(services.logSink(), std::string(Meetings::MeetConfigEnum::loggerSubsystem),
+                                  "Widget");
+    presses.emplace(taskThread.executor(), services.files(),
+                    std::make_shared<Platform::LocalWidgetCenter>(mainLoop, [this] { reload(); }),
+                    [this, logger](std::int64_t storedDay) {
+                        logger.error(Texts::storedDayIsOutOfRange(storedDay));
+                        mainLoop.invoke([this, storedDay] { pressWasRefused(storedDay); });
+                    });
+    consentDialog->onAnswer([this] { reload(); });
+}
+
+void WidgetProgram::followCalendars() {
+    auto const places = services.calendarPlaces();
+    if (!places) {
+        return;
+    }
+    calendars.emplace(folderEvents, *places, services.calendarConfiguration(), taskThread.executor(),
+                      mainLoop, [this] { reload(); });
+    calendars->update();
+    health.emplace(services.calendarConfiguration(), taskThread.executor(), mainLoop, services.clock(),
+                   [this](std::optional<CalendarTrouble> const& trouble) {
+                       notices.calendarTrouble = trouble;
+                       showNotices();
+                   });
+}
+
+void WidgetProgram::followPreferences() {
+    auto const places = services.calendarPlaces();
+    preferences.emplace(
+        folderEvents, *services.files(),
+        places.transform([](auto const& known) { return known.configurationDirectory; }),
+        Watching::PreferenceFiles{.shared = {"scheduleWidgetDayOffset.json", "hiddenCalendarIdentifiers.json",
+                                             "enabledCalendarAccounts.json"},
+                                  .configuration = {"calendar-store.json", "calendar-access.json"}},
+        [this] { preferencesChanged(); });
+}
+
+void WidgetProgram::followTheDesktop() {
+    auto const bus = Platform::sessionBusAddress(services.environment());
+    reloadListener.emplace(bus, [this] { reload(); });
+    appearanceWatch.emplace(bus, [this] { looks.askAgain(); });
+}
+
+void WidgetProgram::followSignals() {
+    interrupted = Platform::GLibSource::onSignal(SIGINT, [this] { quit(); });
+    terminated = Platform::GLibSource::onSignal(SIGTERM, [this] { quit(); });
+}
+
+void WidgetProgram::preferencesChanged() {
+    withdrawAnsweredQuestion();
+    reload();
+    if (calendars) {
+        calendars->update();
+    }
+}
+
+// A question that was answered elsewhere, in a terminal for example, need not stand any longer.
+void WidgetProgram::withdrawAnsweredQuestion() {
+    auto const consent = services.consent();
+    if (consent && consent->status() != Platform::EKAuthorizationStatus::notDetermined) {
+        consentDialog->withdraw();
+    }
+}
+
+void WidgetProgram::pressWasRefused(std::int64_t storedDay) {
+    notices.refusedDay = storedDay;
+    showNotices();
+}
+
+void WidgetProgram::openWindow() {
+    window.emplace(options.placement, Texts::window(),
+                   Platform::FaceWindowActions{
+                       .previousDay = [this] { presses->previousDay(); },
+                       .nextDay = [this] { presses->nextDay(); },
+                       .today = [this] { presses->today(); },
+                       .reload = [this] { reload(); },
+                       .quit = [this] { quit(); },
+                       .chooseFamily = [this](Platform::WidgetFamily family) { host.setFamily(family); },
+                   });
+    window->setAccent(looks.accentColor());
+}
+
+void WidgetProgram::serve(Platform::SingleInstance& instance) {
+    instance.serve({
+        .activate = [this] { window->present(); },
+        .previousDay = [this] { presses->previousDay(); },
+        .nextDay = [this] { presses->nextDay(); },
+        .today = [this] { presses->today(); },
+        .reload = [this] { reload(); },
+        .quit = [this] { quit(); },
+        .chooseFamily = [this](Platform::WidgetFamily family) { host.setFamily(family); },
+    });
+}
+
+} // namespace Widget
