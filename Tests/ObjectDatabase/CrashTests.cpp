@@ -2,8 +2,8 @@
 #include "Platform/ObjectDatabase/Quarantine.h"
 #include "Platform/ObjectDatabase/SealedObjectDatabaseEngine.h"
 #include "Tests/ObjectDatabase/DatabaseFixtures.h"
-#include "Tests/ObjectDatabase/KilledProcess.h"
 #include "Tests/Platform/FaultScale.h"
+#include "Tests/Platform/KilledProcess.h"
 #include "Tests/Platform/TemporaryFolder.h"
 
 #include <gtest/gtest.h>

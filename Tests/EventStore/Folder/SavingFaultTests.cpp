@@ -1,8 +1,8 @@
 // What becomes of the files when a save is killed, meets another writer, or finds no room.
 
 #include "Tests/EventStore/Folder/SavingFixtures.h"
-#include "Tests/ObjectDatabase/KilledProcess.h"
 #include "Tests/Platform/FaultScale.h"
+#include "Tests/Platform/KilledProcess.h"
 
 #include <csignal>
 #include <fcntl.h>
