@@ -32,13 +32,12 @@ std::filesystem::path fileFor(std::filesystem::path const& directory, std::files
 
 std::error_code write(std::filesystem::path const& file, std::span<std::byte const> image, std::int64_t now) {
     auto const directory = file.parent_path();
-    bool const isNew = ::access(file.c_str(), F_OK) != 0;
     auto failure = writeIndex(file, image);
     if (failure == std::errc::no_such_file_or_directory) {
         makeFolders(directory);
         failure = writeIndex(file, image);
     }
-    if (!failure && isNew) sweep(directory, now, file);
+    if (!failure) sweep(directory, now, file);
     return failure;
 }
 
