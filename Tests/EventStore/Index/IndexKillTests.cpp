@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <map>
 
 using namespace Platform;
@@ -18,7 +17,6 @@ using KilledProcess::Outcome;
 namespace {
 
 using Texts = std::vector<std::string>;
-using Contents = std::map<std::filesystem::path, std::string>;
 
 constexpr std::int64_t hour = 3600 * IndexedRoot::second;
 constexpr std::int64_t day = 24 * hour;
@@ -33,15 +31,6 @@ std::string oneEvent(std::string const& uid, std::string const& title) {
     return smallFile({smallEvent(uid, title)});
 }
 
-Contents contentsOf(std::filesystem::path const& folder) {
-    Contents contents;
-    for (auto const& entry : std::filesystem::directory_iterator(folder)) {
-        std::ifstream stream(entry.path(), std::ios::binary);
-        contents[entry.path()] = {std::istreambuf_iterator<char>(stream), {}};
-    }
-    return contents;
-}
-
 // A folder of five files, one of which has changed since its index was written.
 class IndexKillTests : public testing::Test {
 protected:
@@ -49,7 +38,7 @@ protected:
         for (auto const* const name : {"a", "b", "c", "d", "e"})
             root.write(std::string("work/") + name + ".ics", oneEvent(name, name));
         EXPECT_EQ(titles(*root.reader()), (Texts{"a", "b", "c", "d", "e"}));
-        old = contentsOf(root.indexes());
+        old = root.indexContents();
         changeTo("changed");
     }
 
@@ -89,7 +78,7 @@ protected:
 
     IndexedRoot root;
     std::int64_t now = IndexedRoot::later();
-    Contents old;
+    std::map<std::filesystem::path, std::string> old;
 };
 
 } // namespace
@@ -112,7 +101,7 @@ TEST_F(IndexKillTests, aWriterKilledAtAnySystemCallCostsNoAnswerAndLeavesNothing
             kills += outcome == Outcome::killed ? 1 : 0;
             if (std::filesystem::exists(root.indexes())) {
                 sawLeftover = sawLeftover || leftovers() > 0;
-                sawWritten = sawWritten || (leftovers() == 0 && contentsOf(root.indexes()) != old);
+                sawWritten = sawWritten || (leftovers() == 0 && root.indexContents() != old);
             }
             // So late that nobody can still be writing what lies there.
             ASSERT_NO_FATAL_FAILURE(expectAnswers(truth, 3 * day, what));

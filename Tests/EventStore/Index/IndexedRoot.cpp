@@ -8,6 +8,8 @@
 
 #include <algorithm>
 #include <chrono>
+#include <fstream>
+#include <iterator>
 
 using namespace Platform;
 
@@ -52,6 +54,15 @@ std::filesystem::path IndexedRoot::onlyIndex() const {
         found = entry.path();
     }
     return found;
+}
+
+std::map<std::filesystem::path, std::string> IndexedRoot::indexContents() const {
+    std::map<std::filesystem::path, std::string> contents;
+    for (auto const& entry : std::filesystem::directory_iterator(indexes())) {
+        std::ifstream stream(entry.path(), std::ios::binary);
+        contents[entry.path()] = {std::istreambuf_iterator<char>(stream), {}};
+    }
+    return contents;
 }
 
 std::vector<std::string> IndexedRoot::answer(CalendarRootReader& reader, double from, double to,

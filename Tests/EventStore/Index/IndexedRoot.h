@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -46,6 +47,8 @@ public:
     [[nodiscard]] std::filesystem::path indexes() const { return root / "cache/quillora/calendars"; }
     /// The one index that there is.
     [[nodiscard]] std::filesystem::path onlyIndex() const;
+    /// The indexes, and whatever lies beside them, with their bytes.
+    [[nodiscard]] std::map<std::filesystem::path, std::string> indexContents() const;
 
     /// A line for each event, whole, that a reader finds.
     static std::vector<std::string> answer(Platform::CalendarRootReader& reader, double from, double to,
