@@ -12,6 +12,7 @@ class Session:
     def __enter__(self):
         self.home = tempfile.mkdtemp(prefix="quillora-bench-")
         self.started = []
+        self.elsewhere = []
         try:
             self._open()
         except BaseException:
@@ -23,7 +24,8 @@ class Session:
         for process in reversed(self.started):
             process.terminate()
             process.wait()
-        shutil.rmtree(self.home, ignore_errors=True)
+        for folder in [self.home, *self.elsewhere]:
+            shutil.rmtree(folder, ignore_errors=True)
 
     def _open(self):
         folders = {"HOME": self.home}
@@ -67,6 +69,13 @@ class Session:
         if not line:
             raise RuntimeError(f"{name} did not start")
         return line
+
+    def folder(self, name, beneath):
+        """A new folder in the one `beneath`; in the session's own place where there is none such."""
+        if not os.path.isdir(beneath):
+            beneath = self.home
+        self.elsewhere.append(tempfile.mkdtemp(prefix=f"quillora-bench-{name}-", dir=beneath))
+        return self.elsewhere[-1]
 
     def run(self, *command):
         """Runs a command to its end and yields what it printed; raises if it fails."""

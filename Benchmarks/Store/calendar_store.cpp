@@ -75,7 +75,9 @@ class Stores {
 public:
     Stores(std::filesystem::path const& root, std::filesystem::path const& cache) : cache(cache) {
         std::filesystem::create_directories(cache);
-        if (auto const added = CalendarStoreConfiguration(cache / "config", files).add(root, "Bench"); !added)
+        CalendarStoreConfiguration const configuration(cache / "config", files);
+        if (!configuration.load().roots.empty()) return; // Of the measurement before, with an index to use.
+        if (auto const added = configuration.add(root, "Bench"); !added)
             std::fprintf(stderr, "%s\n", added.error().c_str());
     }
 
