@@ -91,7 +91,10 @@ TEST(ManyRequestsTests, aHundredAtATimeLeaveNoDescriptorThreadOrMemoryBehind) {
         int const rounds = FaultScale::of(100);
         EXPECT_EQ(ask(client, rounds), rounds * 100);
 
-        EXPECT_LE(openDescriptors(), descriptorsOnceOpen);
+        // How many of the connections stay open at the end differs from round to round.
+        auto const connections =
+            static_cast<std::size_t>(Platform::CurlURLSessionLimits().connectionsPerHost);
+        EXPECT_LE(openDescriptors(), descriptorsOnceOpen + connections);
         EXPECT_EQ(threads(), threadsBefore);
         // The allocator keeps some freed pieces at hand and counts them. Were the smallest of all pieces, 32
         // bytes, kept of each of ten thousand requests, it would be more than this.

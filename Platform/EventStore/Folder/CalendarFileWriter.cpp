@@ -92,6 +92,14 @@ private:
     bool isBusy = false;
 };
 
+// Whether the reason is that the hidden file has gone from a folder that is there: a process that slept for
+// long enough is taken for dead by the others, who then clear up after it.
+bool wasClearedAway(std::error_code reason, path const& file) {
+    std::error_code failure;
+    return reason == std::errc::no_such_file_or_directory &&
+           std::filesystem::is_directory(file.parent_path(), failure);
+}
+
 // Puts back what the aside file holds now. Whatever has come to the file's place in the meantime is newer,
 // and goes back in its turn, until the file written here comes out.
 std::error_code putBack(AsideFile& aside, path const& file) {
@@ -105,6 +113,7 @@ std::error_code putBack(AsideFile& aside, path const& file) {
             failure = rename(aside.path(), file, RENAME_NOREPLACE);
             if (!failure) aside.release();
             if (failure == std::errc::file_exists) continue;
+            if (wasClearedAway(failure, file)) return {}; // What was held here was put back with it.
         }
         if (failure) {
             // Rather a hidden file too many than somebody's change lost.
@@ -140,7 +149,10 @@ Result compareAndMove(AsideFile& aside, path const& file, std::string_view expec
     // The lease keeps writers out until the file has been replaced.
     QuietFile const present(file);
     if (!present.holds(expected)) return Outcome::changedMeanwhile;
-    if (auto const failure = rename(aside.path(), file, 0)) return failed(file, failure);
+    if (auto const failure = rename(aside.path(), file, 0)) {
+        if (wasClearedAway(failure, file)) return Outcome::changedMeanwhile;
+        return failed(file, failure);
+    }
     aside.release();
     if (auto const failure = syncFolder(file.parent_path())) return failed(file, failure);
     return Outcome::done;
@@ -194,7 +206,7 @@ Result CalendarFileWriter::create(path const& file, std::string_view content) co
         // A second name is made only where there is none; the first goes with the aside file.
         failure = ::link(aside.path().c_str(), file.c_str()) == 0 ? std::error_code() : lastError();
     }
-    if (failure == std::errc::file_exists) return Outcome::changedMeanwhile;
+    if (failure == std::errc::file_exists || wasClearedAway(failure, file)) return Outcome::changedMeanwhile;
     if (failure) return failed(file, failure);
     if (auto const unsynced = syncFolder(folder)) {
         ::unlink(file.c_str());
@@ -233,7 +245,7 @@ Result CalendarFileWriter::removeRegular(path const& file, std::string_view expe
     auto failure = rename(aside.path(), file, RENAME_NOREPLACE);
     if (isUnsupported(failure)) failure = rename(aside.path(), file, 0);
     // A file that came there in the meantime has taken the place of this one.
-    if (failure && failure != std::errc::file_exists) {
+    if (failure && failure != std::errc::file_exists && !wasClearedAway(failure, file)) {
         aside.release();
         return failed(file, failure);
     }

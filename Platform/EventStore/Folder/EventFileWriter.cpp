@@ -143,18 +143,18 @@ void takeSaved(EKEvent& event, std::vector<CalendarSource> const& sources, std::
         event = eventOfOccurrence(*occurrence, calendar, viewer);
 }
 
+[[noreturn]] void refuseGone(EKCalendar const& calendar, std::string_view consequence) {
+    throw EKError(fmt::format("The calendar \"{}\" is no longer there; {}.", calendar.title, consequence));
+}
+
 CalendarPlace placeOf(EKEvent const& event, EditSurroundings const& surroundings,
                       std::string_view consequence) {
     if (!event.calendar) {
         throw EKError(consequence == notSaved ? "The event has no calendar; it was not saved."
                                               : "The event has no calendar; nothing was removed.");
     }
-    auto const& calendar = *event.calendar;
-    auto place = findCalendarPlace(surroundings.roots, calendar.calendarIdentifier);
-    if (!place) {
-        throw EKError(
-            fmt::format("The calendar \"{}\" is no longer there; {}.", calendar.title, consequence));
-    }
+    auto place = findCalendarPlace(surroundings.roots, event.calendar->calendarIdentifier);
+    if (!place) refuseGone(*event.calendar, consequence);
     return *std::move(place);
 }
 
@@ -198,7 +198,10 @@ bool EventFileWriter::createOnce(EKEvent& event, CalendarPlace const& place,
         throw EKError("The event repeats in a way that has no name here; it was not saved.");
     auto const uid = Foundation::UUID::random().uuidString();
     std::vector<CalendarSource> sources;
-    if (place.kind == CalendarPlace::Kind::file) sources = readAll({place.path}, notSaved);
+    if (place.kind == CalendarPlace::Kind::file) {
+        sources = readAll({place.path}, notSaved);
+        if (sources.empty()) refuseGone(*event.calendar, notSaved);
+    }
     auto const lineBreak = sources.empty() ? std::string("\r\n") : ICalendar::lineBreakOf(sources[0].bytes);
     ICalendar::CalendarEdit edit{.uid = uid};
     edit.newItem = {.uid = uid,

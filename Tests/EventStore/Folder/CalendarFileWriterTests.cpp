@@ -4,6 +4,7 @@
 #include "Platform/Files/FileDescriptor.h"
 #include "Tests/EventStore/Folder/ClosedDoors.h"
 #include "Tests/EventStore/TemporaryFolder.h"
+#include "Tests/ObjectDatabase/KilledProcess.h"
 
 #include <gtest/gtest.h>
 
@@ -52,7 +53,34 @@ std::string leftover(TemporaryFolder const& folder, AsideName const& name, std::
     return text;
 }
 
+// Another program's save at any moment of `save`, after which the others take the saving process for dead.
+void expectNothingLostToAHastyClearance(
+    CalendarFileWriter const& writer,
+    std::function<CalendarFileWriter::Result(std::filesystem::path const&)> const& save) {
+    TemporaryFolder const folder;
+    auto const file = folder / "a.ics";
+    bool wasInterrupted = true;
+    for (int stop = 1; wasInterrupted; ++stop) {
+        folder.write("a.ics", "another's");
+        auto const outcome = KilledProcess::interruptedAtSystemCall(
+            stop, [&] { return save(file) == changedMeanwhile; },
+            [&] { writer.clearLeftovers(folder.path(), farFuture); }, wasInterrupted);
+        if (outcome == KilledProcess::Outcome::notPermitted) GTEST_SKIP() << "no process may be traced here";
+        ASSERT_EQ(outcome, KilledProcess::Outcome::finished) << stop;
+        ASSERT_EQ(contentsOf(folder), (Contents{{"a.ics", "another's"}})) << stop;
+    }
+}
+
 } // namespace
+
+TEST_P(CalendarFileWriterTests, whoSleptForSoLongThatOthersClearedUpTriesAgain) {
+    expectNothingLostToAHastyClearance(
+        writer, [&](std::filesystem::path const& file) { return writer.replace(file, "old", "new"); });
+    expectNothingLostToAHastyClearance(
+        writer, [&](std::filesystem::path const& file) { return writer.remove(file, "old"); });
+    expectNothingLostToAHastyClearance(
+        writer, [&](std::filesystem::path const& file) { return writer.create(file, "new"); });
+}
 
 TEST_P(CalendarFileWriterTests, whatWasExpectedIsReplacedAndNothingElseStays) {
     auto const file = folder.write("a.ics", "old");

@@ -1,5 +1,6 @@
 // What becomes of the files when a save is killed, meets another writer, or finds no room.
 
+#include "Platform/Clock/SystemClock.h"
 #include "Tests/EventStore/Folder/SavingFixtures.h"
 #include "Tests/Platform/FaultScale.h"
 #include "Tests/Platform/KilledProcess.h"
@@ -256,6 +257,16 @@ TEST(SavingFaultTests, aRemovalNeverTakesWhatAnotherWriterHasAddedToTheFile) {
     }
 }
 
+TEST(SavingFaultTests, aCalendarFileThatHasGoneMeanwhileIsNamed) {
+    SavingFixture const world;
+    put(world, smallWorld());
+    auto const store = world.store();
+    auto event = newEvent(*store, "Many", "New");
+    std::filesystem::remove(world.root() / "many.ics");
+    EXPECT_EQ(refusalOf([&] { store->save(event, EKSpan::thisEvent); }),
+              "The calendar \"Many\" is no longer there; the event was not saved.");
+}
+
 TEST(SavingFaultTests, twoProcessesLoseNothingToEachOther) {
     SavingFixture const world;
     put(world, smallWorld());
@@ -263,7 +274,7 @@ TEST(SavingFaultTests, twoProcessesLoseNothingToEachOther) {
     {
         auto const adding = [&](std::string const& name) {
             return [&world, name](int time) {
-                auto const store = world.store();
+                auto const store = world.store(std::make_shared<SystemClock>());
                 auto event = newEvent(*store, "Many", name + std::to_string(time));
                 store->save(event, EKSpan::thisEvent);
                 return true;

@@ -29,15 +29,17 @@ public:
 
     [[nodiscard]] std::filesystem::path root() const { return home / "Root"; }
 
-    [[nodiscard]] std::unique_ptr<Platform::FolderEventStore> store() const {
+    /// By default so late that whatever a killed process left is old; so is then what a living one uses.
+    [[nodiscard]] std::unique_ptr<Platform::FolderEventStore>
+    store(std::shared_ptr<Platform::Clock const> clock =
+              std::make_shared<Platform::FixedClock>(Foundation::Date{4e9})) const {
         return std::make_unique<Platform::FolderEventStore>(Platform::FolderEventStoreParts{
             .places = {.configurationDirectory = home / "config", .nativeCalendar = home / "native"},
             .files = files,
             .region = std::make_shared<Platform::FixedRegionSettings>(
                 Foundation::Calendar(Foundation::TimeZone::named(zone).value()),
                 Foundation::Locale{.identifier = "en"}),
-            // So late that whatever a killed process left is old.
-            .fileSystemClock = std::make_shared<Platform::FixedClock>(Foundation::Date{4e9}),
+            .fileSystemClock = std::move(clock),
             .prompt = std::make_shared<Platform::GivenConsentPrompt>(Platform::ConsentAnswer::yes),
             .logger = Platform::Logger(std::make_shared<Platform::RecordingLogSink>(), "tests", "EventStore"),
         });
