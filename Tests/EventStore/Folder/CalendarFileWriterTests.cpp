@@ -4,7 +4,7 @@
 #include "Platform/Files/FileDescriptor.h"
 #include "Tests/EventStore/Folder/ClosedDoors.h"
 #include "Tests/EventStore/TemporaryFolder.h"
-#include "Tests/ObjectDatabase/KilledProcess.h"
+#include "Tests/Platform/KilledProcess.h"
 
 #include <gtest/gtest.h>
 
