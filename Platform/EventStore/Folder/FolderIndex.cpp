@@ -126,7 +126,7 @@ FolderIndex::Differences FolderIndex::differences(ScannedFiles const& scan) {
 bool FolderIndex::update(ScannedFiles const& scan, std::int64_t now) {
     ++round;
     for (auto const& failure : scan.failures())
-        report(failure.name, failure.reason);
+        reportUnreadable(failure.name, failure.reason);
     State const state{.count = scan.files().size(), .stampSum = scan.stampSum()};
     if (stored && indexFile && now - stored->header().writtenAt > month) IndexFolder::touch(*indexFile);
     bool const isAnother = (seen ? seen : known) != state;
@@ -224,7 +224,7 @@ std::optional<FolderIndex::ReadFile> FolderIndex::read(std::string const& name, 
     auto const path = folder / name;
     auto content = readRegularFile(path);
     if (!content) {
-        report(name, content.error());
+        reportUnreadable(name, content.error());
         return std::nullopt;
     }
     auto const bytes = content->content.size();
@@ -288,7 +288,11 @@ void FolderIndex::rememberUIDs() {
     }
 }
 
-void FolderIndex::report(std::string const& name, std::string const& reason) {
+void FolderIndex::reportUnreadable(std::string const& name, std::string const& reason) {
+    // A file that somebody has removed since the folder was looked at is nothing to tell of.
+    std::error_code failure;
+    auto const status = std::filesystem::symlink_status(folder / name, failure);
+    if (status.type() == std::filesystem::file_type::not_found) return;
     metProblems.push_back({.path = folder / name,
                            .line = 0,
                            .effect = StoreProblem::Effect::skipped,

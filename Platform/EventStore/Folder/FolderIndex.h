@@ -136,7 +136,7 @@ private:
                   std::shared_ptr<ICalendar::CalendarFile const> file);
     void forgetParsed(std::string const& name);
     void forgetParsedBut(WantedFiles const& wanted);
-    void report(std::string const& name, std::string const& reason);
+    void reportUnreadable(std::string const& name, std::string const& reason);
 
     std::filesystem::path folder;
     std::uint64_t folderHash;

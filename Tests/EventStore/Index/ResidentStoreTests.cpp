@@ -67,7 +67,7 @@ protected:
                                                             Foundation::Locale{.identifier = "en"}),
             .fileSystemClock = std::make_shared<FixedClock>(Foundation::Date{4e9}),
             .prompt = std::make_shared<GivenConsentPrompt>(ConsentAnswer::yes),
-            .logger = Logger(std::make_shared<RecordingLogSink>(), "tests", "EventStore"),
+            .logger = Logger(log, "tests", "EventStore"),
             .onDifference = std::move(onDifference),
         });
     }
@@ -99,10 +99,18 @@ protected:
 
     TemporaryFolder home;
     std::shared_ptr<FileManager const> files = std::make_shared<PosixFileManager>(Foundation::Environment());
+    std::shared_ptr<RecordingLogSink> log = std::make_shared<RecordingLogSink>();
     Calls calls;
 };
 
 } // namespace
+
+TEST_F(ResidentStoreTests, aFileThatHasBeenRemovedIsNoTrouble) {
+    std::filesystem::remove(home / "Calendars/work/a.ics");
+    auto const subject = resident();
+    EXPECT_EQ(finalTitles(*subject), (Texts{"B"}));
+    EXPECT_TRUE(log->records().empty()) << log->records().front().message;
+}
 
 TEST_F(ResidentStoreTests, answersFromWhatIsKnownAndTellsWhenThatWasNotAll) {
     write("work/c.ics", "C");
