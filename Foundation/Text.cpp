@@ -137,6 +137,11 @@ private:
     std::size_t position = 0;
 };
 
+bool extendsCluster(UChar32 scalar) {
+    auto const value = u_getIntPropertyValue(scalar, UCHAR_GRAPHEME_CLUSTER_BREAK);
+    return value == U_GCB_EXTEND || value == U_GCB_ZWJ || value == U_GCB_SPACING_MARK;
+}
+
 bool takesNoColumn(UChar32 scalar) {
     auto const mask = U_GET_GC_MASK(scalar);
     return (mask & (U_GC_MN_MASK | U_GC_ME_MASK | U_GC_CF_MASK | U_GC_CC_MASK)) != 0;
@@ -264,6 +269,16 @@ std::size_t firstGraphemeLength(std::string_view text) {
     // One cluster is never longer than this, save in texts made to hurt; those are cut.
     constexpr std::size_t longest = 4096;
     return GraphemeClusters(text.substr(0, longest)).next().size();
+}
+
+std::size_t clusterExtensionLength(std::string_view text) {
+    auto const length = icuLength(text);
+    std::int32_t end = 0;
+    for (std::int32_t position = 0; position < length; end = position) {
+        auto const scalar = nextScalar(text, length, position);
+        if (scalar < 0 || !extendsCluster(scalar)) break;
+    }
+    return static_cast<std::size_t>(end);
 }
 
 std::string truncated(std::string_view text, std::size_t limit) {

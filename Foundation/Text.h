@@ -40,6 +40,10 @@ std::u32string scalars(std::string_view text);
 /// Byte length of the first extended grapheme cluster (UAX #29, root locale); 0 for an empty text.
 std::size_t firstGraphemeLength(std::string_view text);
 
+/// Byte length of the marks and joiners that `text` begins with: what belongs to the cluster of a letter or
+/// symbol before them (UAX #29, GB9 and GB9a). Takes no longer than they are.
+std::size_t clusterExtensionLength(std::string_view text);
+
 /// At most `limit` grapheme clusters of `text`, and at most 64 bytes for each; the cut is marked by "…".
 std::string truncated(std::string_view text, std::size_t limit);
 

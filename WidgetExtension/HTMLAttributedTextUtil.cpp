@@ -22,16 +22,11 @@ std::size_t leadingSeparatorLength(std::string_view text) {
     return separator == leadingSeparatorCharacters.end() ? 0 : separator->size();
 }
 
+// A separator takes the marks that sit on it along.
 std::string_view droppingLeadingSeparators(std::string_view line) {
-    auto length = leadingSeparatorLength(line);
-    while (length > 0) {
-        auto const after = line.substr(length);
-        auto const nextLength = leadingSeparatorLength(after);
-        bool const standsAlone =
-            nextLength > 0 || after.empty() || static_cast<unsigned char>(after.front()) < 0x80U;
-        // A separator takes the marks that sit on it along. Rules of thousands of dashes need no such look.
-        line.remove_prefix(standsAlone ? length : Text::firstGraphemeLength(line));
-        length = standsAlone ? nextLength : leadingSeparatorLength(line);
+    while (auto const length = leadingSeparatorLength(line)) {
+        line.remove_prefix(length);
+        line.remove_prefix(Text::clusterExtensionLength(line));
     }
     return line;
 }

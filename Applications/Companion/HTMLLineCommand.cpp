@@ -31,24 +31,47 @@ std::string boundedInput() {
     }
 }
 
+// At most so many bytes of `text`, without breaking a character that is whole.
+std::string_view prefix(std::string_view text, std::size_t bytes) {
+    if (text.size() <= bytes) return text;
+    constexpr std::size_t mostContinuations = 3;
+    auto const isContinuation = [&](std::size_t at) {
+        return (static_cast<unsigned char>(text[at]) & 0xC0U) == 0x80U;
+    };
+    auto end = bytes;
+    while (bytes - end < mostContinuations && isContinuation(end))
+        --end;
+    return text.substr(0, end);
+}
+
+// What is shown of a text, line by line. A plain text comes whole from the parser, whatever it holds and
+// however long it is; a person reads the beginning.
+std::string shown(std::string_view text) {
+    constexpr std::size_t mostBytes = 64UL * 1024;
+    constexpr std::size_t mostCharacters = 1000;
+    // The last line need not end the text twice.
+    if (text.ends_with('\n')) text.remove_suffix(1);
+    auto rest = prefix(text, mostBytes);
+    bool const isCut = rest.size() < text.size();
+    std::string output;
+    while (true) {
+        auto const end = rest.find('\n');
+        auto const line = Foundation::Text::neutralized(rest.substr(0, end));
+        auto const kept = Foundation::Text::truncated(line, mostCharacters);
+        bool const isLast = end == std::string_view::npos;
+        bool const isCutHere = isLast && isCut && !kept.ends_with("…");
+        output += kept + (isCutHere ? "…\n" : "\n");
+        if (isLast) return output;
+        rest.remove_prefix(end + 1);
+    }
+}
+
 ExitCode run(Invocation const& invocation) {
     auto const services = liveServices(invocation);
     Platform::CallingThreadMainExecutor main;
     auto const line =
         WidgetExtension::HTMLAttributedTextUtil::parse(boundedInput(), *services->htmlReader(), main);
-    if (!line) return ExitCode::done;
-    // A plain text keeps its lines; the last one need not end the text twice.
-    std::string_view rest = line->string;
-    if (rest.ends_with('\n')) rest.remove_suffix(1);
-    std::string output;
-    while (true) {
-        auto const end = rest.find('\n');
-        auto const shown = Foundation::Text::sanitizedUTF8(rest.substr(0, end));
-        output += Foundation::Text::neutralized(shown) + "\n";
-        if (end == std::string_view::npos) break;
-        rest.remove_prefix(end + 1);
-    }
-    invocation.console.write(output);
+    if (line) invocation.console.write(shown(line->string));
     return ExitCode::done;
 }
 

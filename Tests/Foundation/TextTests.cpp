@@ -139,6 +139,20 @@ TEST(GraphemeTests, theFirstClusterIsMeasuredWhole) {
     }
 }
 
+TEST(GraphemeTests, whatExtendsAClusterIsWhatTheClusterHasMore) {
+    for (std::string_view const base : {"-", "_", "=", "~", "*", "#", "•", "·", ".", "—", "–", "|"}) {
+        for (std::string_view const after :
+             {"", "x", "-", "\u0301x", "\u0301\u0302\u0303-", "\uFE0F\u20E3 x", "\u200Dx", "\u200D\U0001F469",
+              "\u0903x", "\u0E33x", "\U0001F3FDx", "\u200Bx", "\u0600x", "\n", "\r\n", "\u1100",
+              "\U0001F1EA"}) {
+            SCOPED_TRACE(std::string(base) + std::string(after));
+            EXPECT_EQ(base.size() + Text::clusterExtensionLength(after),
+                      Text::firstGraphemeLength(std::string(base) + std::string(after)));
+        }
+    }
+    EXPECT_EQ(Text::clusterExtensionLength("\u0301\xFF"), 2U);
+}
+
 TEST(GraphemeTests, truncationCutsBetweenClusters) {
     EXPECT_EQ(Text::truncated("abc", 3), "abc");
     EXPECT_EQ(Text::truncated("abcd", 3), "abc…");

@@ -168,6 +168,11 @@ TEST(HTMLAttributedTextUtilTests, hugeRulesTakeNoSquareOfTheirLength) {
         marked += "-\u0301";
     EXPECT_EQ(lineOfRendered(std::string(1024UL * 1024, '-') + "x"), "x");
     EXPECT_EQ(lineOfRendered(marked + "x"), "x");
+    // All of it is one character.
+    std::string pile = "-";
+    while (pile.size() < 1024UL * 1024)
+        pile += "\u0301";
+    EXPECT_EQ(lineOfRendered(pile + "x"), "x");
 }
 
 } // namespace
