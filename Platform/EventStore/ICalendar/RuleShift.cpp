@@ -2,6 +2,7 @@
 
 #include "Platform/EventStore/ICalendar/CivilDays.h"
 
+#include <cstdlib>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -11,13 +12,13 @@ namespace {
 
 class RuleMove {
 public:
-    RuleMove(RuleText& text, RecurrenceRule const& rule, std::int64_t before, std::int64_t after)
+    RuleMove(RuleText& text, RecurrenceRule const& rule, MovedTime const& occurrence)
         : text(text),
           rule(rule),
-          beforeDay(floorDivide(before, secondsPerDay)),
-          afterDay(floorDivide(after, secondsPerDay)),
-          beforeTime(floorModulo(before, secondsPerDay)),
-          afterTime(floorModulo(after, secondsPerDay)) {}
+          beforeDay(floorDivide(occurrence.before, secondsPerDay)),
+          afterDay(floorDivide(occurrence.after, secondsPerDay)),
+          beforeTime(floorModulo(occurrence.before, secondsPerDay)),
+          afterTime(floorModulo(occurrence.after, secondsPerDay)) {}
 
     bool moveTimes(bool becomesAllDay) {
         if (becomesAllDay && rule.frequency <= Frequency::hourly) return false;
@@ -46,7 +47,7 @@ public:
             if (rule.interval > 1 && !rule.byDay.empty())
                 text.set("WKST", std::string(weekdayName(movedWeekday(rule.weekStart))));
             return moveWeekdays();
-        case Frequency::monthly: return rule.byMonth.empty() && moveDayOfMonth();
+        case Frequency::monthly: return rule.byMonth.empty() && moveDayOfMonth(shortestMonth);
         case Frequency::yearly: return moveDayOfYear();
         }
         return false;
@@ -81,49 +82,63 @@ private:
         return true;
     }
 
-    // One day of the month, named by its number or as a weekday; unnamed it is the start's own.
-    bool moveDayOfMonth() {
-        if (!everyMonthHas()) return false;
-        if (rule.byDay.empty() && rule.byMonthDay.empty()) return true;
+    // One day of the month, named by its number or as a weekday; unnamed it is the start's own. `commonDays`
+    // are those that all months of the rule have.
+    bool moveDayOfMonth(std::int32_t commonDays) {
         auto const before = civilDay(beforeDay);
         auto const after = civilDay(afterDay);
-        auto const lengthBefore = daysInMonth(before.year, before.month);
-        auto const lengthAfter = daysInMonth(after.year, after.month);
-        if (rule.byDay.empty()) {
-            if (rule.byMonthDay.size() > 1) return false;
-            auto const day = rule.byMonthDay.front();
-            if (day != before.day && day != before.day - lengthBefore - 1) return false;
-            text.set("BYMONTHDAY", std::to_string(day > 0 ? after.day : after.day - lengthAfter - 1));
-            return true;
-        }
-        if (rule.byDay.size() > 1 || !rule.byMonthDay.empty()) return false;
-        auto const day = rule.byDay.front();
-        bool const isNamed =
-            day.ordinal == (before.day - 1) / 7 + 1 || day.ordinal == -((lengthBefore - before.day) / 7 + 1);
-        if (!isNamed || day.weekday != weekdayOf(beforeDay)) return false;
-        auto const ordinal = day.ordinal > 0 ? (after.day - 1) / 7 + 1 : -((lengthAfter - after.day) / 7 + 1);
-        text.set("BYDAY", std::to_string(ordinal) + std::string(weekdayName(weekdayOf(afterDay))));
+        if (before.year != after.year || before.month != after.month) return false;
+        auto const length = daysInMonth(before.year, before.month);
+        if (rule.byDay.empty() && rule.byMonthDay.empty())
+            return areCommon(before.day, after.day, commonDays);
+        if (rule.byDay.empty()) return moveNumber(before.day, after.day, length, commonDays);
+        return rule.byMonthDay.empty() && moveCountedWeekday(before.day, after.day, length);
+    }
+
+    bool moveNumber(std::int32_t before, std::int32_t after, std::int32_t length, std::int32_t commonDays) {
+        if (rule.byMonthDay.size() > 1) return false;
+        auto const number = rule.byMonthDay.front();
+        bool const isNamed = number == before || number == before - length - 1;
+        auto const moved = number > 0 ? after : after - length - 1;
+        if (!isNamed || !areCommon(number, moved, commonDays)) return false;
+        text.set("BYMONTHDAY", std::to_string(moved));
         return true;
     }
 
-    // Whether the new day is one that comes in every month in which the old one came: else the series would
-    // lose some of its events on the way.
-    [[nodiscard]] bool everyMonthHas() const {
-        auto const before = civilDay(beforeDay);
-        auto const after = civilDay(afterDay);
-        bool const isSameMonth = before.year == after.year && before.month == after.month;
-        constexpr std::int32_t lastOfEveryMonth = 28;
-        return isSameMonth && (after.day <= lastOfEveryMonth || after.day <= before.day);
+    bool moveCountedWeekday(std::int32_t before, std::int32_t after, std::int32_t length) {
+        if (rule.byDay.size() > 1) return false;
+        auto const day = rule.byDay.front();
+        auto const fromStart = [](std::int32_t number) { return (number - 1) / 7 + 1; };
+        auto const fromEnd = [length](std::int32_t number) { return -((length - number) / 7 + 1); };
+        bool const isNamed = day.weekday == weekdayOf(beforeDay) &&
+                             (day.ordinal == fromStart(before) || day.ordinal == fromEnd(before));
+        auto const moved = day.ordinal > 0 ? fromStart(after) : fromEnd(after);
+        constexpr std::int32_t commonWeeks = 4;
+        if (!isNamed || !areCommon(day.ordinal, moved, commonWeeks)) return false;
+        text.set("BYDAY", std::to_string(moved) + std::string(weekdayName(weekdayOf(afterDay))));
+        return true;
+    }
+
+    // Whether no month has one and lacks the other, each counted from either end of it: else the series would
+    // lose some of its events on the way, or gain some.
+    static bool areCommon(std::int32_t before, std::int32_t after, std::int32_t most) {
+        return std::abs(before) <= most && std::abs(after) <= most;
     }
 
     bool moveDayOfYear() {
+        auto const before = civilDay(beforeDay);
+        auto const after = civilDay(afterDay);
         bool const isUnnamed = rule.byMonth.empty() && rule.byDay.empty() && rule.byMonthDay.empty();
-        if (isUnnamed) return true;
-        bool const isOneMonth = rule.byMonth.size() == 1 && rule.byMonth.front() == civilDay(beforeDay).month;
-        if (!isOneMonth) return false;
-        text.set("BYMONTH", std::to_string(civilDay(afterDay).month));
-        return moveDayOfMonth();
+        if (isUnnamed) return !isLeapDay(before) && !isLeapDay(after);
+        bool const isOneMonth = rule.byMonth.size() == 1 && rule.byMonth.front() == before.month;
+        return isOneMonth && moveDayOfMonth(before.month == february ? shortestMonth : longestMonth);
     }
+
+    static bool isLeapDay(CivilDay const& day) { return day.month == february && day.day > shortestMonth; }
+
+    static constexpr std::int32_t february = 2;
+    static constexpr std::int32_t shortestMonth = 28;
+    static constexpr std::int32_t longestMonth = 31;
 
     RuleText& text;
     RecurrenceRule const& rule;
@@ -133,12 +148,42 @@ private:
     std::int64_t afterTime;
 };
 
+// Whether start and occurrence pass over as many midnights, or whatever unit of time it is.
+bool passAlike(MovedTime const& start, MovedTime const& occurrence, std::int64_t unit) {
+    auto const passed = [unit](MovedTime const& time) {
+        return floorDivide(time.after, unit) - floorDivide(time.before, unit);
+    };
+    return passed(start) == passed(occurrence);
+}
+
+// What a rule does not name comes from the start of its series. Where it names a time of day that is not the
+// start's, one of them may be moved past midnight and not the other, and then its days are other ones.
+bool keepsItsTimes(RecurrenceRule const& rule, MovedTime const& start, MovedTime const& occurrence) {
+    constexpr std::int64_t minute = 60;
+    constexpr std::int64_t hour = 60 * minute;
+    return (rule.frequency < Frequency::daily || passAlike(start, occurrence, secondsPerDay)) &&
+           (rule.frequency < Frequency::hourly || passAlike(start, occurrence, hour)) &&
+           (rule.frequency < Frequency::minutely || passAlike(start, occurrence, minute));
+}
+
+// The months or years that a rule leaves out are counted from the start's own, which a move of a few days may
+// leave although the occurrences stay in theirs.
+bool keepsItsStep(RecurrenceRule const& rule, MovedTime const& start) {
+    if (rule.interval == 1) return true;
+    auto const before = civilDay(floorDivide(start.before, secondsPerDay));
+    auto const after = civilDay(floorDivide(start.after, secondsPerDay));
+    bool const isSameYear = before.year == after.year;
+    if (rule.frequency == Frequency::yearly) return isSameYear;
+    return rule.frequency != Frequency::monthly || (isSameYear && before.month == after.month);
+}
+
 } // namespace
 
-bool moveRule(RuleText& text, RecurrenceRule const& rule, std::int64_t before, std::int64_t after,
+bool moveRule(RuleText& text, RecurrenceRule const& rule, MovedTime start, MovedTime occurrence,
               bool becomesAllDay) {
-    RuleMove move(text, rule, before, after);
-    return move.moveTimes(becomesAllDay) && move.moveDays();
+    RuleMove move(text, rule, occurrence);
+    return keepsItsTimes(rule, start, occurrence) && keepsItsStep(rule, start) &&
+           move.moveTimes(becomesAllDay) && move.moveDays();
 }
 
 } // namespace Platform::ICalendar

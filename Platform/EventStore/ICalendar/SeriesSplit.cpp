@@ -324,11 +324,20 @@ TimeMapping SeriesSplit::mappingFor(Occurrence const& occurrence, EventChange co
 // Where the rest of the series begins: at the occurrence; but at the next one of the rule where the
 // occurrence is an added date, which would put the rule out of step.
 std::int64_t SeriesSplit::anchor() const {
+    return parts.series().master()->component->rules.size() == 1 ? nextOf(0) : split;
+}
+
+// Where the series begins that goes on so far, on the clock that it has now.
+std::int64_t SeriesSplit::startOf(Reach reach) const {
+    return reach == Reach::whole ? parts.master().event.component->start.localSeconds : anchor();
+}
+
+// The first time from the occurrence on that a rule yields; the occurrence itself when there is none.
+std::int64_t SeriesSplit::nextOf(std::size_t rule) const {
     auto const& master = *parts.series().master()->component;
-    if (master.rules.size() != 1) return split;
-    RuleExpander const expander(master.rules.front(), master.start.localSeconds);
+    RuleExpander const expander(master.rules[rule], master.start.localSeconds);
     if (expander.yields(split)) return split;
-    auto const last = std::min(parts.series().ruleEnd(0).last, lastSecond);
+    auto const last = std::min(parts.series().ruleEnd(rule).last, lastSecond);
     // Windows that grow: nearly always the first holds it.
     for (std::int64_t from = split, width = 40 * secondsPerDay; from <= last; from += width, width *= 4) {
         std::vector<std::int64_t> found;
@@ -348,8 +357,7 @@ void SeriesSplit::writeStart(ComponentText& event, Occurrence const& occurrence,
     auto const& component = *base.event.component;
     auto const& clock = mapping.to;
     bool const isAllDay = clock.form == TimeForm::date;
-    auto const first = reach == Reach::whole ? parts.master().event.component->start.localSeconds : anchor();
-    auto const start = mapping(first);
+    auto const start = mapping(startOf(reach));
     auto const startInstant = isAllDay ? start : clock.rules.instant(start);
     auto const lengthOf = [&](SeriesPart const& part) {
         auto const natural = part.event.length(viewerZone);
@@ -423,6 +431,7 @@ std::optional<ComponentText> SeriesSplit::keptException(Occurrence const& occurr
 std::optional<std::string> SeriesSplit::continueRules(ComponentText& event, TimeMapping const& mapping,
                                                       Reach reach) const {
     auto const& master = *parts.series().master();
+    auto const start = startOf(reach);
     auto const written = event.properties("RRULE");
     for (auto index = written.size(); index-- > 0;) {
         auto const& rule = master.component->rules[index];
@@ -443,8 +452,10 @@ std::optional<std::string> SeriesSplit::continueRules(ComponentText& event, Time
             event.removeLine(written[index].line);
             continue;
         }
+        auto const occurrence = nextOf(index);
         bool const isMoved =
-            moveRule(text, rule, split, mapping(split),
+            moveRule(text, rule, {.before = start, .after = mapping(start)},
+                     {.before = occurrence, .after = mapping(occurrence)},
                      mapping.to.form == TimeForm::date && mapping.from.form != TimeForm::date);
         if (!isMoved) return notMovable;
         if (RuleText(written[index].value) != text)

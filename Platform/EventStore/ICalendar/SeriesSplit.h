@@ -70,6 +70,8 @@ private:
     continuation(Occurrence const& occurrence, EventChange const& change, Reach reach) const;
     [[nodiscard]] TimeMapping mappingFor(Occurrence const& occurrence, EventChange const& change) const;
     [[nodiscard]] std::int64_t anchor() const;
+    [[nodiscard]] std::int64_t startOf(Reach reach) const;
+    [[nodiscard]] std::int64_t nextOf(std::size_t rule) const;
     [[nodiscard]] bool happens() const;
     void writeStart(ComponentText& event, Occurrence const& occurrence, EventChange const& change,
                     TimeMapping const& mapping, Reach reach) const;
