@@ -76,7 +76,7 @@ ExitCode list(Invocation const& invocation) {
 }
 
 void saveHidden(Composition::LiveServices& services, std::set<std::string> const& hidden) {
-    WriteWitness const files(services.files());
+    Platform::WriteWitness const files(services.files());
     Meetings::HiddenCalendarsStore::save(files, *services.notifications(), hidden);
     // The store never fails aloud, so a person's own command looks whether the choice was kept.
     if (Meetings::HiddenCalendarsStore::load(files) != hidden)

@@ -36,7 +36,7 @@ std::string dayLine(Composition::LiveServices& services, std::int64_t offset) {
 
 // The stores and intents fail silently, as a button must; a command looks whether its day was kept.
 ExitCode reportMove(Invocation const& invocation, Composition::LiveServices& services,
-                    WriteWitness const& files, std::int64_t expected, std::int64_t before) {
+                    Platform::WriteWitness const& files, std::int64_t expected, std::int64_t before) {
     auto const stored = DayOffsetStore::load(files);
     // A press elsewhere may have moved on meanwhile; only a day that did not move at all was not kept.
     if (stored == before && expected != before)
@@ -48,7 +48,7 @@ ExitCode reportMove(Invocation const& invocation, Composition::LiveServices& ser
 template <typename Intent>
 ExitCode step(Invocation const& invocation, std::int64_t days) {
     auto const services = liveServices(invocation);
-    auto const files = std::make_shared<WriteWitness const>(services->files());
+    auto const files = std::make_shared<Platform::WriteWitness const>(services->files());
     auto const before = DayOffsetStore::load(*files);
     std::int64_t next = 0;
     // The intent ends the process over such a file; a person is better told what to do.
@@ -69,7 +69,7 @@ ExitCode previous(Invocation const& invocation) {
 
 ExitCode today(Invocation const& invocation) {
     auto const services = liveServices(invocation);
-    WriteWitness const files(services->files());
+    Platform::WriteWitness const files(services->files());
     auto const before = DayOffsetStore::load(files);
     DayOffsetStore::save(files, 0);
     services->widgetCenter()->reloadAllTimelines();

@@ -52,7 +52,7 @@ bool isMirrorRight(Composition::LiveServices& services, CalendarProviderRegistry
 
 void checkMirror(Composition::LiveServices& services, CalendarProviderRegistryApplication const& registry) {
     auto const enabled = enabledKinds(registry);
-    WriteWitness const files(services.files());
+    Platform::WriteWitness const files(services.files());
     if (EnabledCalendarAccountsStore::load(files) == enabled) return;
     // The registry writes it without a word; writing it once more mends it or tells why not.
     EnabledCalendarAccountsStore::save(files, enabled);

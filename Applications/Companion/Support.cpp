@@ -62,7 +62,7 @@ std::string shownPath(std::filesystem::path const& path) {
     return Foundation::Text::neutralized(Foundation::Text::sanitizedUTF8(path.string()));
 }
 
-std::string whyNotKept(WriteWitness const& files) {
+std::string whyNotKept(Platform::WriteWitness const& files) {
     auto const& failure = files.lastFailure();
     if (!failure) return Texts::changedElsewhere();
     return Texts::unwritableFile(shownPath(failure->path), failure->error.message());

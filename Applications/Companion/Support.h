@@ -1,12 +1,12 @@
 #pragma once
 
 #include "Applications/Companion/Invocation.h"
-#include "Applications/Companion/WriteWitness.h"
 #include "Applications/Composition/LiveServices.h"
 #include "Foundation/Calendar.h"
 #include "Platform/Defaults/UserDefaults.h"
 #include "Platform/EventStore/Folder/CalendarStoreConfiguration.h"
 #include "Platform/EventStore/Folder/ConsentRecord.h"
+#include "Platform/Files/WriteWitness.h"
 
 #include <filesystem>
 #include <memory>
@@ -37,7 +37,7 @@ std::filesystem::path absolutePath(std::string_view text);
 std::string shownPath(std::filesystem::path const& path);
 
 /// Why a choice was not kept, as the end of a sentence: the file that could not be written, with the cause.
-std::string whyNotKept(WriteWitness const& files);
+std::string whyNotKept(Platform::WriteWitness const& files);
 
 /// Rows of texts as aligned lines, two blanks between the columns, each text made harmless.
 std::string alignedColumns(std::vector<std::vector<std::string>> const& rows, std::string_view indent = "");

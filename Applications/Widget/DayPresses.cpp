@@ -10,23 +10,32 @@ namespace Widget {
 
 namespace {
 
-Foundation::Task<void> performIntent(std::shared_ptr<Platform::AppIntent> intent,
-                                     std::shared_ptr<Platform::FileManager const> files, std::int64_t days,
-                                     std::function<void(std::int64_t)> refused) {
-    auto const storedDay = WidgetExtension::ScheduleWidgetDayOffsetStore::load(*files);
+namespace DayOffsetStore = WidgetExtension::ScheduleWidgetDayOffsetStore;
+
+using Files = std::shared_ptr<Platform::FileManager const>;
+using Center = std::shared_ptr<Platform::WidgetCenter>;
+using Done = std::function<void(PressOutcome const&)>;
+
+template <typename Intent>
+Foundation::Task<void> step(Files files, Center widgetCenter, std::int64_t days, Done done) {
+    auto const storedDay = DayOffsetStore::load(*files);
     std::int64_t next = 0;
     // The intent ends the process over such a file. A widget had better stay, and say what is wrong.
     if (__builtin_add_overflow(storedDay, days, &next)) {
-        refused(storedDay);
+        done({.refusedDay = storedDay, .notSaved = std::nullopt});
         co_return;
     }
-    co_await intent->perform();
+    auto const witness = std::make_shared<Platform::WriteWitness const>(std::move(files));
+    Intent intent(witness, std::move(widgetCenter));
+    co_await intent.perform();
+    done({.refusedDay = std::nullopt, .notSaved = witness->lastFailure()});
 }
 
-Foundation::Task<void> returnToToday(std::shared_ptr<Platform::FileManager const> files,
-                                     std::shared_ptr<Platform::WidgetCenter> widgetCenter) {
-    WidgetExtension::ScheduleWidgetDayOffsetStore::save(*files, 0);
+Foundation::Task<void> returnToToday(Files files, Center widgetCenter, Done done) {
+    Platform::WriteWitness const witness(std::move(files));
+    DayOffsetStore::save(witness, 0);
     widgetCenter->reloadAllTimelines();
+    done({.refusedDay = std::nullopt, .notSaved = witness.lastFailure()});
     co_return;
 }
 
@@ -34,26 +43,22 @@ Foundation::Task<void> returnToToday(std::shared_ptr<Platform::FileManager const
 
 DayPresses::DayPresses(Foundation::TaskExecutor executor, std::shared_ptr<Platform::FileManager const> files,
                        std::shared_ptr<Platform::WidgetCenter> widgetCenter,
-                       std::function<void(std::int64_t storedDay)> refused)
+                       std::function<void(PressOutcome const&)> done)
     : executor(std::move(executor)),
       files(std::move(files)),
       widgetCenter(std::move(widgetCenter)),
-      refused(std::move(refused)) {}
+      done(std::move(done)) {}
 
 void DayPresses::previousDay() const {
-    perform(std::make_shared<WidgetExtension::ShowPreviousScheduleDayIntent>(files, widgetCenter), -1);
+    executor.start(step<WidgetExtension::ShowPreviousScheduleDayIntent>(files, widgetCenter, -1, done));
 }
 
 void DayPresses::nextDay() const {
-    perform(std::make_shared<WidgetExtension::ShowNextScheduleDayIntent>(files, widgetCenter), 1);
+    executor.start(step<WidgetExtension::ShowNextScheduleDayIntent>(files, widgetCenter, 1, done));
 }
 
 void DayPresses::today() const {
-    executor.start(returnToToday(files, widgetCenter));
-}
-
-void DayPresses::perform(std::shared_ptr<Platform::AppIntent> intent, std::int64_t days) const {
-    executor.start(performIntent(std::move(intent), files, days, refused));
+    executor.start(returnToToday(files, widgetCenter, done));
 }
 
 } // namespace Widget

@@ -2,6 +2,7 @@
 
 #include "Applications/Widget/Texts.h"
 #include "Foundation/DateFormatting.h"
+#include "Foundation/Text.h"
 
 namespace Widget {
 
@@ -18,13 +19,24 @@ std::string textOf(CalendarTrouble const& trouble, Foundation::Calendar const& c
 
 } // namespace
 
+std::optional<std::string> troubleOf(PressOutcome const& press) {
+    if (press.refusedDay) {
+        return Texts::storedDayIsOutOfRange(*press.refusedDay);
+    }
+    return press.notSaved.transform([](Platform::WriteWitness::Failure const& failure) {
+        return Texts::dayNotSaved(Foundation::Text::sanitizedUTF8(failure.path.string()),
+                                  failure.error.message());
+    });
+}
+
 std::string Notices::text(Foundation::Calendar const& calendar) const {
     std::string lines;
+    auto const add = [&](std::string const& line) { lines += (lines.empty() ? "" : "\n") + line; };
     if (calendarTrouble) {
-        lines = textOf(*calendarTrouble, calendar);
+        add(textOf(*calendarTrouble, calendar));
     }
-    if (refusedDay) {
-        lines += (lines.empty() ? "" : "\n") + Texts::storedDayIsOutOfRange(*refusedDay);
+    if (auto const trouble = troubleOf(lastPress)) {
+        add(*trouble);
     }
     return lines;
 }

@@ -1,18 +1,21 @@
 #pragma once
 
 #include "Applications/Widget/CalendarHealth.h"
+#include "Applications/Widget/DayPresses.h"
 #include "Foundation/Calendar.h"
 
-#include <cstdint>
 #include <optional>
 #include <string>
 
 namespace Widget {
 
+/// Why a press did not move the day, in a line; absent when it did.
+std::optional<std::string> troubleOf(PressOutcome const& press);
+
 /// What a person has to know beside the face, which cannot say it.
 struct Notices {
     std::optional<CalendarTrouble> calendarTrouble;
-    std::optional<std::int64_t> refusedDay; ///< The stored day from which a press found no further step.
+    PressOutcome lastPress;
 
     /// One line each; empty when there is none. Times are those of `calendar`.
     [[nodiscard]] std::string text(Foundation::Calendar const& calendar) const;

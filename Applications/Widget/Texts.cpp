@@ -94,6 +94,10 @@ std::string storedDayIsOutOfRange(std::int64_t storedDay) {
     return text("stored-day-is-out-of-range", std::to_string(storedDay));
 }
 
+std::string dayNotSaved(std::string_view path, std::string_view cause) {
+    return text("day-not-saved", path, Composition::Texts::told(cause));
+}
+
 Platform::FaceWindowTexts window() {
     return {
         .title = "Quillora",

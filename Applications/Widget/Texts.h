@@ -35,6 +35,7 @@ std::string unreadableMoment(std::string_view text);
 std::string notRead(std::string_view path, std::string_view cause);
 std::string notReadSince(std::string_view since, std::string_view path, std::string_view cause);
 std::string storedDayIsOutOfRange(std::int64_t storedDay);
+std::string dayNotSaved(std::string_view path, std::string_view cause);
 
 Platform::FaceWindowTexts window();
 Platform::ConsentDialogTexts consent();

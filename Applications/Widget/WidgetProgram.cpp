@@ -90,9 +90,6 @@ void WidgetProgram::loadedDayIsShown() {
     if (health) {
         health->check();
     }
-    if (std::exchange(notices.refusedDay, std::nullopt)) {
-        showNotices();
-    }
     if (!std::exchange(hasShownTheDay, true)) {
         window->afterNextFrame([this] { firstFrameIsPainted(); });
     }
@@ -118,14 +115,10 @@ void WidgetProgram::showNewLooks() {
 }
 
 void WidgetProgram::followPresses() {
-    Platform::Logger const logger(services.logSink(), std::string(Meetings::MeetConfigEnum::loggerSubsystem),
-                                  "Widget");
-    presses.emplace(taskThread.executor(), services.files(),
-                    std::make_shared<Platform::LocalWidgetCenter>(mainLoop, [this] { reload(); }),
-                    [this, logger](std::int64_t storedDay) {
-                        logger.error(Texts::storedDayIsOutOfRange(storedDay));
-                        mainLoop.invoke([this, storedDay] { pressWasRefused(storedDay); });
-                    });
+    presses.emplace(
+        taskThread.executor(), services.files(),
+        std::make_shared<Platform::LocalWidgetCenter>(mainLoop, [this] { reload(); }),
+        [this](PressOutcome const& outcome) { mainLoop.invoke([this, outcome] { pressIsDone(outcome); }); });
     consentDialog->onAnswer([this] { reload(); });
 }
 
@@ -182,9 +175,19 @@ void WidgetProgram::withdrawAnsweredQuestion() {
     }
 }
 
-void WidgetProgram::pressWasRefused(std::int64_t storedDay) {
-    notices.refusedDay = storedDay;
+void WidgetProgram::pressIsDone(PressOutcome const& outcome) {
+    if (auto const trouble = troubleOf(outcome)) {
+        Platform::Logger(services.logSink(), std::string(Meetings::MeetConfigEnum::loggerSubsystem), "Widget")
+            .error(*trouble);
+    }
+    notices.lastPress = outcome;
     showNotices();
+}
+
+// Who asks for the day in person may be asked for the calendars once more.
+void WidgetProgram::reloadByHand() {
+    consentDialog->askAnew();
+    reload();
 }
 
 void WidgetProgram::openWindow() {
@@ -193,7 +196,7 @@ void WidgetProgram::openWindow() {
                        .previousDay = [this] { presses->previousDay(); },
                        .nextDay = [this] { presses->nextDay(); },
                        .today = [this] { presses->today(); },
-                       .reload = [this] { reload(); },
+                       .reload = [this] { reloadByHand(); },
                        .quit = [this] { quit(); },
                        .chooseFamily = [this](Platform::WidgetFamily family) { host.setFamily(family); },
                    });
@@ -206,7 +209,7 @@ void WidgetProgram::serve(Platform::SingleInstance& instance) {
         .previousDay = [this] { presses->previousDay(); },
         .nextDay = [this] { presses->nextDay(); },
         .today = [this] { presses->today(); },
-        .reload = [this] { reload(); },
+        .reload = [this] { reloadByHand(); },
         .quit = [this] { quit(); },
         .chooseFamily = [this](Platform::WidgetFamily family) { host.setFamily(family); },
     });

@@ -61,7 +61,8 @@ private:
     void followSignals();
     void preferencesChanged();
     void withdrawAnsweredQuestion();
-    void pressWasRefused(std::int64_t storedDay);
+    void pressIsDone(PressOutcome const& outcome);
+    void reloadByHand();
 
     void openWindow();
     void serve(Platform::SingleInstance& instance);

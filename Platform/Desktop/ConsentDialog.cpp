@@ -22,6 +22,7 @@ void ConsentDialog::withdraw() {
         gtk_widget_destroy(std::exchange(dialog, nullptr));
     }
     static_cast<void>(takeAnswer());
+    askAnew();
 }
 
 Foundation::Task<ConsentAnswer> ConsentDialog::ask() {

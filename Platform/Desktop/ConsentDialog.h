@@ -26,7 +26,7 @@ struct ConsentDialogTexts {
 /// Asks for the calendars in a dialog, and keeps nobody waiting for the answer: the first ask() opens the
 /// dialog and is `unavailable`, as is every other one while the question stands. Once the person has
 /// answered, the next ask() yields the answer, a single time. Closing the dialog is no answer, and nothing is
-/// asked again then.
+/// asked again until somebody wants it.
 class ConsentDialog final : public ConsentPrompt {
 public:
     ConsentDialog(MainLoop& mainLoop, ConsentDialogTexts texts);
@@ -42,8 +42,11 @@ public:
     /// Is called when there is an answer for whoever asks next.
     void onAnswer(std::function<void()> newAnswered) { answered = std::move(newAnswered); }
 
-    /// Takes the question back, and an answer that nobody fetched.
+    /// Takes the question back, and an answer that nobody fetched. The next ask() opens a dialog again.
     void withdraw();
+
+    /// Lets the next ask() open a dialog even after one that was closed without an answer.
+    void askAnew() { wasClosed = false; }
 
 private:
     std::optional<ConsentAnswer> takeAnswer();

@@ -329,6 +329,12 @@ protected:
         ASSERT_TRUE(LoopDriver::runUntil([] { return toplevels().size() == 1; }));
     }
 
+    void openAndClose() {
+        open();
+        respond(GTK_RESPONSE_DELETE_EVENT);
+        EXPECT_TRUE(LoopDriver::runUntil([] { return toplevels().empty(); }));
+    }
+
     static void respond(int response) { gtk_dialog_response(GTK_DIALOG(toplevels().front()), response); }
 
     static std::vector<Accessible> parts(AtkRole role) {
@@ -380,13 +386,23 @@ TEST_F(ConsentDialogTests, whoAsksIsNotKeptWaitingAndFetchesTheAnswerOnce) {
 }
 
 TEST_F(ConsentDialogTests, whoClosedItIsNotAskedAgain) {
-    open();
-    respond(GTK_RESPONSE_DELETE_EVENT);
-    EXPECT_TRUE(LoopDriver::runUntil([] { return toplevels().empty(); }));
+    openAndClose();
     EXPECT_EQ(ask(), ConsentAnswer::unavailable);
     // What the question would open was queued before the answer to it.
     EXPECT_TRUE(toplevels().empty());
     EXPECT_EQ(timesAnswered, 0);
+}
+
+TEST_F(ConsentDialogTests, whoClosedItIsAskedAgainOnWish) {
+    openAndClose();
+    dialog.askAnew();
+    open();
+}
+
+TEST_F(ConsentDialogTests, whoClosedItIsAskedAgainOnceTheAnswerWasGivenElsewhere) {
+    openAndClose();
+    dialog.withdraw();
+    open();
 }
 
 TEST_F(ConsentDialogTests, oneDialogStandsForAllQuestions) {

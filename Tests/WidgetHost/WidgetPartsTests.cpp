@@ -229,8 +229,12 @@ protected:
         std::make_shared<Platform::RecordingWidgetCenter>();
     boost::asio::io_context context;
     std::vector<std::int64_t> refused;
+    std::vector<std::error_code> failures;
     Widget::DayPresses presses{Foundation::TaskExecutor(context.get_executor()), files, center,
-                               [this](std::int64_t storedDay) { refused.push_back(storedDay); }};
+                               [this](Widget::PressOutcome const& outcome) {
+                                   if (outcome.refusedDay) refused.push_back(*outcome.refusedDay);
+                                   if (outcome.notSaved) failures.push_back(outcome.notSaved->error);
+                               }};
 };
 
 TEST_F(DayPressesTests, pressesMoveTheStoredDayOneAfterAnother) {
@@ -251,12 +255,13 @@ TEST_F(DayPressesTests, todayStoresZeroAndReloads) {
     EXPECT_EQ(center->reloadCount, 1);
 }
 
-TEST_F(DayPressesTests, pressThatCannotBeStoredStillReloads) {
+TEST_F(DayPressesTests, pressThatCannotBeStoredStillReloadsAndIsToldOf) {
     files->failsAfter(0);
     presses.nextDay();
     presses.today();
     context.run();
     EXPECT_EQ(center->reloadCount, 2);
+    EXPECT_EQ(failures.size(), 2U);
 }
 
 TEST_F(DayPressesTests, pressFromTheEndOfNumbersIsRefusedAndThereIsAWayBack) {
@@ -348,11 +353,19 @@ TEST(NoticesTests, eachIsALineOfItsOwn) {
         Widget::CalendarTrouble{.path = "/a", .cause = "Permission denied", .lastRead = std::nullopt};
     EXPECT_EQ(notices.text(calendar), "Not all calendars could be read: /a: Permission denied");
     notices.calendarTrouble->lastRead = moment("2026-03-11T09:00:59Z");
-    notices.refusedDay = INT64_MAX;
+    notices.lastPress.refusedDay = INT64_MAX;
     EXPECT_EQ(notices.text(calendar),
               "Not all calendars could be read since 2026-03-11 14:45: /a: Permission denied\n"
               "The stored day is 9223372036854775807 days from today, from where there is no further step; "
               "\"Today\" goes back.");
+    notices = {.calendarTrouble = std::nullopt,
+               .lastPress = {.refusedDay = std::nullopt,
+                             .notSaved = Platform::WriteWitness::Failure{
+                                 .path = "/home/day.json",
+                                 .error = std::make_error_code(std::errc::read_only_file_system)}}};
+    EXPECT_EQ(notices.text(calendar),
+              "The day stays as it was, because it could not be saved: /home/day.json: "
+              "Read-only file system");
 }
 
 class DesktopLooksTests : public testing::Test {

@@ -6,18 +6,18 @@
 #include <optional>
 #include <utility>
 
-namespace Companion {
+namespace Platform {
 
 /// The user's files, with a memory for what could not be written: the preference stores never fail aloud, and
 /// a person wants to know why. Not for use from several threads.
-class WriteWitness final : public Platform::FileManager {
+class WriteWitness final : public FileManager {
 public:
     struct Failure {
         std::filesystem::path path;
         std::error_code error;
     };
 
-    explicit WriteWitness(std::shared_ptr<Platform::FileManager const> files) : files(std::move(files)) {}
+    explicit WriteWitness(std::shared_ptr<FileManager const> files) : files(std::move(files)) {}
 
     /// The last write that failed.
     [[nodiscard]] std::optional<Failure> const& lastFailure() const { return failure; }
@@ -59,8 +59,8 @@ private:
         return error;
     }
 
-    std::shared_ptr<Platform::FileManager const> files;
+    std::shared_ptr<FileManager const> files;
     mutable std::optional<Failure> failure;
 };
 
-} // namespace Companion
+} // namespace Platform
