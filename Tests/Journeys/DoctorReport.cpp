@@ -44,7 +44,9 @@ DoctorReport DoctorReport::from(ProgramResult const& result) {
                                               "; the line below each names what mends it\n");
     for (auto const& check : report.checks) {
         EXPECT_NE(check.text, "") << check.check;
-        if (check.health == "broken") EXPECT_NE(check.mend, "") << check.check;
+        if (check.health == "broken") {
+            EXPECT_NE(check.mend, "") << check.check;
+        }
     }
     return report;
 }

@@ -69,10 +69,10 @@ TEST(TimeoutTests, throwsTimeoutErrorAndHasCancelledTheOperationByThen) {
 TEST(TimeoutTests, anOperationThatHeedsNoCancellationIsAwaitedAndItsValueDropped) {
     auto finished = std::make_shared<std::atomic<bool>>(false);
     IntOperation operation = [finished]() -> Task<int> {
-        return [](std::shared_ptr<std::atomic<bool>> finished) -> Task<int> {
+        return [](std::shared_ptr<std::atomic<bool>> end) -> Task<int> {
             co_await asio::this_coro::reset_cancellation_state(asio::disable_cancellation());
             int const value = co_await after(50ms, 1);
-            *finished = true;
+            *end = true;
             co_return value;
         }(finished);
     };

@@ -28,7 +28,7 @@ void IndexBuilder::addFile(std::string_view name, std::uint64_t stamp, FileFacts
         series.push_back({.first = one.bounds.first,
                           .last = one.bounds.last,
                           .uid = one.uid,
-                          .file = place,
+                          .file = place & INT32_MAX,
                           .isShared = 0,
                           .parts = addParts(one.parts)});
     }

@@ -15,7 +15,9 @@ protected:
     }
     // The folder is the ordinary user's own, unless that is said otherwise.
     static void close(std::filesystem::path const& folder, bool isOwn = true) {
-        if (isOwn && ::geteuid() == 0) ASSERT_EQ(::chown(folder.c_str(), 65534, 65534), 0);
+        if (isOwn && ::geteuid() == 0) {
+            ASSERT_EQ(::chown(folder.c_str(), 65534, 65534), 0);
+        }
         std::filesystem::permissions(folder, std::filesystem::perms::none);
     }
     [[nodiscard]] std::vector<RefusedFolder> refused(std::vector<std::filesystem::path> const& paths) const {
