@@ -54,6 +54,13 @@ std::vector<GtkWidget*> toplevels() {
     return windows;
 }
 
+/// Without the windows that the toolkit opens for purposes of its own.
+std::vector<GtkWidget*> dialogs() {
+    auto windows = toplevels();
+    std::erase_if(windows, [](GtkWidget* window) { return !GTK_IS_DIALOG(window); });
+    return windows;
+}
+
 std::string nameOf(Accessible const& accessible) {
     char const* const name = atk_object_get_name(accessible.get());
     return name == nullptr ? "" : name;
@@ -326,20 +333,20 @@ protected:
 
     void open() {
         EXPECT_EQ(ask(), ConsentAnswer::unavailable);
-        ASSERT_TRUE(LoopDriver::runUntil([] { return toplevels().size() == 1; }));
+        ASSERT_TRUE(LoopDriver::runUntil([] { return dialogs().size() == 1; }));
     }
 
     void openAndClose() {
         open();
         respond(GTK_RESPONSE_DELETE_EVENT);
-        EXPECT_TRUE(LoopDriver::runUntil([] { return toplevels().empty(); }));
+        EXPECT_TRUE(LoopDriver::runUntil([] { return dialogs().empty(); }));
     }
 
-    static void respond(int response) { gtk_dialog_response(GTK_DIALOG(toplevels().front()), response); }
+    static void respond(int response) { gtk_dialog_response(GTK_DIALOG(dialogs().front()), response); }
 
     static std::vector<Accessible> parts(AtkRole role) {
         std::vector<Accessible> found;
-        collect(gtk_widget_get_accessible(toplevels().front()), role, found);
+        collect(gtk_widget_get_accessible(dialogs().front()), role, found);
         return found;
     }
 
@@ -377,7 +384,7 @@ TEST_F(ConsentDialogTests, whoAsksIsNotKeptWaitingAndFetchesTheAnswerOnce) {
         EXPECT_EQ(timesAnswered, 0);
         respond(row.response);
         EXPECT_TRUE(LoopDriver::runUntil([this] { return timesAnswered == 1; }));
-        EXPECT_TRUE(toplevels().empty());
+        EXPECT_TRUE(dialogs().empty());
         EXPECT_EQ(ask(), row.answer);
         // Asked once more it is a question of its own.
         open();
@@ -389,7 +396,7 @@ TEST_F(ConsentDialogTests, whoClosedItIsNotAskedAgain) {
     openAndClose();
     EXPECT_EQ(ask(), ConsentAnswer::unavailable);
     // What the question would open was queued before the answer to it.
-    EXPECT_TRUE(toplevels().empty());
+    EXPECT_TRUE(dialogs().empty());
     EXPECT_EQ(timesAnswered, 0);
 }
 
@@ -408,7 +415,7 @@ TEST_F(ConsentDialogTests, whoClosedItIsAskedAgainOnceTheAnswerWasGivenElsewhere
 TEST_F(ConsentDialogTests, oneDialogStandsForAllQuestions) {
     open();
     EXPECT_EQ(ask(), ConsentAnswer::unavailable);
-    EXPECT_EQ(toplevels().size(), 1U);
+    EXPECT_EQ(dialogs().size(), 1U);
     respond(GTK_RESPONSE_YES);
     EXPECT_TRUE(LoopDriver::runUntil([this] { return timesAnswered == 1; }));
     EXPECT_EQ(ask(), ConsentAnswer::yes);
@@ -417,7 +424,7 @@ TEST_F(ConsentDialogTests, oneDialogStandsForAllQuestions) {
 TEST_F(ConsentDialogTests, withdrawnQuestionIsGoneAndSoIsAnAnswerThatNobodyFetched) {
     open();
     dialog.withdraw();
-    EXPECT_TRUE(LoopDriver::runUntil([] { return toplevels().empty(); }));
+    EXPECT_TRUE(LoopDriver::runUntil([] { return dialogs().empty(); }));
     EXPECT_EQ(timesAnswered, 0);
     open();
     respond(GTK_RESPONSE_YES);
@@ -429,9 +436,9 @@ TEST_F(ConsentDialogTests, withdrawnQuestionIsGoneAndSoIsAnAnswerThatNobodyFetch
 
 TEST_F(ConsentDialogTests, screenReaderFindsTheQuestionAndPressesAnAnswer) {
     open();
-    auto* const window = gtk_widget_get_accessible(toplevels().front());
+    auto* const window = gtk_widget_get_accessible(dialogs().front());
     EXPECT_EQ(atk_object_get_role(window), ATK_ROLE_ALERT);
-    EXPECT_STREQ(gtk_window_get_title(GTK_WINDOW(toplevels().front())), "Access");
+    EXPECT_STREQ(gtk_window_get_title(GTK_WINDOW(dialogs().front())), "Access");
     std::vector<std::string> texts;
     for (auto const& label : parts(ATK_ROLE_LABEL)) {
         texts.push_back(nameOf(label));
