@@ -304,6 +304,10 @@ std::string setupCommand() {
     return "quillora setup";
 }
 
+std::string chooseKeychainCommand(std::string_view keychain) {
+    return fmt::format("quillora setup --keychain {}", keychain);
+}
+
 std::string enableCommand(std::string_view id) {
     return fmt::format("quillora providers enable {}", id);
 }

@@ -46,6 +46,7 @@ std::string tryAgainCommand();
 std::string nothingIsRegistered();
 std::string providerIsEnabled(std::string_view name, std::string_view email);
 std::string providerIsDisabled(std::string_view name);
+std::string chooseKeychainCommand(std::string_view keychain);
 std::string enableCommand(std::string_view id);
 std::string disableCommand(std::string_view id);
 std::string mirrorIsRight(bool isOn);

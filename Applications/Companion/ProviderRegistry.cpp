@@ -38,6 +38,12 @@ void require(ResultEntity const& result, std::string const& whatWasNotDone) {
     if (!result.result) throw CommandError::refused(whatWasNotDone, messageOf(result));
 }
 
+std::unique_ptr<Platform::FileLocks::Held> requiredRegistryLock(Composition::LiveServices& services) {
+    auto held = Composition::LiveRegistryServices(services).lock();
+    if (!held) throw CommandError::failed(held.error());
+    return *std::move(held);
+}
+
 CalendarProviderRegistryApplication requiredRegistry(Composition::LiveServices& services,
                                                      std::string const& whatWasNotDone) {
     // Without a home there is no place for anything below.

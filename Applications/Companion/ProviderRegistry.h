@@ -4,8 +4,10 @@
 #include "Applications/Composition/LiveServices.h"
 #include "CalendarProviders/CalendarProviderRegistryApplication.h"
 #include "CalendarProviders/ResultEntity.h"
+#include "Platform/Files/FileLocks.h"
 
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -26,7 +28,12 @@ Value required(CalendarProviders::ResultEntity const& result, std::string const&
     return result.dataAs<Value>().value();
 }
 
-/// The registry over the person's keychain and database. Throws as above, also where there is no home.
+/// Keeps every other command off the registry while it is held, from the first look to the last change.
+/// Throws CommandError with ExitCode::failed when others do not end, or no lock can be had.
+std::unique_ptr<Platform::FileLocks::Held> requiredRegistryLock(Composition::LiveServices& services);
+
+/// The registry over the person's keychain and database, for who holds the lock. Throws as above, also where
+/// there is no home.
 CalendarProviders::CalendarProviderRegistryApplication requiredRegistry(Composition::LiveServices& services,
                                                                         std::string const& whatWasNotDone);
 

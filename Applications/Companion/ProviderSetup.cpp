@@ -41,10 +41,13 @@ ProviderSetup::ProviderSetup(Invocation const& invocation, Composition::LiveServ
 
 bool ProviderSetup::run() {
     bool hasChanged = false;
+    lock = requiredRegistryLock(services);
     if (auto const keychain = invocation.values.option("--keychain"))
         hasChanged = choose(Foundation::fromRawValue<KeychainKind>(*keychain).value());
     auto const registry = openedRegistry(hasChanged);
-    return registerThisComputer(registry) || hasChanged;
+    hasChanged = registerThisComputer(registry) || hasChanged;
+    lock.reset();
+    return hasChanged;
 }
 
 bool ProviderSetup::choose(KeychainKind kind) {
@@ -63,11 +66,18 @@ ProviderSetup::Registry ProviderSetup::openedRegistry(bool& hasChanged) {
     return required<Registry>(made, whatWasNotDone());
 }
 
+bool ProviderSetup::isWanted(std::string const& question) {
+    lock.reset();
+    bool const isYes = invocation.console.ask(question) == true;
+    lock = requiredRegistryLock(services);
+    return isYes;
+}
+
 bool ProviderSetup::isKeyFileWanted(CalendarProviders::ResultEntity const& failure) {
     if (takesDefaults || invocation.values.has("--keychain")) return false;
     auto const kind = registryServices.chosenKeychain();
     if (!kind || *kind != KeychainKind::secretService) return false;
-    return invocation.console.ask(Texts::offerKeyFile(messageOf(failure))) == true;
+    return isWanted(Texts::offerKeyFile(messageOf(failure)));
 }
 
 bool ProviderSetup::registerThisComputer(Registry const& registry) {
@@ -94,8 +104,9 @@ bool ProviderSetup::registerThisComputer(Registry const& registry) {
 
 bool ProviderSetup::keepRegistered(Registry const& registry, CalendarProviderEntity provider) {
     bool const isSwitchedOn =
-        !provider.capIsEnabled &&
-        (takesDefaults || invocation.console.ask(Texts::offerEnabling(provider.capDisplayName)) == true);
+        !provider.capIsEnabled && (takesDefaults || isWanted(Texts::offerEnabling(provider.capDisplayName)));
+    // Another command may have changed it while the person thought about it.
+    provider = registry.getOne(provider.capId).dataAs<CalendarProviderEntity>().value_or(provider);
     provider.capIsEnabled = provider.capIsEnabled || isSwitchedOn;
     bool const hasChanged = isSwitchedOn || !isMirrorRight(services, registry);
     if (hasChanged) {

@@ -26,6 +26,8 @@ private:
 
     bool choose(Composition::KeychainKind kind);
     Registry openedRegistry(bool& hasChanged);
+    /// Asks without the lock: others need not wait for a person's answer.
+    [[nodiscard]] bool isWanted(std::string const& question);
     [[nodiscard]] bool isKeyFileWanted(CalendarProviders::ResultEntity const& failure);
     bool registerThisComputer(Registry const& registry);
     bool keepRegistered(Registry const& registry, Provider provider);
@@ -36,6 +38,7 @@ private:
     Invocation const& invocation;
     Composition::LiveServices& services;
     Composition::LiveRegistryServices registryServices;
+    std::unique_ptr<Platform::FileLocks::Held> lock; ///< While the registry is looked at and changed.
     bool takesDefaults;
 };
 

@@ -46,6 +46,8 @@ std::string typedId(Invocation const& invocation) {
 
 ExitCode onRegistry(Invocation const& invocation, std::function<void(Session const&)> const& command) {
     auto const services = liveServices(invocation);
+    // A look too: it may come upon a lost key or a damaged database, and begin anew.
+    auto const lock = requiredRegistryLock(*services);
     QuarantineReport const report(*services, invocation.console);
     command({.invocation = invocation, .services = *services});
     return ExitCode::done;

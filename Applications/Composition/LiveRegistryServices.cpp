@@ -21,6 +21,17 @@
 #include <utility>
 
 namespace Composition {
+namespace {
+
+// More than several commands need, one after the other, on a busy computer or with a keyring that does not
+// answer.
+constexpr std::chrono::seconds patienceWithOthers{60};
+
+KeychainKind otherThan(KeychainKind kind) {
+    return kind == KeychainKind::file ? KeychainKind::secretService : KeychainKind::file;
+}
+
+} // namespace
 
 std::shared_ptr<KeychainSetting const> LiveRegistryServices::keychainSetting() {
     auto const places = services.calendarPlaces();
@@ -68,9 +79,8 @@ std::expected<bool, std::string> LiveRegistryServices::chooseKeychain(KeychainKi
     auto const setting = keychainSetting();
     auto const current = chosenKeychain();
     if (current && *current == kind && setting->isRecorded()) return false;
-    // A choice that cannot be read is mended by making it anew; there is no telling where a key would be.
-    if (current && *current != kind) {
-        auto const carried = carryKey(*current, kind);
+    if (!current || *current != kind) {
+        auto const carried = carryKey(current ? Choice::known : Choice::lost, otherThan(kind), kind);
         if (!carried) return std::unexpected(carried.error());
     }
     if (auto const failure = setting->save(kind)) {
@@ -80,14 +90,26 @@ std::expected<bool, std::string> LiveRegistryServices::chooseKeychain(KeychainKi
     return true;
 }
 
-std::expected<void, std::string> LiveRegistryServices::carryKey(KeychainKind from, KeychainKind to) {
+std::optional<KeychainKind> LiveRegistryServices::keychainOfDatabase() {
+    for (auto const kind : {KeychainKind::secretService, KeychainKind::file})
+        if (opensDatabase(*keychainOf(kind))) return kind;
+    return std::nullopt;
+}
+
+std::expected<void, std::string> LiveRegistryServices::carryKey(Choice choice, KeychainKind from,
+                                                                KeychainKind to) {
     auto const database = databaseFile();
     if (!database) return {};
     std::error_code error;
     if (!std::filesystem::exists(*database, error) && !error) return {};
-    if (opensDatabase(*keychainOf(to))) return {};
-
-    auto const status = copyItem(*keychainOf(from), *keychainOf(to), keyIdentity());
+    auto const source = keychainOf(from);
+    auto const target = keychainOf(to);
+    if (opensDatabase(*target)) return {};
+    // Nobody knows which keychain was in use: a key that opens nothing takes no other one's place.
+    bool const isWorthless = choice == Choice::lost && !opensDatabase(*source);
+    auto const status = isWorthless && target->copyMatching(keyIdentity()).data
+                            ? source->copyMatching(keyIdentity()).status
+                            : copyItem(*source, *target, keyIdentity());
     if (status == Platform::KeychainStatus::success || status == Platform::KeychainStatus::itemNotFound)
         return {};
     return std::unexpected(Texts::keyNotCopied(static_cast<std::int32_t>(status),
@@ -107,17 +129,22 @@ bool LiveRegistryServices::opensDatabase(Platform::Keychain const& keychain) {
     return opened.has_value();
 }
 
-// Two programs that both find no key would each make one, and what is written with the one that is replaced
-// could not be read any more. Where nothing can be locked, no key can be kept either.
-std::unique_ptr<Platform::FileLocks::Held> LiveRegistryServices::lockForAFirstKey() {
-    constexpr std::chrono::seconds patience{10};
+std::expected<std::unique_ptr<Platform::FileLocks::Held>, std::string> LiveRegistryServices::lock() {
     auto const database = databaseFile();
+    if (!database) return nullptr;
+    // Not one of the database's own files: those come and go with it.
+    auto const file = database->parent_path() / ".providers.lock";
+    if (services.files()->createDirectory(file.parent_path())) return nullptr;
+    auto held = Platform::PosixFileLocks().take(file, patienceWithOthers);
+    if (held) return *std::move(held);
+    auto const path = Foundation::Text::sanitizedUTF8(file.string());
+    if (held.error() == std::errc::timed_out)
+        return std::unexpected(Texts::registryIsBusy(patienceWithOthers.count(), path));
+    // Where no lock can be made, no registration can be written either: its own failure will say so.
     std::error_code error;
-    if (!database || std::filesystem::exists(*database, error)) return nullptr;
-    auto const folder = services.calendarPlaces()->configurationDirectory;
-    if (services.files()->createDirectory(folder)) return nullptr;
-    auto held = Platform::PosixFileLocks().take(folder / ".keychain.json.lock", patience);
-    return held ? *std::move(held) : nullptr;
+    bool const isThere = std::filesystem::exists(std::filesystem::symlink_status(file, error));
+    if (!isThere || held.error() == std::errc::read_only_file_system) return nullptr;
+    return std::unexpected(Texts::registryNotLocked(path, held.error().message()));
 }
 
 std::shared_ptr<Platform::ObjectDatabaseEngine> LiveRegistryServices::objectDatabaseEngine() {
@@ -135,9 +162,7 @@ CalendarProviders::ResultEntity LiveRegistryServices::calendarProviderRegistry()
     auto const chosen = keychain();
     if (!chosen) return failed({.infrastructureMessage = chosen.error()});
     Platform::SystemRandomSource random;
-    auto lock = lockForAFirstKey();
     auto const made = CalendarProviderDatabase::make(**chosen, random, objectDatabaseEngine());
-    lock.reset();
     auto database = made.dataAs<CalendarProviderDatabase>();
     if (!database) return made;
     return succeeded(CalendarProviderRegistryApplication(

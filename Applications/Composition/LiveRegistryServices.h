@@ -5,6 +5,7 @@
 #include "Platform/Files/FileLocks.h"
 #include "Platform/Keychain/Keychain.h"
 
+#include <cstdint>
 #include <expected>
 #include <filesystem>
 #include <memory>
@@ -44,23 +45,36 @@ public:
     /// home.
     std::optional<std::filesystem::path> databaseFile();
 
+    /// The keychain whose key opens the database, whatever the person's choice says. Absent where there is
+    /// none of either.
+    std::optional<KeychainKind> keychainOfDatabase();
+
+    /// Locks the registry and the choice of its keychain for as long as what it yields is held: whoever
+    /// changes what was read, or may come to make a first key, does all of it under one lock. Waits a minute
+    /// for others; the error is a sentence for the person. Null where there is no place for a registry.
+    std::expected<std::unique_ptr<Platform::FileLocks::Held>, std::string> lock();
+
     /// Records the person's choice, and yields whether it was another one before. Where a database of
     /// providers exists, its key is first copied from the keychain in use, unless the other one holds the
-    /// right one already, or else the choice is refused: no registration is lost to a change of keychain. The
-    /// error is a sentence for the person. Only where the environment names a home.
+    /// right one already, or else the choice is refused: no registration is lost to a change of keychain.
+    /// Where the record of the choice is damaged, the key that opens the database is the one in use. The
+    /// error is a sentence for the person. Only where the environment names a home, and under the lock.
     std::expected<bool, std::string> chooseKeychain(KeychainKind kind);
 
     std::shared_ptr<Platform::ObjectDatabaseEngine> objectDatabaseEngine();
 
     /// Yields a `CalendarProviders::CalendarProviderRegistryApplication` over the person's keychain and
-    /// database. Fails, with `infrastructureMessage`, when there is no key.
+    /// database. Fails, with `infrastructureMessage`, when there is no key. Only under the lock: two programs
+    /// that both find no key would each make one.
     CalendarProviders::ResultEntity calendarProviderRegistry();
 
 private:
     std::shared_ptr<Platform::Keychain> keychainOf(KeychainKind kind);
-    std::expected<void, std::string> carryKey(KeychainKind from, KeychainKind to);
+    /// Whether the person's choice is known that was in force.
+    enum class Choice : std::uint8_t { known, lost };
+
+    std::expected<void, std::string> carryKey(Choice choice, KeychainKind from, KeychainKind to);
     bool opensDatabase(Platform::Keychain const& keychain);
-    std::unique_ptr<Platform::FileLocks::Held> lockForAFirstKey();
 
     LiveServices& services;
     std::shared_ptr<Platform::ObjectDatabaseEngine> engine;

@@ -57,6 +57,14 @@ std::string keyNotCopied(std::int32_t status, std::string_view database) {
     return text("key-not-copied", std::to_string(status), database);
 }
 
+std::string registryIsBusy(std::int64_t seconds, std::string_view lockFile) {
+    return text("registry-is-busy", std::to_string(seconds), lockFile);
+}
+
+std::string registryNotLocked(std::string_view lockFile, std::string_view reason) {
+    return text("registry-not-locked", lockFile, told(reason));
+}
+
 std::string unreadableBackend(std::string_view path, std::string_view reason) {
     return text("unreadable-backend", path, reason);
 }

@@ -57,7 +57,7 @@ TEST_F(FullDiskJourneys, aChangeThatFindsNoRoomLosesNothing) {
     EXPECT_EQ(result.errors, "quillora: the provider \"eventKit\" was not changed\n"
                              "the system could not carry it out: No space left on device\n");
     EXPECT_THAT(result.output, testing::StartsWith("[\"eventKit\"]\neventKit  Calendars on this computer"));
-    EXPECT_THAT(result.output, HasSubstr("enabled\nCalendarProviders.RegistryProvider.realm\n"
+    EXPECT_THAT(result.output, HasSubstr("enabled\n.providers.lock\nCalendarProviders.RegistryProvider.realm\n"
                                          "CalendarProviders.RegistryProvider.realm.lock\nCalendars\n"
                                          "Keychain\nDisabled \"Calendars on this computer\"\n[]\n"));
 }

@@ -42,7 +42,7 @@ protected:
     void expectRefusals(int status) const {
         auto const refusal = "\nKeychain lookup failed with status " + std::to_string(status) +
                              "; refusing to regenerate the encryption key\n";
-        home.write(home.configuration() / ".keychain.json.lock", ""); // Held where a first key might be made.
+        home.write(quillora() / ".providers.lock", ""); // Held while each of them runs.
         auto const before = home.snapshot();
         for (auto const& words :
              std::vector<Words>{{"providers", "list"},
@@ -233,6 +233,42 @@ TEST_F(KeyringJourneys, theKeyMovesToAFileAndBackWithoutALoss) {
     static_cast<void>(home.outputOf({"setup", "--keychain", "secret-service"}));
     EXPECT_EQ(home.outputOf({"providers", "list"}), list);
     EXPECT_EQ(keyInTheRing(), key);
+}
+
+// Whichever keychain the mending names: what it says opens the database is asked, not the damaged record.
+TEST_F(KeyringJourneys, aDamagedChoiceCostsNoRegistrationWhicheverWayItIsMended) {
+    for (auto const* inUse : {"file", "secret-service"}) {
+        for (auto const* named : {"file", "secret-service"}) {
+            SCOPED_TRACE(std::string(inUse) + " mended with " + named);
+            ASSERT_EQ(home.quillora({"setup", "--yes", "--keychain", inUse}).exitCode, 0);
+            static_cast<void>(home.outputOf({"providers", "edit", "eventKit", "--name", "Precious"}));
+            home.write(home.configuration() / "keychain.json", "rubbish");
+            EXPECT_EQ(DoctorReport::of(home).worst("keychain").mend,
+                      std::string("quillora setup --keychain ") + inUse);
+            auto const mended = home.quillora({"setup", "--keychain", named});
+            EXPECT_EQ(mended.exitCode, 0) << mended.errors;
+            EXPECT_EQ(mended.errors, "");
+            EXPECT_THAT(home.outputOf({"providers", "list"}), HasSubstr("Precious"));
+            EXPECT_EQ(DoctorReport::of(home).worst("quarantine").check, "");
+        }
+    }
+}
+
+TEST_F(KeyringJourneys, aDamagedChoiceIsNotMendedWhileTheKeyMayBeOutOfReach) {
+    setUp();
+    static_cast<void>(home.outputOf({"providers", "edit", "eventKit", "--name", "Precious"}));
+    home.write(home.configuration() / "keychain.json", "rubbish");
+    keyring.lockCollections();
+    auto const before = home.contentOf(database());
+    auto const refused = home.quillora({"setup", "--keychain", "file"});
+    EXPECT_EQ(refused.exitCode, 1);
+    EXPECT_THAT(refused.errors, HasSubstr("(status -25308), so the keychain stays as it was"));
+    EXPECT_EQ(home.contentOf(home.configuration() / "keychain.json"), "rubbish");
+    EXPECT_EQ(home.contentOf(database()), before);
+    keyring.stop();
+    keyring.start(PrivateKeyring::Login::unlocked);
+    ASSERT_EQ(home.quillora({"setup", "--keychain", "file"}).exitCode, 0);
+    EXPECT_THAT(home.outputOf({"providers", "list"}), HasSubstr("Precious"));
 }
 
 TEST_F(KeyringJourneys, aLockedKeyringIsOfferedAFileOnATerminal) {

@@ -50,6 +50,17 @@ protected:
         EXPECT_EQ(result.errors, errors);
     }
 
+    // What each command came to that was run at the same moment as the others.
+    std::vector<ProgramResult> together(std::vector<Words> const& commands) const {
+        std::vector<ProgramResult> results(commands.size());
+        std::vector<std::thread> threads;
+        for (std::size_t index = 0; index < commands.size(); ++index)
+            threads.emplace_back([&, index] { results[index] = home.quillora(commands[index]); });
+        for (auto& thread : threads)
+            thread.join();
+        return results;
+    }
+
     PrivateHome home;
     std::vector<Words> const onlyCal = {{"cal", "eventKit", "My calendars", "ann@host", "", "on"}};
 };
@@ -216,17 +227,70 @@ TEST_F(ProvidersJourneys, aKeychainThatHoldsTheRightKeyAlreadyNeedsNoOther) {
 }
 
 TEST_F(ProvidersJourneys, severalFirstSetUpsAtOnceMakeOneKey) {
-    std::vector<ProgramResult> results(6);
-    std::vector<std::thread> threads;
-    for (auto& result : results)
-        threads.emplace_back([&] { result = home.quillora({"setup", "--yes", "--keychain", "file"}); });
-    for (auto& thread : threads)
-        thread.join();
+    auto const results = together(std::vector<Words>(6, {"setup", "--yes", "--keychain", "file"}));
     for (auto const& result : results)
         EXPECT_EQ(result.exitCode, 0) << result.errors;
     EXPECT_EQ(listed().size(), 1U);
     for (auto const& entry : fs::directory_iterator(quillora()))
         EXPECT_EQ(entry.path().filename().string().find("quarantined"), std::string::npos) << entry.path();
+}
+
+TEST_F(ProvidersJourneys, ofSeveralAdditionsAtOnceOneIsRegistered) {
+    static_cast<void>(home.outputOf({"providers", "list"})); // A key is there.
+    std::vector<Words> additions;
+    for (int number = 1; number <= 6; ++number) {
+        additions.push_back({"providers", "add", "--id", "p" + std::to_string(number), "--email", "a@b",
+                             "--name", "N" + std::to_string(number)});
+    }
+    auto const results = together(additions);
+    EXPECT_EQ(std::ranges::count(results, 0, &ProgramResult::exitCode), 1);
+    for (auto const& result : results) {
+        if (result.exitCode == 0) continue;
+        EXPECT_THAT(result.errors,
+                    testing::EndsWith("\nA provider of type eventKit is already registered\n"));
+    }
+    EXPECT_EQ(listed().size(), 1U);
+}
+
+TEST_F(ProvidersJourneys, changesAtOnceAllStay) {
+    static_cast<void>(home.outputOf(addition));
+    for (int round = 0; round < 3; ++round) {
+        auto const number = std::to_string(round);
+        auto const results = together({{"providers", "edit", "cal", "--name", "Name " + number},
+                                       {"providers", "edit", "cal", "--email", number + "@home"},
+                                       {"providers", "edit", "cal", "--description", "Text " + number},
+                                       {"providers", round % 2 == 0 ? "disable" : "enable", "cal"}});
+        for (auto const& result : results)
+            EXPECT_EQ(result.exitCode, 0) << result.errors;
+        EXPECT_EQ(listed(), (std::vector<Words>{{"cal", "eventKit", "Name " + number, number + "@home",
+                                                 "Text " + number, round % 2 == 0 ? "off" : "on"}}));
+        EXPECT_EQ(home.contentOf(mirror()), round % 2 == 0 ? "[]" : R"(["eventKit"])");
+    }
+}
+
+TEST_F(ProvidersJourneys, whatIsRemovedStaysRemovedWhateverIsEditedMeanwhile) {
+    for (int round = 0; round < 5; ++round) {
+        static_cast<void>(home.outputOf(addition));
+        auto const results =
+            together({{"providers", "remove", "cal"}, {"providers", "edit", "cal", "--name", "New"}});
+        EXPECT_EQ(results[0].exitCode, 0) << results[0].errors;
+        if (results[1].exitCode != 0)
+            EXPECT_THAT(results[1].errors, testing::EndsWith("No provider is registered with that id\n"));
+        EXPECT_EQ(listed(), std::vector<Words>{});
+    }
+}
+
+TEST_F(ProvidersJourneys, aLockThatCannotBeOpenedIsNamed) {
+    static_cast<void>(home.outputOf(addition));
+    auto const lock = quillora() / ".providers.lock";
+    fs::remove(lock);
+    fs::create_directory(lock);
+    expectRefusal(
+        {"providers", "disable", "cal"},
+        "quillora: the registered providers could not be locked, so nothing was changed: " + lock.string() +
+            " cannot be opened (Is a directory); remove that file, and try again\n");
+    fs::remove(lock);
+    EXPECT_EQ(listed(), onlyCal);
 }
 
 TEST_F(ProvidersJourneys, aChoiceThatNamesNoKeychainIsNotGuessed) {

@@ -60,7 +60,10 @@ private:
     void examineKeychain() {
         auto const kind = registryServices.chosenKeychain();
         if (!kind) {
-            findings.broken("keychain", kind.error(), Texts::mendKeychainChoice());
+            auto const inUse = registryServices.keychainOfDatabase();
+            findings.broken("keychain", kind.error(),
+                            inUse ? Texts::chooseKeychainCommand(Foundation::rawValue(*inUse))
+                                  : Texts::mendKeychainChoice());
             return;
         }
         bool const isFile = *kind == KeychainKind::file;
