@@ -1,9 +1,9 @@
 #include "Applications/Alarms/DesktopBell.h"
 
 #include "Applications/Alarms/Texts.h"
+#include "Foundation/WebLinks.h"
 #include "Platform/WidgetHost/WidgetBus.h"
 
-#include <algorithm>
 #include <exception>
 #include <utility>
 
@@ -14,16 +14,6 @@ namespace {
 constexpr char const* openAction = "open";
 constexpr char const* snoozeAction = "snooze";
 constexpr char const* dismissAction = "dismiss";
-
-bool isWebLink(std::string_view text) {
-    auto const beginsWith = [text](std::string_view scheme) {
-        return text.size() > scheme.size() &&
-               std::ranges::equal(text.substr(0, scheme.size()), scheme, [](char left, char right) {
-                   return (left >= 'A' && left <= 'Z' ? left + ('a' - 'A') : left) == right;
-               });
-    };
-    return beginsWith("https://") || beginsWith("http://");
-}
 
 Foundation::Task<void> announce(std::shared_ptr<Composition::AlarmAnnouncer const> announcer,
                                 std::string name, std::function<void(std::string const&)> report) {
@@ -41,8 +31,9 @@ Foundation::Task<void> announce(std::shared_ptr<Composition::AlarmAnnouncer cons
 } // namespace
 
 std::optional<Foundation::URL> linkOf(Meetings::MeetEntity const& meet) {
-    if (meet.metUrl && isWebLink(meet.metUrl->absoluteString)) return meet.metUrl;
-    if (meet.metLocation && isWebLink(*meet.metLocation)) return Foundation::URL::fromText(*meet.metLocation);
+    if (meet.metUrl && Foundation::isWebLink(*meet.metUrl)) return meet.metUrl;
+    auto place = Foundation::URL::fromText(meet.metLocation.value_or(""));
+    if (place && Foundation::isWebLink(*place)) return place;
     return std::nullopt;
 }
 
