@@ -52,7 +52,7 @@ std::string pageText(MeetPage const& page, MeetWords const& words) {
         text += line + "\n";
     auto const day = words.days(meet.metDate, endOf(meet));
     std::vector<std::vector<std::string>> rows = {
-        {Texts::dayLabel(), meet.metIsAllDay ? Texts::dayAndTime(day, Texts::allDay()) : day},
+        {Texts::dayLabel(), meet.metIsAllDay ? words.when(meet) : day},
         {Texts::calendarLabel(), meet.metCalendarName + " (" + meet.metCalendarIdentifier + ")"},
         {Texts::repeatsLabel(), page.repetition}};
     if (meet.metUrl) rows.push_back({Texts::linkLabel(), meet.metUrl->absoluteString});

@@ -7,18 +7,6 @@ namespace Companion::Texts {
 
 using Platform::EKRecurrenceFrequency;
 
-std::string allDay() {
-    return text("meet-all-day");
-}
-
-std::string fromTo(std::string_view first, std::string_view last) {
-    return text("meet-from-to", first, last);
-}
-
-std::string dayAndTime(std::string_view day, std::string_view time) {
-    return text("meet-day-and-time", day, time);
-}
-
 std::string listed(std::vector<std::string> const& words) {
     std::string list;
     for (std::size_t index = 0; index < words.size(); ++index) {

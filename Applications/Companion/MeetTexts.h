@@ -11,11 +11,6 @@
 /// What the commands on meets say. Titles and names come as the calendar has them and are made harmless here.
 namespace Companion::Texts {
 
-// When.
-std::string allDay();
-std::string fromTo(std::string_view first, std::string_view last);
-std::string dayAndTime(std::string_view day, std::string_view time);
-
 // How often.
 std::string listed(std::vector<std::string> const& words); ///< "a, b and c"
 std::string everyPeriod(Platform::EKRecurrenceFrequency frequency, std::int64_t interval);

@@ -1,11 +1,10 @@
 #include "Applications/Companion/MeetWords.h"
 
 #include "Applications/Companion/MeetTexts.h"
+#include "Applications/Composition/Texts.h"
 #include "Foundation/DateFormatting.h"
-#include "Foundation/Text.h"
 
 #include <chrono>
-#include <fmt/format.h>
 #include <utility>
 
 namespace Companion {
@@ -15,12 +14,6 @@ using Platform::EKRecurrenceFrequency;
 using Platform::EKRecurrenceRule;
 
 namespace {
-
-// The last instant of an interval whose end is exclusive.
-Foundation::Date lastOf(Foundation::Date start, Foundation::Date end) {
-    auto const last = end.addingTimeInterval(-1);
-    return last > start ? last : start;
-}
 
 EKRecurrenceFrequency frequencyOf(Meetings::MeetRecurrenceFrequency frequency) {
     switch (frequency) {
@@ -36,36 +29,15 @@ EKRecurrenceFrequency frequencyOf(Meetings::MeetRecurrenceFrequency frequency) {
 
 MeetWords::MeetWords(Foundation::Calendar calendar, Foundation::Locale locale)
     : calendar(std::move(calendar)),
-      locale(std::move(locale)) {}
-
-std::string MeetWords::day(Foundation::Date date) const {
-    auto const parts = calendar.components(date);
-    auto const name = Foundation::Text::capitalized(Foundation::weekdayName(date, calendar, locale));
-    return fmt::format("{} {:04}-{:02}-{:02}", name, parts.year, parts.month, parts.day);
-}
-
-std::string MeetWords::days(Foundation::Date start, Foundation::Date end) const {
-    auto const last = lastOf(start, end);
-    if (calendar.isDateInSameDay(start, last)) return day(start);
-    return Texts::fromTo(day(start), day(last));
-}
-
-std::string MeetWords::when(Foundation::Date start, Foundation::Date end, bool isAllDay) const {
-    if (isAllDay) return Texts::dayAndTime(days(start, end), Texts::allDay());
-    auto const from = Foundation::twelveHourTimeWithMarker(start, calendar);
-    if (!(end > start)) return Texts::dayAndTime(day(start), from);
-    auto const to = Foundation::twelveHourTimeWithMarker(end, calendar);
-    if (calendar.isDateInSameDay(start, lastOf(start, end)))
-        return Texts::dayAndTime(day(start), Texts::fromTo(from, to));
-    return Texts::fromTo(Texts::dayAndTime(day(start), from), Texts::dayAndTime(day(end), to));
-}
+      locale(std::move(locale)),
+      times(this->calendar, this->locale) {}
 
 std::string MeetWords::when(MeetEntity const& meet) const {
     return when(meet.metDate, endOf(meet), meet.metIsAllDay);
 }
 
 std::string MeetWords::time(MeetEntity const& meet) const {
-    if (meet.metIsAllDay) return Texts::allDay();
+    if (meet.metIsAllDay) return Composition::Texts::allDay();
     return Foundation::twelveHourTimeWithMarker(meet.metDate, calendar);
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Applications/Composition/TimeWords.h"
 #include "Foundation/Calendar.h"
 #include "Foundation/Locale.h"
 #include "Meetings/MeetEntity.h"
@@ -16,14 +17,14 @@ public:
     /// Days and clocks are those of `calendar`, weekdays in the language of `locale`.
     MeetWords(Foundation::Calendar calendar, Foundation::Locale locale);
 
-    /// "Wednesday 2026-03-11"
-    [[nodiscard]] std::string day(Foundation::Date date) const;
-
-    /// The day, or the first and the last one. `end` is exclusive.
-    [[nodiscard]] std::string days(Foundation::Date start, Foundation::Date end) const;
-
-    /// Days and times: "Wednesday 2026-03-11, 09:00 a.m. – 09:15 a.m.", "Wednesday 2026-03-11, all day".
-    [[nodiscard]] std::string when(Foundation::Date start, Foundation::Date end, bool isAllDay) const;
+    /// As Composition::TimeWords says them.
+    [[nodiscard]] std::string day(Foundation::Date date) const { return times.day(date); }
+    [[nodiscard]] std::string days(Foundation::Date start, Foundation::Date end) const {
+        return times.days(start, end);
+    }
+    [[nodiscard]] std::string when(Foundation::Date start, Foundation::Date end, bool isAllDay) const {
+        return times.when(start, end, isAllDay);
+    }
     [[nodiscard]] std::string when(Meetings::MeetEntity const& meet) const;
 
     /// The time of day, or that it lasts all day.
@@ -38,6 +39,7 @@ private:
 
     Foundation::Calendar calendar;
     Foundation::Locale locale;
+    Composition::TimeWords times;
 };
 
 /// The rule that a meet's own fields tell; none for a meet that does not repeat.

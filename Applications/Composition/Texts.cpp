@@ -33,6 +33,18 @@ std::string told(std::string_view message) {
     return words().translated(Foundation::Text::sanitizedUTF8(message));
 }
 
+std::string allDay() {
+    return text("all-day");
+}
+
+std::string fromTo(std::string_view first, std::string_view last) {
+    return text("from-to", first, last);
+}
+
+std::string dayAndTime(std::string_view day, std::string_view time) {
+    return text("day-and-time", day, time);
+}
+
 std::string noHomeForCalendars() {
     return text("no-home-for-calendars");
 }

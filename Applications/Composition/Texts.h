@@ -16,6 +16,11 @@ void useLanguages(std::vector<std::string> const& languages);
 /// language; as it came where it is not known.
 std::string told(std::string_view message);
 
+// When something takes place.
+std::string allDay();
+std::string fromTo(std::string_view first, std::string_view last);
+std::string dayAndTime(std::string_view day, std::string_view time);
+
 std::string noHomeForCalendars();
 std::string noHomeForKeychain();
 std::string unreadableKeychainChoice(std::string_view path, std::string_view reason);
