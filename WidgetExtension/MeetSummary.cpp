@@ -4,6 +4,8 @@
 #include "Foundation/Text.h"
 #include "WidgetExtension/HTMLAttributedTextUtil.h"
 
+#include <utility>
+
 namespace WidgetExtension {
 
 namespace {
@@ -33,14 +35,23 @@ std::string firstLine(std::string const& description) {
 
 } // namespace
 
+MeetSummary meetSummary(Meetings::MeetEntity const& meeting, Foundation::Calendar const& calendar,
+                        Platform::HTMLReader const& reader, Platform::MainExecutor& mainExecutor) {
+    auto const description = HTMLAttributedTextUtil::parse(meeting.metDescription, reader, mainExecutor)
+                                 .value_or(AttributedString{});
+    return {.title = meeting.metName,
+            .times = timesOf(meeting, calendar),
+            .place = meeting.metLocation.value_or(""),
+            .description = firstLine(description.string)};
+}
+
 std::vector<std::string> meetSummaryLines(Meetings::MeetEntity const& meeting,
                                           Foundation::Calendar const& calendar,
                                           Platform::HTMLReader const& reader,
                                           Platform::MainExecutor& mainExecutor) {
-    auto const description = HTMLAttributedTextUtil::parse(meeting.metDescription, reader, mainExecutor)
-                                 .value_or(AttributedString{});
-    std::vector<std::string> lines = {meeting.metName, timesOf(meeting, calendar),
-                                      meeting.metLocation.value_or(""), firstLine(description.string)};
+    auto summary = meetSummary(meeting, calendar, reader, mainExecutor);
+    std::vector<std::string> lines = {std::move(summary.title), std::move(summary.times),
+                                      std::move(summary.place), std::move(summary.description)};
     std::erase_if(lines, isBlank);
     return lines;
 }

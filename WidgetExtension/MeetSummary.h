@@ -10,10 +10,21 @@
 
 namespace WidgetExtension {
 
-/// What one wants to know of a meet at a glance, a line each: its whole title, its times on the calendar's
-/// clocks unless it lasts whole days, its place, and the first meaningful line of its description, cut where
-/// it is overlong. Lines that would be blank are left out. The texts are the calendar's own: whoever shows
-/// them makes them harmless.
+/// What one wants to know of a meet at a glance. The texts are the calendar's own: whoever shows them makes
+/// them harmless.
+struct MeetSummary {
+    std::string title;       ///< Whole.
+    std::string times;       ///< On the calendar's clocks; empty for a meet of whole days.
+    std::string place;       ///< Empty where the meet has none.
+    std::string description; ///< The first line of it that says something, cut where it is overlong.
+
+    bool operator==(MeetSummary const&) const = default;
+};
+
+MeetSummary meetSummary(Meetings::MeetEntity const& meeting, Foundation::Calendar const& calendar,
+                        Platform::HTMLReader const& reader, Platform::MainExecutor& mainExecutor);
+
+/// The same, a line each; lines that would be blank are left out.
 std::vector<std::string> meetSummaryLines(Meetings::MeetEntity const& meeting,
                                           Foundation::Calendar const& calendar,
                                           Platform::HTMLReader const& reader,
