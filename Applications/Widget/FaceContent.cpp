@@ -1,13 +1,12 @@
 #include "Applications/Widget/FaceContent.h"
 
-#include "Foundation/Text.h"
-#include "Platform/Face/FaceMetrics.h"
+#include "Applications/Widget/HarmlessText.h"
 #include "WidgetExtension/MeetSummary.h"
 
 #include <cstddef>
 #include <string>
+#include <utility>
 #include <variant>
-#include <vector>
 
 namespace Widget {
 
@@ -21,8 +20,7 @@ std::string joined(std::vector<std::string> const& lines) {
         if (!text.empty()) {
             text += '\n';
         }
-        text += Foundation::Text::neutralized(
-            Foundation::Text::truncated(line, Platform::FaceMeasures::longestName));
+        text += harmless(line);
     }
     return text;
 }
@@ -32,48 +30,48 @@ class InOrder {
 public:
     explicit InOrder(std::vector<MeetEntity> meetings) : meetings(std::move(meetings)) {}
 
-    MeetEntity const* next() { return position < meetings.size() ? &meetings[position++] : nullptr; }
+    std::optional<MeetEntity> next() {
+        return position < meetings.size() ? std::optional(meetings[position++]) : std::nullopt;
+    }
 
 private:
     std::vector<MeetEntity> meetings;
     std::size_t position = 0;
 };
 
-std::vector<std::string> tooltips(WidgetExtension::ScheduleWidgetView const& view,
-                                  Platform::FaceLayout const& layout, Platform::HTMLReader const& reader,
-                                  Platform::MainExecutor& mainExecutor) {
-    auto const told = [&](MeetEntity const& meeting) {
-        return joined(WidgetExtension::meetSummaryLines(meeting, view.calendar, reader, mainExecutor));
-    };
+std::vector<std::optional<MeetEntity>> meetsOfRows(WidgetExtension::ScheduleWidgetView const& view,
+                                                   Platform::FaceLayout const& layout) {
     InOrder allDay(view.allDayMeetings());
     InOrder timed(view.visibleMeetings());
-    std::vector<std::string> texts(layout.rows.size());
+    std::vector<std::optional<MeetEntity>> meets(layout.rows.size());
     for (std::size_t index = 0; index < layout.rows.size(); ++index) {
         if (std::holds_alternative<Platform::BarRow>(layout.rows[index])) {
-            if (auto const* const meeting = allDay.next()) {
-                texts[index] = told(*meeting);
-            }
+            meets[index] = allDay.next();
         } else if (std::holds_alternative<Platform::CardRow>(layout.rows[index])) {
-            if (auto const* const meeting = timed.next()) {
-                texts[index] = told(*meeting);
-            }
+            meets[index] = timed.next();
         }
     }
-    return texts;
+    return meets;
 }
 
 } // namespace
 
-Platform::FaceWindowContent faceContent(WidgetExtension::ScheduleWidgetView const& view,
-                                        Platform::EntryKind kind, Platform::HTMLReader const& reader,
-                                        Platform::MainExecutor& mainExecutor) {
+FaceContent faceContent(WidgetExtension::ScheduleWidgetView const& view, Platform::EntryKind kind,
+                        Platform::HTMLReader const& reader, Platform::MainExecutor& mainExecutor) {
     auto layout = view.layout();
     if (kind == Platform::EntryKind::placeholder) {
         std::erase_if(layout.rows,
                       [](auto const& row) { return !std::holds_alternative<Platform::HeaderRow>(row); });
     }
-    auto texts = tooltips(view, layout, reader, mainExecutor);
-    return {.layout = std::move(layout), .tooltips = std::move(texts)};
+    auto meets = meetsOfRows(view, layout);
+    std::vector<std::string> tooltips;
+    for (auto const& meet : meets) {
+        tooltips.push_back(
+            meet ? joined(WidgetExtension::meetSummaryLines(*meet, view.calendar, reader, mainExecutor))
+                 : std::string());
+    }
+    return {.shown = {.layout = std::move(layout), .tooltips = std::move(tooltips)},
+            .meets = std::move(meets)};
 }
 
 } // namespace Widget

@@ -98,6 +98,18 @@ std::string dayNotSaved(std::string_view path, std::string_view cause) {
     return text("day-not-saved", path, Composition::Texts::told(cause));
 }
 
+std::string ofCalendar(std::string_view name) {
+    return text("of-calendar", name);
+}
+
+std::string openLink(std::string_view host) {
+    return text("open-link", host);
+}
+
+std::string linkNotOpened(std::string_view cause) {
+    return text("link-not-opened", Composition::Texts::told(cause));
+}
+
 Platform::FaceWindowTexts window() {
     return {
         .title = "Quillora",
@@ -119,6 +131,10 @@ Platform::ConsentDialogTexts consent() {
         .yes = text("consent-yes"),
         .no = text("consent-no"),
     };
+}
+
+Platform::DetailDialogTexts meetDialog() {
+    return {.close = text("meet-close")};
 }
 
 } // namespace Texts

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Desktop/ConsentDialog.h"
+#include "Platform/Desktop/DetailDialog.h"
 #include "Platform/Desktop/FaceWindow.h"
 
 #include <cstdint>
@@ -37,7 +38,13 @@ std::string notReadSince(std::string_view since, std::string_view path, std::str
 std::string storedDayIsOutOfRange(std::int64_t storedDay);
 std::string dayNotSaved(std::string_view path, std::string_view cause);
 
+// What is told of a meet. Names and hosts come harmless.
+std::string ofCalendar(std::string_view name);
+std::string openLink(std::string_view host);
+std::string linkNotOpened(std::string_view cause);
+
 Platform::FaceWindowTexts window();
 Platform::ConsentDialogTexts consent();
+Platform::DetailDialogTexts meetDialog();
 
 } // namespace Widget::Texts

@@ -3,6 +3,7 @@
 #include "Applications/Widget/EntryChanges.h"
 #include "Applications/Widget/FaceContent.h"
 #include "Applications/Widget/FirstFrame.h"
+#include "Applications/Widget/MeetPage.h"
 #include "Applications/Widget/Texts.h"
 #include "Meetings/MeetConfigEnum.h"
 #include "Platform/Desktop/Display.h"
@@ -42,6 +43,8 @@ WidgetProgram::WidgetProgram(Foundation::Environment const& environment, WidgetO
       bundle(services.scheduleWidgetServices(taskThread.executor())),
       widget(bundle.body().front()),
       provider(widget.timelineProvider()),
+      meetDialog(Texts::meetDialog(), [this](Foundation::URL const& link) { openLink(link); }),
+      workspace(Platform::sessionBusAddress(environment)),
       looks(services.appearance(), options.colorScheme, mainLoop, [this] { showNewLooks(); }),
       host(*provider, *services.clock(), *timer, mainLoop,
            {.family = options.family.value_or(Platform::WidgetFamily::systemLarge)},
@@ -79,7 +82,9 @@ void WidgetProgram::show(Entry const& entry, Platform::EntryKind kind) {
         return; // Shown again once there is one.
     }
     auto const view = widget.content(entry, host.family(), looks.colorScheme());
-    window->show(faceContent(view, kind, *services.htmlReader(), mainExecutor));
+    auto content = faceContent(view, kind, *services.htmlReader(), mainExecutor);
+    shownMeets = std::move(content.meets);
+    window->show(std::move(content.shown));
     if (kind == Platform::EntryKind::loaded) {
         loadedDayIsShown();
     }
@@ -190,6 +195,27 @@ void WidgetProgram::reloadByHand() {
     reload();
 }
 
+// What is open stays as it was opened, also when the day moves on: it is being read.
+void WidgetProgram::openMeet(std::size_t row) {
+    auto const& meet = shownMeets.at(row);
+    if (!meet) {
+        return;
+    }
+    meetDialog.show(meetPage(*meet, services.region()->currentCalendar(), services.region()->currentLocale(),
+                             *services.htmlReader(), mainExecutor),
+                    looks.colorScheme());
+}
+
+void WidgetProgram::openLink(Foundation::URL const& link) {
+    workspace.open(link, [this](std::string const& failure) {
+        if (failure.empty()) {
+            meetDialog.close();
+        } else {
+            meetDialog.tell(Texts::linkNotOpened(failure));
+        }
+    });
+}
+
 void WidgetProgram::openWindow() {
     window.emplace(options.placement, Texts::window(),
                    Platform::FaceWindowActions{
@@ -199,6 +225,7 @@ void WidgetProgram::openWindow() {
                        .reload = [this] { reloadByHand(); },
                        .quit = [this] { quit(); },
                        .chooseFamily = [this](Platform::WidgetFamily family) { host.setFamily(family); },
+                       .openRow = [this](std::size_t row) { openMeet(row); },
                    });
     window->setAccent(looks.accentColor());
 }

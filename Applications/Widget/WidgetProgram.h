@@ -9,8 +9,11 @@
 #include "Applications/Widget/Notices.h"
 #include "Applications/Widget/WidgetOptions.h"
 #include "Foundation/Environment.h"
+#include "Foundation/URL.h"
+#include "Meetings/MeetEntity.h"
 #include "Platform/Appearance/PortalAppearanceWatch.h"
 #include "Platform/Desktop/ConsentDialog.h"
+#include "Platform/Desktop/DetailDialog.h"
 #include "Platform/Desktop/FaceWindow.h"
 #include "Platform/Desktop/SingleInstance.h"
 #include "Platform/WidgetHost/FolderWatch.h"
@@ -21,13 +24,16 @@
 #include "Platform/WidgetHost/ResidentHost.h"
 #include "Platform/WidgetHost/TaskThread.h"
 #include "Platform/WidgetHost/WallClockTimer.h"
+#include "Platform/Workspace/GIOWorkspace.h"
 #include "WidgetExtension/QuilloraWidgetBundle.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <expected>
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace Widget {
 
@@ -64,6 +70,10 @@ private:
     void pressIsDone(PressOutcome const& outcome);
     void reloadByHand();
 
+    // A meet that the person wants to see whole.
+    void openMeet(std::size_t row);
+    void openLink(Foundation::URL const& link);
+
     void openWindow();
     void serve(Platform::SingleInstance& instance);
     void reload() { host.reload(); }
@@ -87,6 +97,9 @@ private:
     Notices notices;
     bool hasShownTheDay = false;
     std::optional<Platform::FaceWindow> window; // Absent until the display is open, as is the way back.
+    std::vector<std::optional<Meetings::MeetEntity>> shownMeets; // One for each row of the face.
+    Platform::DetailDialog meetDialog;
+    Platform::GIOWorkspace workspace;
     DesktopLooks looks;
     Platform::ResidentHost<Entry> host;
 

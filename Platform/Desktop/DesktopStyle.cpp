@@ -22,4 +22,9 @@ FaceStyle desktopStyle() {
     return style;
 }
 
+void preferScheme(ColorScheme scheme) {
+    g_object_set(gtk_settings_get_default(), "gtk-application-prefer-dark-theme",
+                 scheme == ColorScheme::dark ? TRUE : FALSE, nullptr);
+}
+
 } // namespace Platform

@@ -1,11 +1,12 @@
 #include "Platform/Desktop/FaceWindow.h"
 
-#include "Platform/Desktop/DayButton.h"
 #include "Platform/Desktop/DesktopStyle.h"
-#include "Platform/Desktop/FaceContainer.h"
 #include "Platform/Desktop/FaceMenu.h"
+#include "Platform/Desktop/FaceRows.h"
+#include "Platform/Desktop/GObjectReference.h"
 #include "Platform/Desktop/Placing.h"
 #include "Platform/Desktop/Signal.h"
+#include "Platform/Desktop/UndrawnButton.h"
 
 #include <gdk/gdkkeysyms.h>
 #include <gtk/gtk.h>
@@ -15,37 +16,6 @@
 
 namespace Platform {
 
-namespace {
-
-std::vector<AccessibleRow> accessibleRows(FaceLayout const& layout, FaceGeometry const& geometry) {
-    std::vector<AccessibleRow> rows;
-    for (auto const& placed : geometry.rows) {
-        if (placed.accessibleName.empty()) {
-            continue;
-        }
-        auto const& row = layout.rows[placed.index];
-        auto kind = AccessibleRow::Kind::label;
-        if (std::holds_alternative<HeaderRow>(row)) {
-            kind = AccessibleRow::Kind::heading;
-        } else if (std::holds_alternative<BarRow>(row) || std::holds_alternative<CardRow>(row)) {
-            kind = AccessibleRow::Kind::item;
-        }
-        rows.push_back({.kind = kind, .name = placed.accessibleName, .frame = placed.frame});
-    }
-    return rows;
-}
-
-FaceButtonState stateOf(GtkWidget* button) {
-    auto const flags = gtk_widget_get_state_flags(button);
-    return {
-        .isHovered = (flags & GTK_STATE_FLAG_PRELIGHT) != 0,
-        .isPressed = (flags & GTK_STATE_FLAG_ACTIVE) != 0,
-        .isFocused = gtk_widget_has_visible_focus(button) != FALSE,
-    };
-}
-
-} // namespace
-
 class FaceWindow::Widgets {
 public:
     Widgets(WindowPlacement placement, FaceWindowTexts texts, FaceWindowActions actions)
@@ -54,9 +24,11 @@ public:
           menu(texts, this->actions),
           painter(desktopStyle()),
           window(gtk_window_new(GTK_WINDOW_TOPLEVEL)),
-          container(makeFaceContainer()),
-          previous(makeDayButton()),
-          next(makeDayButton()) {
+          container(gtk_fixed_new()),
+          previous(makeUndrawnButton()),
+          next(makeUndrawnButton()),
+          rows(container, [this](std::size_t row) { this->actions.openRow(row); }),
+          drag(GTK_GESTURE(gtk_gesture_drag_new(window))) {
         gtk_window_set_title(GTK_WINDOW(window), texts.title.c_str());
         if (placement == WindowPlacement::window) {
             // Finding an icon reads the icon themes, which costs as much as drawing the face; on the desktop
@@ -87,7 +59,7 @@ public:
         for (auto const& placed : geometry.buttons) {
             placeButton(placed);
         }
-        setAccessibleRows(container, accessibleRows(content->layout, geometry));
+        rows.show(content->layout, geometry);
         updateCorners();
         gtk_widget_queue_draw(container);
     }
@@ -133,7 +105,13 @@ private:
     }
 
     void connectWindow() {
-        gtk_widget_add_events(window, GDK_BUTTON_PRESS_MASK);
+        gtk_widget_add_events(window,
+                              GDK_BUTTON_PRESS_MASK | GDK_BUTTON_RELEASE_MASK | GDK_BUTTON1_MOTION_MASK);
+        // Before the buttons, which would keep what begins on them for themselves.
+        gtk_event_controller_set_propagation_phase(GTK_EVENT_CONTROLLER(drag.get()), GTK_PHASE_CAPTURE);
+        connectSignal<void(gdouble, gdouble)>(drag.get(), "drag-update", [this](gdouble x, gdouble y) {
+            dragged(static_cast<int>(x), static_cast<int>(y));
+        });
         connectSignal<gboolean(GdkEventButton*)>(window, "button-press-event", [this](GdkEventButton* event) {
             return pressed(*event) ? TRUE : FALSE;
         });
@@ -178,7 +156,7 @@ private:
             return;
         }
         painter.paint(context, content->layout, geometry,
-                      {.previous = stateOf(previous), .next = stateOf(next)});
+                      {.previous = stateOf(previous), .next = stateOf(next), .rows = rows.states()});
         hasPainted = true;
     }
 
@@ -235,18 +213,29 @@ private:
 
     bool pressed(GdkEventButton const& event) {
         auto const* const anyEvent = reinterpret_cast<GdkEvent const*>(&event); // NOLINT
-        if (gdk_event_triggers_context_menu(anyEvent) != FALSE) {
-            popUpMenu(anyEvent);
-            return true;
+        if (gdk_event_triggers_context_menu(anyEvent) == FALSE) {
+            return false;
         }
-        if (event.type == GDK_BUTTON_PRESS && event.button == GDK_BUTTON_PRIMARY &&
-            canMove(GTK_WINDOW(window))) {
-            gtk_window_begin_move_drag(GTK_WINDOW(window), static_cast<int>(event.button),
-                                       static_cast<int>(event.x_root), static_cast<int>(event.y_root),
-                                       event.time);
-            return true;
+        popUpMenu(anyEvent);
+        return true;
+    }
+
+    /// The window moves once the pointer has gone too far for a click; what was pressed is let go then.
+    void dragged(int x, int y) {
+        if (gtk_drag_check_threshold(window, 0, 0, x, y) == FALSE || !canMove(GTK_WINDOW(window))) {
+            return;
         }
-        return false;
+        auto* const sequence = gtk_gesture_single_get_current_sequence(GTK_GESTURE_SINGLE(drag.get()));
+        GdkEvent const* const event = gtk_gesture_get_last_event(drag.get(), sequence);
+        gdouble rootX = 0;
+        gdouble rootY = 0;
+        if (event == nullptr || gdk_event_get_root_coords(event, &rootX, &rootY) == FALSE) {
+            return;
+        }
+        gtk_gesture_set_state(drag.get(), GTK_EVENT_SEQUENCE_CLAIMED);
+        gtk_window_begin_move_drag(GTK_WINDOW(window), GDK_BUTTON_PRIMARY, static_cast<int>(rootX) - x,
+                                   static_cast<int>(rootY) - y, gdk_event_get_time(event));
+        gtk_event_controller_reset(GTK_EVENT_CONTROLLER(drag.get()));
     }
 
     bool pressedKey(GdkEventKey const& event) {
@@ -276,6 +265,7 @@ private:
 
     void popUpMenu(GdkEvent const* event) {
         if (content) {
+            preferScheme(content->layout.colorScheme);
             menu.popUp(container, event, content->layout.family);
         }
     }
@@ -295,6 +285,8 @@ private:
     GtkWidget* container;
     GtkWidget* previous;
     GtkWidget* next;
+    FaceRows rows;
+    GObjectReference<GtkGesture> drag;
 };
 
 FaceWindow::FaceWindow(WindowPlacement placement, FaceWindowTexts texts, FaceWindowActions actions)

@@ -4,6 +4,7 @@
 #include "Platform/Face/FaceLayout.h"
 #include "Platform/Face/FacePainter.h"
 
+#include <cstddef>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -32,6 +33,8 @@ struct FaceWindowActions {
     std::function<void()> reload;
     std::function<void()> quit;
     std::function<void(WidgetFamily)> chooseFamily;
+    std::function<void(std::size_t row)>
+        openRow; ///< Of an all-day row or a card, by its place in the layout.
 };
 
 /// What the window shows.
@@ -40,7 +43,7 @@ struct FaceWindowContent {
     std::vector<std::string> tooltips; ///< One for each row of the layout; an empty one is not shown.
 };
 
-/// The window with the face, its two buttons and its menu. The display has to be open.
+/// The window with the face, its two buttons, its rows and its menu. The display has to be open.
 class FaceWindow final {
 public:
     FaceWindow(WindowPlacement placement, FaceWindowTexts texts, FaceWindowActions actions);

@@ -32,6 +32,7 @@ inline constexpr double cornerRadius = 18;
 inline constexpr double buttonSide = 30;
 inline constexpr double buttonRadius = 9;
 inline constexpr double focusStroke = 1.5;
+inline constexpr double hoverStroke = 1;
 inline constexpr double chevronWidth = 5;
 inline constexpr double chevronHeight = 9;
 inline constexpr double chevronStroke = 1.6;

@@ -34,6 +34,18 @@ void fillRounded(cairo_t* context, FaceRect const& rect, double radius, SRGBColo
     cairo_fill(context);
 }
 
+void strokeRounded(cairo_t* context, FaceRect const& rect, double radius, double width,
+                   SRGBColor const& color) {
+    addRoundedRectangle(context, rect, radius);
+    cairo_set_line_width(context, width);
+    setColor(context, color);
+    cairo_stroke(context);
+}
+
+FaceRect grown(FaceRect const& rect, double by) {
+    return {.x = rect.x - by, .y = rect.y - by, .width = rect.width + 2 * by, .height = rect.height + 2 * by};
+}
+
 void drawChevron(cairo_t* context, PlacedButton const& button, SRGBColor const& color) {
     double const towards = button.pointing == PlacedButton::Pointing::left ? -1 : 1;
     double const tip = button.frame.middleX() + towards * Measures::chevronWidth / 2;
@@ -57,16 +69,20 @@ void drawButton(cairo_t* context, PlacedButton const& button, FaceButtonState co
     }
     if (state.isFocused) {
         double const inset = Measures::focusStroke / 2;
-        FaceRect const ring{.x = button.frame.x + inset,
-                            .y = button.frame.y + inset,
-                            .width = button.frame.width - 2 * inset,
-                            .height = button.frame.height - 2 * inset};
-        addRoundedRectangle(context, ring, Measures::buttonRadius - inset);
-        cairo_set_line_width(context, Measures::focusStroke);
-        setColor(context, palette.chevron);
-        cairo_stroke(context);
+        strokeRounded(context, grown(button.frame, -inset), Measures::buttonRadius - inset,
+                      Measures::focusStroke, palette.chevron);
     }
     drawChevron(context, button, isActive ? palette.activeChevron : palette.chevron);
+}
+
+/// Around the row and not upon it: there the ring is seen whatever the colour of the meet.
+void drawRowRing(cairo_t* context, PlacedRow const& row, FaceButtonState const& state,
+                 FacePalette const& palette) {
+    bool const isStrong = state.isFocused || state.isPressed;
+    if (!isStrong && !state.isHovered) return;
+    double const stroke = isStrong ? Measures::focusStroke : Measures::hoverStroke;
+    strokeRounded(context, grown(row.frame, stroke / 2), row.surface->radius + stroke / 2, stroke,
+                  isStrong ? palette.chevron : palette.secondary);
 }
 
 /// The colours of a row without a surface of its own are those of the face.
@@ -129,6 +145,8 @@ void FacePainter::paint(cairo_t* context, FaceLayout const& layout, FaceGeometry
         if (row.surface) {
             fillRounded(context, row.frame, row.surface->radius, colors.fill);
             fillRounded(context, row.surface->bar, row.surface->bar.width / 2, colors.bar);
+            if (row.index < interaction.rows.size())
+                drawRowRing(context, row, interaction.rows[row.index], palette);
         }
         if (row.badge) fillRounded(context, *row.badge, row.badge->width / 2, palette.badge);
         for (auto const& text : row.texts) {

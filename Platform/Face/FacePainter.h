@@ -5,6 +5,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 typedef struct _cairo cairo_t;
 
@@ -17,7 +18,7 @@ struct FaceStyle {
     std::optional<SRGBColor> accent;  ///< The desktop's accent colour; the brand stands in for an absent one.
 };
 
-/// How the pointer and the keyboard meet a button just now.
+/// How the pointer and the keyboard meet a button, or the row of a meet, just now.
 struct FaceButtonState {
     bool isHovered = false;
     bool isPressed = false;
@@ -29,6 +30,7 @@ struct FaceButtonState {
 struct FaceInteraction {
     FaceButtonState previous;
     FaceButtonState next;
+    std::vector<FaceButtonState> rows = {}; ///< In the layout's order; those that are missing are at rest.
 
     bool operator==(FaceInteraction const&) const = default;
 };

@@ -5,6 +5,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <string>
+#include <utility>
+
 namespace {
 
 using namespace Platform;
@@ -130,6 +134,33 @@ TEST(FacePainterTests, buttonAnswersHoverPressAndFocus) {
     EXPECT_EQ(edge({}), "#FFFFFF");
     EXPECT_EQ(edge({.previous = {.isFocused = true}, .next = {}}), "#459295");
     EXPECT_EQ(edge({.previous = {}, .next = {.isFocused = true}}), "#FFFFFF");
+}
+
+TEST(FacePainterTests, rowOfAMeetAnswersHoverPressAndFocusAroundItself) {
+    auto const layout = SampleFaces::busy(large, ColorScheme::light);
+    auto const geometry = painter().place(layout);
+    auto const card = std::ranges::find_if(geometry.rows, [](auto const& row) {
+        return row.surface && row.surface->kind == PlacedSurface::Kind::card;
+    });
+    auto colors = [&](std::size_t row, FaceButtonState const& state) {
+        FaceInteraction interaction;
+        interaction.rows.resize(row + 1);
+        interaction.rows[row] = state;
+        auto const canvas = painted(layout, interaction, 4);
+        return std::pair(canvas.colorAt(card->frame.middleX(), card->frame.y - 0.5),
+                         canvas.colorAt(card->frame.right() - 3, card->frame.y + 3));
+    };
+    auto const [background, fill] = colors(card->index, {});
+    EXPECT_EQ(background, "#FFFFFF");
+    EXPECT_EQ(colors(card->index, {.isFocused = true}), std::pair(std::string("#459295"), fill));
+    EXPECT_EQ(colors(card->index, {.isHovered = true, .isPressed = true}),
+              std::pair(std::string("#459295"), fill));
+    auto const [hovered, hoveredFill] = colors(card->index, {.isHovered = true});
+    EXPECT_NE(hovered, background);
+    EXPECT_NE(hovered, "#459295");
+    EXPECT_EQ(hoveredFill, fill);
+    EXPECT_EQ(colors(card->index + 1, {.isFocused = true}).first, background);
+    EXPECT_EQ(colors(0, {.isFocused = true}).first, background);
 }
 
 TEST(FacePainterTests, titlesOfEveryScriptKeepToTheirColumn) {

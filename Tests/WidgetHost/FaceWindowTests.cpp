@@ -1,97 +1,69 @@
-#include "DisplayServer.h"
 #include "LoopDriver.h"
+#include "TestDisplay.h"
 #include "Tests/Face/SampleFaces.h"
 
-#include "Platform/Desktop/ConsentDialog.h"
-#include "Platform/Desktop/Display.h"
 #include "Platform/Desktop/FaceWindow.h"
-#include "Platform/WidgetHost/GLibMainLoop.h"
-#include "Platform/WidgetHost/TaskThread.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <gtk/gtk.h>
 
-#include <cstdlib>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
-// What a screen reader finds in the window, and what the dialog answers, on a display of the test's own.
+// What a screen reader and the keyboard find in the window, on a display of the test's own.
 namespace {
 
 using Platform::ColorScheme;
-using Platform::ConsentAnswer;
-using Platform::FaceWindowContent;
 using Platform::WidgetFamily;
+using TestDisplay::Accessible;
+using TestDisplay::hasState;
+using TestDisplay::nameOf;
+using TestDisplay::toplevels;
 
-struct Unreference {
-    void operator()(gpointer object) const { g_object_unref(object); }
-};
-using Accessible = std::unique_ptr<AtkObject, Unreference>;
-
-/// One display for the process: the toolkit can be opened only once.
-void openTestDisplay() {
-    static DisplayServer const server;
-    static bool const isOpen = [] {
-        setenv("DISPLAY", server.name().c_str(), 1);
-        setenv("GDK_BACKEND", "x11", 1);
-        setenv("NO_AT_BRIDGE", "1", 1);
-        return Platform::openDisplay(Foundation::Environment().setting("DISPLAY", server.name()),
-                                     Platform::WindowPlacement::desktop);
-    }();
-    ASSERT_TRUE(isOpen);
-}
-
-std::vector<GtkWidget*> toplevels() {
-    std::vector<GtkWidget*> windows;
-    GList* const list = gtk_window_list_toplevels();
-    for (GList* entry = list; entry != nullptr; entry = entry->next) {
-        windows.push_back(GTK_WIDGET(entry->data));
+/// Listens to whether a screen reader is told that a part is no longer there.
+class Ends {
+public:
+    explicit Ends(Accessible const& part) : part(part.get()) {
+        handler = g_signal_connect_swapped(this->part, "state-change::defunct",
+                                           G_CALLBACK(+[](int* count) { ++*count; }), &count);
     }
-    g_list_free(list);
-    return windows;
-}
+    Ends(Ends const&) = delete;
+    Ends& operator=(Ends const&) = delete;
+    ~Ends() { g_signal_handler_disconnect(part, handler); }
 
-/// Without the windows that the toolkit opens for purposes of its own.
-std::vector<GtkWidget*> dialogs() {
-    auto windows = toplevels();
-    std::erase_if(windows, [](GtkWidget* window) { return !GTK_IS_DIALOG(window); });
-    return windows;
-}
+    [[nodiscard]] bool areTold() const { return count > 0; }
 
-std::string nameOf(Accessible const& accessible) {
-    char const* const name = atk_object_get_name(accessible.get());
-    return name == nullptr ? "" : name;
-}
-
-bool hasState(Accessible const& accessible, AtkStateType state) {
-    std::unique_ptr<AtkStateSet, Unreference> const states(atk_object_ref_state_set(accessible.get()));
-    return atk_state_set_contains_state(states.get(), state) != FALSE;
-}
+private:
+    AtkObject* part;
+    int count = 0;
+    gulong handler;
+};
 
 class FaceWindowTests : public testing::Test {
 protected:
     void SetUp() override {
-        openTestDisplay();
-        window.emplace(Platform::WindowPlacement::desktop,
-                       Platform::FaceWindowTexts{.title = "Quillora",
-                                                 .today = "Today",
-                                                 .size = "Size",
-                                                 .small = "Small",
-                                                 .medium = "Medium",
-                                                 .large = "Large",
-                                                 .reload = "Reload",
-                                                 .quit = "Quit"},
-                       Platform::FaceWindowActions{
-                           .previousDay = [this] { asked.emplace_back("previous"); },
-                           .nextDay = [this] { asked.emplace_back("next"); },
-                           .today = [this] { asked.emplace_back("today"); },
-                           .reload = [this] { asked.emplace_back("reload"); },
-                           .quit = [this] { asked.emplace_back("quit"); },
-                           .chooseFamily = [this](WidgetFamily) { asked.emplace_back("family"); },
-                       });
+        TestDisplay::open();
+        window.emplace(
+            Platform::WindowPlacement::desktop,
+            Platform::FaceWindowTexts{.title = "Quillora",
+                                      .today = "Today",
+                                      .size = "Size",
+                                      .small = "Small",
+                                      .medium = "Medium",
+                                      .large = "Large",
+                                      .reload = "Reload",
+                                      .quit = "Quit"},
+            Platform::FaceWindowActions{
+                .previousDay = [this] { asked.emplace_back("previous"); },
+                .nextDay = [this] { asked.emplace_back("next"); },
+                .today = [this] { asked.emplace_back("today"); },
+                .reload = [this] { asked.emplace_back("reload"); },
+                .quit = [this] { asked.emplace_back("quit"); },
+                .chooseFamily = [this](WidgetFamily) { asked.emplace_back("family"); },
+                .openRow = [this](std::size_t row) { asked.push_back("row " + std::to_string(row)); },
+            });
     }
 
     void show(Platform::FaceLayout layout) {
@@ -131,6 +103,19 @@ protected:
             SampleFaces::card(layout, "Stand-up", "09:00 a.m.", "15m", SampleFaces::rgb(0xD1495B)));
         layout.rows.emplace_back(
             SampleFaces::card(layout, "Dentist", "05:30 p.m.", "30m", SampleFaces::rgb(0x2E86AB)));
+        return layout;
+    }
+
+    /// Header, label, an all-day row, space, a card, the count of the others.
+    static Platform::FaceLayout oneOfEachRow() {
+        auto layout = SampleFaces::blank(WidgetFamily::systemLarge, ColorScheme::light);
+        layout.rows.emplace_back(Platform::LabelRow{.text = "All day"});
+        layout.rows.emplace_back(
+            Platform::BarRow{.identifier = "", .name = "Holidays", .color = SampleFaces::rgb(0x2E86AB)});
+        layout.rows.emplace_back(Platform::SpaceRow{.height = 15});
+        layout.rows.emplace_back(
+            SampleFaces::card(layout, "Stand-up", "09:00 a.m.", "15m", SampleFaces::rgb(0xD1495B)));
+        layout.rows.emplace_back(Platform::MoreRow{.text = "+2 more", .count = 2, .padding = 5});
         return layout;
     }
 
@@ -224,6 +209,7 @@ TEST_F(FaceWindowTests, rowsKnowTheirParentTheirPlaceAndThatTheyAreSeen) {
 TEST_F(FaceWindowTests, newDayReplacesTheRowsAndTheOldOnesAreDefunct) {
     show(twoCards());
     auto const old = children();
+    Ends const ends(old.back());
     int added = 0;
     int removed = 0;
     auto const parent = face();
@@ -236,31 +222,32 @@ TEST_F(FaceWindowTests, newDayReplacesTheRowsAndTheOldOnesAreDefunct) {
     g_signal_handlers_disconnect_by_data(parent.get(), &removed);
     EXPECT_EQ(removed, 3);
     EXPECT_EQ(added, 2);
-    EXPECT_TRUE(hasState(old.back(), ATK_STATE_DEFUNCT));
+    EXPECT_TRUE(ends.areTold());
     EXPECT_EQ(names().back(), "Sin eventos");
 }
 
 TEST_F(FaceWindowTests, sameDayKeepsItsRows) {
     show(twoCards());
     auto const old = children();
+    Ends const ends(old.back());
     show(twoCards());
-    EXPECT_FALSE(hasState(old.back(), ATK_STATE_DEFUNCT));
+    EXPECT_FALSE(ends.areTold());
     EXPECT_EQ(children().back().get(), old.back().get());
 }
 
 TEST_F(FaceWindowTests, rowsOutliveTheWindowAsDefunctOnes) {
     show(twoCards());
     auto const old = children();
+    Ends const ends(old.back());
     window.reset();
-    EXPECT_TRUE(hasState(old.back(), ATK_STATE_DEFUNCT));
+    EXPECT_TRUE(ends.areTold());
 }
 
 TEST_F(FaceWindowTests, screenReaderPressesTheButtons) {
     show(twoCards());
     auto const found = children();
     for (std::size_t index = 0; index < 2; ++index) {
-        ASSERT_TRUE(ATK_IS_ACTION(found[index].get()));
-        atk_action_do_action(ATK_ACTION(found[index].get()), 0);
+        TestDisplay::press(found[index]);
     }
     EXPECT_TRUE(LoopDriver::runUntil([&] { return asked.size() == 2; }));
     EXPECT_EQ(asked, (std::vector<std::string>{"previous", "next"}));
@@ -309,150 +296,96 @@ TEST_F(FaceWindowTests, windowTakesTheSizeOfItsFace) {
     }));
 }
 
-class ConsentDialogTests : public testing::Test {
-protected:
-    void SetUp() override {
-        openTestDisplay();
-        dialog.onAnswer([this] { ++timesAnswered; });
-    }
-
-    /// Asks on another thread, as the provider does, and yields what it is told there and then.
-    ConsentAnswer ask() {
-        std::optional<ConsentAnswer> told;
-        thread.executor().start(waitForAnswer(dialog, mainLoop, told));
-        EXPECT_TRUE(LoopDriver::runUntil([&] { return told.has_value(); }));
-        return told.value_or(ConsentAnswer::unavailable);
-    }
-
-    static Foundation::Task<void> waitForAnswer(Platform::ConsentDialog& dialog,
-                                                Platform::GLibMainLoop& mainLoop,
-                                                std::optional<ConsentAnswer>& answer) {
-        auto const given = co_await dialog.ask();
-        mainLoop.invoke([&answer, given] { answer = given; });
-    }
-
-    void open() {
-        EXPECT_EQ(ask(), ConsentAnswer::unavailable);
-        ASSERT_TRUE(LoopDriver::runUntil([] { return dialogs().size() == 1; }));
-    }
-
-    void openAndClose() {
-        open();
-        respond(GTK_RESPONSE_DELETE_EVENT);
-        EXPECT_TRUE(LoopDriver::runUntil([] { return dialogs().empty(); }));
-    }
-
-    static void respond(int response) { gtk_dialog_response(GTK_DIALOG(dialogs().front()), response); }
-
-    static std::vector<Accessible> parts(AtkRole role) {
-        std::vector<Accessible> found;
-        collect(gtk_widget_get_accessible(dialogs().front()), role, found);
-        return found;
-    }
-
-    static void collect(AtkObject* accessible, AtkRole role, std::vector<Accessible>& found) {
-        for (int index = 0; index < atk_object_get_n_accessible_children(accessible); ++index) {
-            Accessible child(atk_object_ref_accessible_child(accessible, index));
-            collect(child.get(), role, found);
-            if (atk_object_get_role(child.get()) == role) {
-                found.push_back(std::move(child));
-            }
-        }
-    }
-
-    Platform::GLibMainLoop mainLoop;
-    int timesAnswered = 0;
-    Platform::ConsentDialog dialog{mainLoop,
-                                   {.title = "Access",
-                                    .question = "May Quillora read 100% of your calendars?",
-                                    .explanation = "It shows them.",
-                                    .yes = "_Allow",
-                                    .no = "_Don't Allow"}};
-    Platform::TaskThread thread;
-};
-
-TEST_F(ConsentDialogTests, whoAsksIsNotKeptWaitingAndFetchesTheAnswerOnce) {
-    struct Row {
-        int response;
-        ConsentAnswer answer;
-    };
-    for (auto const& row : {Row{.response = GTK_RESPONSE_YES, .answer = ConsentAnswer::yes},
-                            Row{.response = GTK_RESPONSE_NO, .answer = ConsentAnswer::no}}) {
-        SCOPED_TRACE(row.response);
-        timesAnswered = 0;
-        open();
-        EXPECT_EQ(timesAnswered, 0);
-        respond(row.response);
-        EXPECT_TRUE(LoopDriver::runUntil([this] { return timesAnswered == 1; }));
-        EXPECT_TRUE(dialogs().empty());
-        EXPECT_EQ(ask(), row.answer);
-        // Asked once more it is a question of its own.
-        open();
-        dialog.withdraw();
-    }
+/// Presses a key in the window.
+void pressKey(guint key) {
+    GdkDisplay* const display = gdk_display_get_default();
+    GdkKeymapKey* places = nullptr;
+    gint count = 0;
+    ASSERT_TRUE(gdk_keymap_get_entries_for_keyval(gdk_keymap_get_for_display(display), key, &places, &count));
+    std::unique_ptr<GdkKeymapKey, decltype(&g_free)> const owner(places, g_free);
+    std::unique_ptr<GdkEvent, decltype(&gdk_event_free)> const event(gdk_event_new(GDK_KEY_PRESS),
+                                                                     gdk_event_free);
+    event->key.window = GDK_WINDOW(g_object_ref(gtk_widget_get_window(toplevels().front())));
+    event->key.keyval = key;
+    event->key.hardware_keycode = static_cast<guint16>(places->keycode);
+    event->key.group = static_cast<guint8>(places->group);
+    gdk_event_set_device(event.get(), gdk_seat_get_keyboard(gdk_display_get_default_seat(display)));
+    gtk_main_do_event(event.get());
 }
 
-TEST_F(ConsentDialogTests, whoClosedItIsNotAskedAgain) {
-    openAndClose();
-    EXPECT_EQ(ask(), ConsentAnswer::unavailable);
-    // What the question would open was queued before the answer to it.
-    EXPECT_TRUE(dialogs().empty());
-    EXPECT_EQ(timesAnswered, 0);
+/// No window manager does it here.
+void giveKeyboard() {
+    gdk_window_focus(gtk_widget_get_window(toplevels().front()), GDK_CURRENT_TIME);
+    ASSERT_TRUE(
+        LoopDriver::runUntil([] { return gtk_window_is_active(GTK_WINDOW(toplevels().front())) != FALSE; }));
 }
 
-TEST_F(ConsentDialogTests, whoClosedItIsAskedAgainOnWish) {
-    openAndClose();
-    dialog.askAnew();
-    open();
+std::string focusedName() {
+    GtkWidget* const focus = gtk_window_get_focus(GTK_WINDOW(toplevels().front()));
+    return focus == nullptr ? "" : atk_object_get_name(gtk_widget_get_accessible(focus));
 }
 
-TEST_F(ConsentDialogTests, whoClosedItIsAskedAgainOnceTheAnswerWasGivenElsewhere) {
-    openAndClose();
-    dialog.withdraw();
-    open();
-}
-
-TEST_F(ConsentDialogTests, oneDialogStandsForAllQuestions) {
-    open();
-    EXPECT_EQ(ask(), ConsentAnswer::unavailable);
-    EXPECT_EQ(dialogs().size(), 1U);
-    respond(GTK_RESPONSE_YES);
-    EXPECT_TRUE(LoopDriver::runUntil([this] { return timesAnswered == 1; }));
-    EXPECT_EQ(ask(), ConsentAnswer::yes);
-}
-
-TEST_F(ConsentDialogTests, withdrawnQuestionIsGoneAndSoIsAnAnswerThatNobodyFetched) {
-    open();
-    dialog.withdraw();
-    EXPECT_TRUE(LoopDriver::runUntil([] { return dialogs().empty(); }));
-    EXPECT_EQ(timesAnswered, 0);
-    open();
-    respond(GTK_RESPONSE_YES);
-    EXPECT_TRUE(LoopDriver::runUntil([this] { return timesAnswered == 1; }));
-    dialog.withdraw();
-    EXPECT_EQ(ask(), ConsentAnswer::unavailable);
-    dialog.withdraw();
-}
-
-TEST_F(ConsentDialogTests, screenReaderFindsTheQuestionAndPressesAnAnswer) {
-    open();
-    auto* const window = gtk_widget_get_accessible(dialogs().front());
-    EXPECT_EQ(atk_object_get_role(window), ATK_ROLE_ALERT);
-    EXPECT_STREQ(gtk_window_get_title(GTK_WINDOW(dialogs().front())), "Access");
-    std::vector<std::string> texts;
-    for (auto const& label : parts(ATK_ROLE_LABEL)) {
-        texts.push_back(nameOf(label));
+TEST_F(FaceWindowTests, screenReaderOpensTheMeetOfARow) {
+    show(oneOfEachRow());
+    auto const found = children();
+    ASSERT_EQ(found.size(), 7U);
+    for (std::size_t const item : {4U, 5U}) {
+        EXPECT_EQ(atk_object_get_role(found[item].get()), ATK_ROLE_LIST_ITEM);
+        EXPECT_TRUE(hasState(found[item], ATK_STATE_FOCUSABLE));
+        TestDisplay::press(found[item]);
     }
-    EXPECT_THAT(texts,
-                testing::IsSupersetOf({"May Quillora read 100% of your calendars?", "It shows them."}));
-    auto const buttons = parts(ATK_ROLE_PUSH_BUTTON);
-    ASSERT_EQ(buttons.size(), 2U);
-    EXPECT_EQ(nameOf(buttons[0]), "Don't Allow");
-    EXPECT_EQ(nameOf(buttons[1]), "Allow");
-    ASSERT_TRUE(ATK_IS_ACTION(buttons[1].get()));
-    atk_action_do_action(ATK_ACTION(buttons[1].get()), 0);
-    EXPECT_TRUE(LoopDriver::runUntil([this] { return timesAnswered == 1; }));
-    EXPECT_EQ(ask(), ConsentAnswer::yes);
+    for (std::size_t const other : {2U, 3U, 6U}) {
+        EXPECT_FALSE(hasState(found[other], ATK_STATE_FOCUSABLE)) << nameOf(found[other]);
+        EXPECT_FALSE(ATK_IS_ACTION(found[other].get())) << nameOf(found[other]);
+    }
+    EXPECT_TRUE(LoopDriver::runUntil([&] { return asked.size() == 2; }));
+    // By their places in the layout: below the header and the label, and below the space.
+    EXPECT_EQ(asked, (std::vector<std::string>{"row 2", "row 4"}));
+}
+
+TEST_F(FaceWindowTests, keyboardGoesFromButtonsToRowsAndOpensThem) {
+    show(twoCards());
+    giveKeyboard();
+    EXPECT_EQ(focusedName(), "Previous day");
+    pressKey(GDK_KEY_Tab);
+    EXPECT_EQ(focusedName(), "Next day");
+    pressKey(GDK_KEY_Tab);
+    EXPECT_EQ(focusedName(), "Stand-up, 09:00 a.m., 15m");
+    pressKey(GDK_KEY_Down);
+    EXPECT_EQ(focusedName(), "Dentist, 05:30 p.m., 30m");
+    pressKey(GDK_KEY_Return);
+    EXPECT_TRUE(LoopDriver::runUntil([&] { return asked.size() == 1; }));
+    pressKey(GDK_KEY_Up);
+    pressKey(GDK_KEY_space);
+    EXPECT_TRUE(LoopDriver::runUntil([&] { return asked.size() == 2; }));
+    EXPECT_EQ(asked, (std::vector<std::string>{"row 2", "row 1"}));
+    // These stay the day's, wherever the keyboard is.
+    pressKey(GDK_KEY_Right);
+    EXPECT_EQ(asked.back(), "next");
+}
+
+TEST_F(FaceWindowTests, keyboardStaysAtItsPlaceWhenTheDayChanges) {
+    show(twoCards());
+    giveKeyboard();
+    for (int presses = 0; presses < 3; ++presses) {
+        pressKey(GDK_KEY_Tab);
+    }
+    ASSERT_EQ(focusedName(), "Dentist, 05:30 p.m., 30m");
+    auto layout = SampleFaces::blank(WidgetFamily::systemLarge, ColorScheme::light);
+    for (char const* const name : {"First", "Second", "Third"}) {
+        layout.rows.emplace_back(
+            SampleFaces::card(layout, name, "09:00 a.m.", "15m", SampleFaces::rgb(0xD1495B)));
+    }
+    show(layout);
+    EXPECT_EQ(focusedName(), "Second, 09:00 a.m., 15m");
+    layout.rows.erase(layout.rows.end() - 2, layout.rows.end());
+    show(layout);
+    EXPECT_EQ(focusedName(), "First, 09:00 a.m., 15m") << "the last that there is";
+    show(SampleFaces::empty(WidgetFamily::systemLarge, ColorScheme::light));
+    pressKey(GDK_KEY_Return);
+    pressKey(GDK_KEY_Tab);
+    EXPECT_EQ(focusedName(), "Previous day");
+    EXPECT_TRUE(asked.empty());
 }
 
 } // namespace

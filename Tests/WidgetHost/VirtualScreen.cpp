@@ -22,29 +22,38 @@ int ignoreError(Display*, XErrorEvent*) {
 struct VirtualScreen::Connection {
     Display* display;
 
-    /// 0 while there is none that can be seen.
-    [[nodiscard]] Window window(std::string const& title) const {
+    /// Those that can be seen.
+    [[nodiscard]] std::vector<Window> windows() const {
         Window root = 0;
         Window parent = 0;
         Window* children = nullptr;
         unsigned count = 0;
         if (XQueryTree(display, DefaultRootWindow(display), &root, &parent, &children, &count) == 0) {
-            return 0;
+            return {};
         }
-        Window found = 0;
-        for (unsigned index = 0; index < count; ++index) {
-            char* name = nullptr;
+        std::vector<Window> found(children, children + count);
+        if (children != nullptr) {
+            XFree(children);
+        }
+        std::erase_if(found, [this](Window window) {
             XWindowAttributes attributes{};
-            if (XFetchName(display, children[index], &name) != 0 && name != nullptr) {
-                if (name == title && XGetWindowAttributes(display, children[index], &attributes) != 0 &&
-                    attributes.map_state == IsViewable) {
-                    found = children[index];
+            return XGetWindowAttributes(display, window, &attributes) == 0 ||
+                   attributes.map_state != IsViewable;
+        });
+        return found;
+    }
+
+    /// 0 while there is none that can be seen.
+    [[nodiscard]] Window window(std::string const& title) const {
+        Window found = 0;
+        for (auto const window : windows()) {
+            char* name = nullptr;
+            if (XFetchName(display, window, &name) != 0 && name != nullptr) {
+                if (name == title) {
+                    found = window;
                 }
                 XFree(name);
             }
-        }
-        if (children != nullptr) {
-            XFree(children);
         }
         return found;
     }
@@ -135,4 +144,27 @@ void VirtualScreen::click(unsigned button) const {
     XTestFakeButtonEvent(connection->display, button, True, CurrentTime);
     XTestFakeButtonEvent(connection->display, button, False, CurrentTime);
     XSync(connection->display, False);
+}
+
+void VirtualScreen::drag(int x, int y) const {
+    constexpr int steps = 20;
+    XTestFakeButtonEvent(connection->display, 1, True, CurrentTime);
+    for (int step = 0; step < steps; ++step) {
+        XTestFakeRelativeMotionEvent(connection->display, x / steps, y / steps, CurrentTime);
+    }
+    XTestFakeButtonEvent(connection->display, 1, False, CurrentTime);
+    XSync(connection->display, False);
+}
+
+std::pair<int, int> VirtualScreen::origin(std::string const& title) const {
+    Window child = 0;
+    int x = 0;
+    int y = 0;
+    XTranslateCoordinates(connection->display, connection->window(title),
+                          DefaultRootWindow(connection->display), 0, 0, &x, &y, &child);
+    return {x, y};
+}
+
+std::size_t VirtualScreen::windowCount() const {
+    return connection->windows().size();
 }

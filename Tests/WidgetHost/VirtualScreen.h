@@ -1,10 +1,12 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 /// Looks at a display and works its keyboard and pointer, as a person would.
@@ -45,6 +47,15 @@ public:
     void pointAt(std::string const& title, int x, int y) const;
 
     void click(unsigned button = 1) const;
+
+    /// Moves the pointer so far with its first button held down.
+    void drag(int x, int y) const;
+
+    /// How many windows can be seen.
+    [[nodiscard]] std::size_t windowCount() const;
+
+    /// Where the window of this title stands.
+    [[nodiscard]] std::pair<int, int> origin(std::string const& title) const;
 
 private:
     struct Connection;

@@ -124,7 +124,7 @@ WidgetExtension::ScheduleWidgetView viewOf(ScheduleWidgetEntry entry, Platform::
     };
 }
 
-Platform::FaceWindowContent contentOf(WidgetExtension::ScheduleWidgetView const& view, EntryKind kind) {
+Widget::FaceContent contentOf(WidgetExtension::ScheduleWidgetView const& view, EntryKind kind) {
     Platform::CallingThreadMainExecutor main;
     return Widget::faceContent(view, kind, Platform::LibXMLHTMLReader(), main);
 }
@@ -138,15 +138,15 @@ TEST(FaceContentTests, tooltipsTellTitleTimesPlaceAndTheFirstLineOfTheDescriptio
                                                           review, meet("Call", "2026-03-11T23:00:00Z", 0)}),
                          Platform::WidgetFamily::systemLarge),
                   EntryKind::loaded);
-    ASSERT_EQ(content.tooltips.size(), content.layout.rows.size());
+    ASSERT_EQ(content.shown.tooltips.size(), content.shown.layout.rows.size());
     std::vector<std::string> told;
-    for (std::size_t index = 0; index < content.tooltips.size(); ++index) {
-        auto const& row = content.layout.rows[index];
+    for (std::size_t index = 0; index < content.shown.tooltips.size(); ++index) {
+        auto const& row = content.shown.layout.rows[index];
         bool const isMeet =
             std::holds_alternative<Platform::BarRow>(row) || std::holds_alternative<Platform::CardRow>(row);
-        EXPECT_EQ(content.tooltips[index].empty(), !isMeet) << index;
+        EXPECT_EQ(content.shown.tooltips[index].empty(), !isMeet) << index;
         if (isMeet) {
-            told.push_back(content.tooltips[index]);
+            told.push_back(content.shown.tooltips[index]);
         }
     }
     EXPECT_EQ(
@@ -165,7 +165,7 @@ TEST(FaceContentTests, tooltipsMakeForeignTextsHarmless) {
     auto const content =
         contentOf(viewOf(entryAt("2026-03-11T10:00:00Z", {evil}), Platform::WidgetFamily::systemLarge),
                   EntryKind::loaded);
-    EXPECT_EQ(content.tooltips.back(), "Pay\uFFFDkcab now\n01:30 p.m.\nRoom\uFFFD[2J\nCall \uFFFDme");
+    EXPECT_EQ(content.shown.tooltips.back(), "Pay\uFFFDkcab now\n01:30 p.m.\nRoom\uFFFD[2J\nCall \uFFFDme");
 }
 
 TEST(FaceContentTests, endlessTitlesAndPlacesAreCut) {
@@ -174,7 +174,7 @@ TEST(FaceContentTests, endlessTitlesAndPlacesAreCut) {
     auto const content =
         contentOf(viewOf(entryAt("2026-03-11T10:00:00Z", {endless}), Platform::WidgetFamily::systemSmall),
                   EntryKind::loaded);
-    EXPECT_EQ(content.tooltips.at(1),
+    EXPECT_EQ(content.shown.tooltips.at(1),
               std::string(500, 'x') + "…\n01:30 p.m. – 02:30 p.m.\n" + std::string(500, 'y') + "…");
 }
 
@@ -206,18 +206,22 @@ TEST(FaceContentTests, meetsWithOneIdentifierKeepTheirOwnTooltips) {
                                                           meet("Second", "2026-03-11T12:00:00Z", 30)}),
                          Platform::WidgetFamily::systemSmall),
                   EntryKind::loaded);
-    ASSERT_EQ(content.tooltips.size(), 3U);
-    EXPECT_TRUE(content.tooltips[1].starts_with("First\n"));
-    EXPECT_TRUE(content.tooltips[2].starts_with("Second\n"));
+    ASSERT_EQ(content.shown.tooltips.size(), 3U);
+    EXPECT_TRUE(content.shown.tooltips[1].starts_with("First\n"));
+    EXPECT_TRUE(content.shown.tooltips[2].starts_with("Second\n"));
+    ASSERT_EQ(content.meets.size(), 3U);
+    EXPECT_FALSE(content.meets[0].has_value()) << "the header";
+    EXPECT_EQ(content.meets[1]->metName, "First");
+    EXPECT_EQ(content.meets[2]->metName, "Second");
 }
 
 TEST(FaceContentTests, placeholderDoesNotSayThatThereAreNoMeets) {
     auto const view = viewOf(entryAt("2026-03-11T10:00:00Z", {}), Platform::WidgetFamily::systemLarge);
     auto const placeholder = contentOf(view, EntryKind::placeholder);
-    ASSERT_EQ(placeholder.layout.rows.size(), 1U);
-    EXPECT_TRUE(std::holds_alternative<Platform::HeaderRow>(placeholder.layout.rows.front()));
-    EXPECT_EQ(placeholder.tooltips, std::vector<std::string>{""});
-    EXPECT_EQ(contentOf(view, EntryKind::loaded).layout.rows.size(), 2U);
+    ASSERT_EQ(placeholder.shown.layout.rows.size(), 1U);
+    EXPECT_TRUE(std::holds_alternative<Platform::HeaderRow>(placeholder.shown.layout.rows.front()));
+    EXPECT_EQ(placeholder.shown.tooltips, std::vector<std::string>{""});
+    EXPECT_EQ(contentOf(view, EntryKind::loaded).shown.layout.rows.size(), 2U);
 }
 
 class DayPressesTests : public testing::Test {
