@@ -1,6 +1,7 @@
 #include "Platform/Desktop/FaceWindow.h"
 
 #include "Platform/Desktop/DesktopStyle.h"
+#include "Platform/Desktop/FaceFade.h"
 #include "Platform/Desktop/FaceMenu.h"
 #include "Platform/Desktop/FaceRows.h"
 #include "Platform/Desktop/GObjectReference.h"
@@ -28,6 +29,7 @@ public:
           previous(makeUndrawnButton()),
           next(makeUndrawnButton()),
           rows(container, [this](std::size_t row) { this->actions.openRow(row); }),
+          fade(container),
           drag(GTK_GESTURE(gtk_gesture_drag_new(window))) {
         gtk_window_set_title(GTK_WINDOW(window), texts.title.c_str());
         if (placement == WindowPlacement::window) {
@@ -48,11 +50,18 @@ public:
     Widgets(Widgets const&) = delete;
     Widgets& operator=(Widgets const&) = delete;
 
-    ~Widgets() { gtk_widget_destroy(window); }
+    ~Widgets() {
+        fade.end();
+        gtk_widget_destroy(window);
+    }
 
     void show(FaceWindowContent newContent) {
+        auto newGeometry = painter.place(newContent.layout);
+        if (content && isAnotherDay(newContent.layout) && newGeometry.height == geometry.height) {
+            fade.begin([this](cairo_t* context) { paint(context); });
+        }
         content = std::move(newContent);
-        geometry = painter.place(content->layout);
+        geometry = std::move(newGeometry);
         auto const width = static_cast<int>(std::ceil(geometry.width));
         auto const height = static_cast<int>(std::ceil(geometry.height));
         gtk_widget_set_size_request(container, width, height);
@@ -155,9 +164,21 @@ private:
         if (!content) {
             return;
         }
+        paint(context);
+        hasPainted = true;
+    }
+
+    void paint(cairo_t* context) const {
         painter.paint(context, content->layout, geometry,
                       {.previous = stateOf(previous), .next = stateOf(next), .rows = rows.states()});
-        hasPainted = true;
+        fade.paint(context);
+    }
+
+    /// As its header tells it. Another size of the same day is no other day.
+    [[nodiscard]] bool isAnotherDay(FaceLayout const& layout) const {
+        auto const& last = content->layout;
+        return layout.family == last.family && !layout.rows.empty() && !last.rows.empty() &&
+               layout.rows.front() != last.rows.front();
     }
 
     void realized() {
@@ -286,6 +307,7 @@ private:
     GtkWidget* previous;
     GtkWidget* next;
     FaceRows rows;
+    FaceFade fade;
     GObjectReference<GtkGesture> drag;
 };
 

@@ -7,15 +7,21 @@
 #include <gtest/gtest.h>
 #include <gtk/gtk.h>
 
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
+#include <variant>
 #include <vector>
 
 // What a screen reader and the keyboard find in the window, on a display of the test's own.
 namespace {
 
 using Platform::ColorScheme;
+using Platform::FaceWindowContent;
 using Platform::WidgetFamily;
 using TestDisplay::Accessible;
 using TestDisplay::hasState;
@@ -386,6 +392,85 @@ TEST_F(FaceWindowTests, keyboardStaysAtItsPlaceWhenTheDayChanges) {
     pressKey(GDK_KEY_Tab);
     EXPECT_EQ(focusedName(), "Previous day");
     EXPECT_TRUE(asked.empty());
+}
+
+class FaceFadeTests : public FaceWindowTests {
+protected:
+    static void animate(bool isWanted) {
+        g_object_set(gtk_settings_get_default(), "gtk-enable-animations", isWanted ? TRUE : FALSE, nullptr);
+    }
+
+    /// Red, green and blue of the middle of the first card as it is drawn just now.
+    static std::uint32_t drawnColor() {
+        GtkWidget* const face = gtk_bin_get_child(GTK_BIN(toplevels().front()));
+        GtkAllocation place;
+        gtk_widget_get_allocation(face, &place);
+        gtk_widget_size_allocate(face, &place); // Of rows that are new, which the next frame would do.
+        std::unique_ptr<cairo_surface_t, decltype(&cairo_surface_destroy)> const surface(
+            cairo_image_surface_create(CAIRO_FORMAT_ARGB32, 364, 382), cairo_surface_destroy);
+        std::unique_ptr<cairo_t, decltype(&cairo_destroy)> const context(cairo_create(surface.get()),
+                                                                         cairo_destroy);
+        gtk_widget_draw(face, context.get());
+        cairo_surface_flush(surface.get());
+        auto const* const line =
+            cairo_image_surface_get_data(surface.get()) +
+            static_cast<std::ptrdiff_t>(52) * cairo_image_surface_get_stride(surface.get());
+        std::uint32_t color = 0;
+        std::memcpy(&color, line + static_cast<std::ptrdiff_t>(4 * 200), sizeof color);
+        return color & 0xFFFFFF;
+    }
+
+    static FaceWindowContent withCards() { return {.layout = twoCards(), .tooltips = {}}; }
+    static FaceWindowContent emptyTomorrow() {
+        auto layout = SampleFaces::empty(WidgetFamily::systemLarge, ColorScheme::light);
+        std::get<Platform::HeaderRow>(layout.rows.front()).day = 19;
+        return {.layout = std::move(layout), .tooltips = {}};
+    }
+
+    static constexpr std::uint32_t white = 0xFFFFFF;
+};
+
+TEST_F(FaceFadeTests, anotherDayBeginsAsTheLastAndEndsAsItself) {
+    animate(true);
+    show(twoCards());
+    auto const before = drawnColor();
+    ASSERT_NE(before, white);
+    window->show(emptyTomorrow());
+    EXPECT_EQ(drawnColor(), before);
+    EXPECT_TRUE(LoopDriver::runUntil([] { return drawnColor() == white; }));
+    window->show(withCards());
+    EXPECT_EQ(drawnColor(), white);
+    // A third day while the second one comes.
+    window->show(emptyTomorrow());
+    EXPECT_TRUE(LoopDriver::runUntil([] { return drawnColor() == white; }));
+}
+
+TEST_F(FaceFadeTests, whoWantsNoAnimationsSeesTheNewDayAtOnce) {
+    animate(false);
+    show(twoCards());
+    window->show(emptyTomorrow());
+    EXPECT_EQ(drawnColor(), white);
+    animate(true);
+}
+
+TEST_F(FaceFadeTests, theSameDayDoesNotFade) {
+    animate(true);
+    show(twoCards());
+    window->show(
+        {.layout = SampleFaces::blank(WidgetFamily::systemLarge, ColorScheme::light), .tooltips = {}});
+    EXPECT_EQ(drawnColor(), white) << "meets that were removed";
+}
+
+TEST_F(FaceFadeTests, nothingFadesBeforeTheFirstFrameAndAWindowMayGoWhileItFades) {
+    animate(true);
+    window->show(withCards());
+    window->show(emptyTomorrow());
+    window->present();
+    EXPECT_EQ(drawnColor(), white);
+    show(twoCards());
+    window->show(emptyTomorrow());
+    window.reset();
+    LoopDriver::runPending();
 }
 
 } // namespace
