@@ -168,9 +168,11 @@ std::optional<Date> dateFromISO8601(std::string_view text) {
     auto const offset = readOffset(reader);
     if (!reader.isGood() || !reader.isAtEnd()) return std::nullopt;
 
-    auto const local = Calendar(TimeZone::utc()).dateFromComponents(components);
+    Calendar const utc(TimeZone::utc());
+    auto const local = utc.dateFromComponents(components);
     if (!local) return std::nullopt;
-    return local->addingTimeInterval(-static_cast<double>(offset));
+    // The offset can carry the first and the last day into years that have no components.
+    return utc.dateByAddingMinutes(0, local->addingTimeInterval(-static_cast<double>(offset)));
 }
 
 std::optional<Date> momentFromISO8601(std::string_view text, Calendar const& calendar) {

@@ -28,7 +28,7 @@ std::string logTimestamp(Date date, Calendar const& calendar);
 std::string iso8601(Date date);
 
 /// Reads an ISO 8601 instant that bears its offset: "2023-11-14T17:13:20-05:00", "…-0500" or "…Z". Absent
-/// for anything else, fractions of a second included.
+/// for anything else, fractions of a second included, and for an instant outside the years 1 to 9999 in UTC.
 std::optional<Date> dateFromISO8601(std::string_view text);
 
 /// Reads a moment as a person types it: an ISO 8601 instant as above, its seconds optional, or one without

@@ -114,6 +114,9 @@ private:
     }
 
     [[nodiscard]] std::string startText(MeetEntity const& meet) const {
+        // At the ends of time a service's instant can lie in a year that these clocks do not have.
+        bool const isOnTheClocks = calendar.dateByAddingMinutes(0, meet.metDate).has_value();
+        if (!isOnTheClocks) return Foundation::iso8601(meet.metDate);
         return Foundation::logTimestamp(meet.metDate, calendar).substr(0, 16);
     }
 

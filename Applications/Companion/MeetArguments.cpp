@@ -191,6 +191,15 @@ std::optional<Date> typedEnd(MeetArguments const& arguments, Date start, Calenda
     return end;
 }
 
+// The day of a meet on these clocks. A service's instant can lie beyond the years that they have; then the
+// nearest day of them.
+local_days dayOnTheClocks(Date date, Calendar const& calendar) {
+    if (calendar.dateByAddingMinutes(0, date)) return calendar.day(date);
+    bool const isBeforeThem = date.secondsSince1970 < 0;
+    return isBeforeThem ? local_days(std::chrono::year(1) / 1 / 1)
+                        : local_days(std::chrono::year(9999) / 12 / 31);
+}
+
 void refuseMinutesOfWholeDays(MeetArguments const& arguments) {
     if (arguments.minutes) throw CommandError::wrongUse(Texts::wholeDaysHaveNoDuration());
 }
@@ -275,7 +284,8 @@ MeetTimes changedTimes(MeetArguments const& arguments, Meetings::MeetEntity cons
     if (!isMoved) return {.start = meet.metDate, .end = endOf(meet)};
     if (meet.metIsAllDay) return changedDays(arguments, meet, calendar);
     auto const start = arguments.start
-                           ? instantOf("--start", *arguments.start, calendar.day(meet.metDate), calendar)
+                           ? instantOf("--start", *arguments.start, dayOnTheClocks(meet.metDate, calendar),
+                                       calendar)
                            : meet.metDate;
     auto const end = typedEnd(arguments, start, calendar);
     return {.start = start, .end = end.value_or(start.addingTimeInterval(meet.metDuration))};

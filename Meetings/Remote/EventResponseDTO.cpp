@@ -71,6 +71,8 @@ std::expected<EventResponseDTO, DecodeFailure> EventResponseDTO::decode(JSON::Va
 }
 
 MeetEntity EventResponseDTO::toMeetEntity(Platform::Appearance const& appearance) const {
+    // Any 64-bit number is a length that the record may bear, and one whose seconds do not fit ends the
+    // process, on purpose: it would otherwise become another length unnoticed.
     auto const seconds = Foundation::checkedMultiply(evtDurationMinutes, 60);
     return {
         .metId = StableIdentifier::uuid(evtId),

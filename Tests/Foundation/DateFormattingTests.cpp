@@ -68,6 +68,15 @@ TEST(ISO8601Tests, everythingElseFails) {
     }
 }
 
+TEST(ISO8601Tests, anOffsetThatLeavesTheYearsOfTheCalendarFails) {
+    EXPECT_EQ(dateFromISO8601("9999-12-31T23:59:59Z"), at(253402300799));
+    EXPECT_EQ(dateFromISO8601("9999-12-31T23:59:59-00:01"), std::nullopt);
+    EXPECT_EQ(dateFromISO8601("9999-12-31T23:59:59-23:59"), std::nullopt);
+    EXPECT_EQ(dateFromISO8601("0001-01-01T00:00:00Z"), at(-62135596800));
+    EXPECT_EQ(dateFromISO8601("0001-01-01T00:00:00+00:01"), std::nullopt);
+    EXPECT_EQ(dateFromISO8601("0001-01-01T00:00:00+23:59"), std::nullopt);
+}
+
 TEST(MomentTests, aMomentWithoutOffsetLiesOnTheCalendarsClocks) {
     auto const madrid = calendarIn("Europe/Madrid");
     EXPECT_EQ(momentFromISO8601("2026-03-11T09:00", madrid), at(1773216000));

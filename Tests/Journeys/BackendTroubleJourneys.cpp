@@ -1,0 +1,75 @@
+#include "PrivateHome.h"
+
+#include "Tests/Networking/LoopbackServer.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+
+// What the companion makes of services that are wrong in ways of their own.
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+using Words = std::vector<std::string>;
+
+constexpr auto token = "s3cr3t-t0ken";
+
+struct Event {
+    std::string schedule = "2026-03-11T08:00:00Z";
+    std::string repeat = "never";
+    std::string customRepeat;
+};
+
+std::string eventJSON(Event const& event) {
+    return R"({"evtId":"e1","evtTitle":"T","evtSchedule":")" + event.schedule +
+           R"(","evtDurationMinutes":30,"evtDescription":"","evtRepeat":")" + event.repeat +
+           R"(","evtCustomRepeat":")" + event.customRepeat + R"("})";
+}
+
+LoopbackServer::Answer always(std::string bytes) {
+    return [bytes = std::move(bytes)](LoopbackServer::Connection const& connection, std::string const&) {
+        connection.send(bytes);
+    };
+}
+
+LoopbackServer::Answer holding(Event const& event) {
+    return always(httpResponse("200 OK", "[" + eventJSON(event) + "]"));
+}
+
+class BackendTroubleJourneys : public testing::Test {
+protected:
+    [[nodiscard]] ProgramResult ask(LoopbackServer const& server, Words words) const {
+        words.insert(words.end(), {"--url", server.base(), "--token-fd", "0"});
+        return home.quillora(std::move(words), ProgramRun::Output::captured, token);
+    }
+
+    PrivateHome home;
+};
+
+TEST_F(BackendTroubleJourneys, aDateAtTheEndsOfTimeIsShownInUTCWhereTheClocksHaveNoSuchYear) {
+    for (auto const& [zone, schedule] : std::vector<std::pair<std::string, std::string>>{
+             {"Asia/Kathmandu", "9999-12-31T23:59:59Z"}, {"America/New_York", "0001-01-01T00:00:00Z"}}) {
+        home.environment["TZ"] = zone;
+        LoopbackServer const server(holding({.schedule = schedule}));
+        auto const listed = ask(server, {"backend", "list"});
+        EXPECT_EQ(listed.exitCode, 0) << listed.errors;
+        EXPECT_EQ(listed.output, schedule + "  30 min  T    e1\n");
+        EXPECT_THAT(ask(server, {"backend", "list", "--json"}).output, HasSubstr(schedule));
+        // The list answers the change as well, so only that there is an answer matters here.
+        EXPECT_EQ(ask(server, {"backend", "edit", "e1", "--start", "10:00"}).exitCode, 1);
+    }
+}
+
+TEST_F(BackendTroubleJourneys, aDateThatItsOffsetCarriesOutOfTheYearsIsNoDate) {
+    for (auto const* schedule : {"9999-12-31T23:59:59-23:59", "0001-01-01T00:00:00+23:59"}) {
+        LoopbackServer const server(holding({.schedule = schedule}));
+        auto const listed = ask(server, {"backend", "list"});
+        EXPECT_EQ(listed.exitCode, 1);
+        EXPECT_EQ(listed.errors, "quillora: the backend's meets were not listed\nThe data couldn’t be read "
+                                 "because it isn’t in the correct format.\n");
+    }
+}
+
+} // namespace
