@@ -135,12 +135,19 @@ void CurlExchange::prepareHeaders() {
     set(handle.get(), CURLOPT_HTTPHEADER, list);
 }
 
+bool CurlExchange::wasSent() const {
+    long bytes = 0;
+    curl_easy_getinfo(handle.get(), CURLINFO_REQUEST_SIZE, &bytes);
+    return bytes > 0;
+}
+
+// The library has one code for a scheme that it does not speak and for an answer that is not HTTP.
 URLError::Case CurlExchange::errorCase(CURLcode code) const {
     using enum URLError::Case;
     if (isTooLarge) return dataLengthExceedsMaximum;
     switch (code) {
     case CURLE_URL_MALFORMAT: return badURL;
-    case CURLE_UNSUPPORTED_PROTOCOL: return unsupportedURL;
+    case CURLE_UNSUPPORTED_PROTOCOL: return wasSent() ? badServerResponse : unsupportedURL;
     case CURLE_COULDNT_RESOLVE_HOST:
     case CURLE_COULDNT_RESOLVE_PROXY: return cannotFindHost;
     case CURLE_COULDNT_CONNECT: return cannotConnectToHost;

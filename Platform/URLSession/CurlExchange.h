@@ -71,6 +71,7 @@ private:
     void makeRoom(std::size_t more);
     void prepareHeaders();
     void prepareMethod();
+    [[nodiscard]] bool wasSent() const;
     [[nodiscard]] URLError::Case errorCase(CURLcode code) const;
 
     URLRequest request;

@@ -154,6 +154,15 @@ TEST(CurlURLSessionTests, aResetAndAnEarlyEndAreALostConnection) {
     EXPECT_EQ(failureOf(session, request(server.base() + "/early")), URLError::Case::networkConnectionLost);
 }
 
+TEST(CurlURLSessionTests, whatIsNoAnswerOfHTTPIsABadOneAndNoMatterOfTheScheme) {
+    for (auto const* answer : {"SSH-2.0-x\r\n", "[]", "HTTP/1.1 99 X\r\n\r\n[]",
+                               "HTTP/1.1 1000 X\r\nContent-Length: 2\r\n\r\n[]"}) {
+        LoopbackServer server(always(answer));
+        CurlURLSession session;
+        EXPECT_EQ(failureOf(session, request(server.base())), URLError::Case::badServerResponse) << answer;
+    }
+}
+
 TEST(CurlURLSessionTests, silenceTimesOut) {
     LoopbackServer server([](Connection const& connection, std::string const&) {
         connection.send("HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\n");
