@@ -2,6 +2,7 @@
 
 #include "Foundation/Text.h"
 #include "Networking/Timeout.h"
+#include "Networking/TokenRedaction.h"
 
 namespace Networking {
 namespace {
@@ -17,8 +18,9 @@ std::string textOr(std::string_view otherwise, std::string const& data) {
     return Foundation::Text::isValidUTF8(data) ? data : std::string(otherwise);
 }
 
-APIError mapErrorStatus(std::int64_t status, std::string const& data) {
-    std::string const body = textOr("", data);
+APIError mapErrorStatus(std::int64_t status, std::string const& data, std::string const& token) {
+    // A server that repeats the request would have the token shown.
+    std::string const body = withoutToken(textOr("", data), token);
     if (status == 401) return APIError::unauthorized();
     if (status == 403) return APIError::forbidden(body);
     if (status == 404) return APIError::notFound();
@@ -111,7 +113,7 @@ Foundation::Task<APIResult<std::string>> APIClient::send(std::string path, std::
     // A response may be large: its text is made only for a log that is written.
     if (logger.isEnabled()) logger.log(endpoint, request, std::to_string(*status) + " " + textOr("-", data));
     bool const isSuccess = *status >= 200 && *status <= 299;
-    if (!isSuccess) co_return std::unexpected(mapErrorStatus(*status, data));
+    if (!isSuccess) co_return std::unexpected(mapErrorStatus(*status, data, *authorisation.token));
     co_return std::move(data);
 }
 

@@ -2,6 +2,7 @@
 
 #include "Foundation/DateFormatting.h"
 #include "Foundation/Text.h"
+#include "Networking/TokenRedaction.h"
 
 namespace Networking {
 namespace {
@@ -10,6 +11,15 @@ std::optional<std::filesystem::path> makeLogFileURL(Platform::FileManager const&
     auto file = NetworkLogger::logFile(files);
     if (file) files.createDirectory(file->parent_path());
     return file;
+}
+
+// The token that the request bears; empty before it has one.
+std::string tokenOf(Platform::URLRequest const& request) {
+    constexpr std::string_view scheme = "Bearer ";
+    auto value = request.value("Authorization").value_or("");
+    if (!value.starts_with(scheme)) return {};
+    value.erase(0, scheme.size());
+    return value;
 }
 
 } // namespace
@@ -32,11 +42,13 @@ void NetworkLogger::log(std::string_view endpoint, Platform::URLRequest const& r
     bool const hasText = request.httpBody && Foundation::Text::isValidUTF8(*request.httpBody);
     std::string record = "[" + Foundation::logTimestamp(services.clock->now(), calendar);
     record += "]\nendpoint: ";
-    record += endpoint;
+    // Headers are never written, but a server may repeat them in what it answers.
+    auto const token = tokenOf(request);
+    record += withoutToken(endpoint, token);
     record += "\nrequest: ";
-    record += hasText ? std::string_view(*request.httpBody) : "-";
+    record += hasText ? withoutToken(*request.httpBody, token) : "-";
     record += "\nresponse: ";
-    record += response;
+    record += withoutToken(response, token);
     record += "\n";
     services.console->print(record + "\n");
     append(record);

@@ -23,8 +23,8 @@ struct NetworkLoggerServices {
 };
 
 /// Traces exchanges: each record goes to standard output and to "Quillora/Logs/network.log" in the data
-/// home. Headers, and with them the token, are never written. No failure of it reaches the caller. The file
-/// grows until somebody deletes it.
+/// home. Headers are never written, nor is the request's token wherever else it stands. No failure of it
+/// reaches the caller. The file grows until somebody deletes it.
 class NetworkLogger final {
 public:
     /// Finds and makes the log's folder, also when it is not enabled.

@@ -45,6 +45,12 @@ void URLRequest::setValue(std::string value, std::string_view header) {
     headers.emplace_back(std::string(header), std::move(value));
 }
 
+std::optional<std::string> URLRequest::value(std::string_view header) const {
+    auto const found =
+        std::ranges::find_if(headers, [&](auto const& entry) { return isSameHeader(entry.first, header); });
+    return found == headers.end() ? std::nullopt : std::optional(found->second);
+}
+
 URLError::URLError(Case errorCase) : std::runtime_error(text(errorCase)), kind(errorCase) {}
 
 } // namespace Platform

@@ -22,6 +22,9 @@ struct URLRequest {
 
     /// Sets a header; one of that name (in any letter case) is replaced.
     void setValue(std::string value, std::string_view header);
+
+    /// The header of that name, in any letter case; absent when it was not set.
+    [[nodiscard]] std::optional<std::string> value(std::string_view header) const;
 };
 
 /// What came back.

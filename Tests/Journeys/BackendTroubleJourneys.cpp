@@ -38,6 +38,11 @@ LoopbackServer::Answer holding(Event const& event) {
     return always(httpResponse("200 OK", "[" + eventJSON(event) + "]"));
 }
 
+// Repeats what it was sent.
+void echo(LoopbackServer::Connection const& connection, std::string const& request) {
+    connection.send(httpResponse("400 Bad Request", request));
+}
+
 class BackendTroubleJourneys : public testing::Test {
 protected:
     [[nodiscard]] ProgramResult ask(LoopbackServer const& server, Words words) const {
@@ -70,6 +75,19 @@ TEST_F(BackendTroubleJourneys, aDateThatItsOffsetCarriesOutOfTheYearsIsNoDate) {
         EXPECT_EQ(listed.errors, "quillora: the backend's meets were not listed\nThe data couldn’t be read "
                                  "because it isn’t in the correct format.\n");
     }
+}
+
+TEST_F(BackendTroubleJourneys, aTokenThatTheServiceRepeatsIsShownNowhere) {
+    static_cast<void>(home.outputOf({"backend", "log", "on"}));
+    LoopbackServer const server(echo);
+    auto const listed = ask(server, {"backend", "list"});
+    EXPECT_THAT(listed.errors, HasSubstr("Authorization: Bearer [token]"));
+    EXPECT_THAT(listed.output, HasSubstr("Authorization: Bearer [token]"));
+    auto const shown = home.quillora({"backend", "log", "show"});
+    for (auto const& text : {listed.errors, listed.output, shown.errors, shown.output})
+        EXPECT_THAT(text, Not(HasSubstr(token)));
+    for (auto const& [path, content] : home.snapshot())
+        EXPECT_THAT(content, Not(HasSubstr(token))) << path;
 }
 
 } // namespace

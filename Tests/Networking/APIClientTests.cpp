@@ -233,6 +233,23 @@ TEST_F(APIClientTests, theTokenStandsInNoLogAndOnNoConsole) {
     }
 }
 
+TEST_F(APIClientTests, aServerThatRepeatsTheRequestShowsNoToken) {
+    for (std::int64_t const status : {400, 403}) {
+        session->prepare(URLResponse{.statusCode = status,
+                                     .data = "GET / HTTP/1.1\r\nAuthorization: Bearer s3cr3t-token\r\n"});
+        EXPECT_EQ(getNote().error().message(), "GET / HTTP/1.1\r\nAuthorization: Bearer [token]\r\n");
+    }
+    session->prepare(URLResponse{.statusCode = 200, .data = R"({"title":"s3cr3t-token"})"});
+    static_cast<void>(Foundation::runTask(client("https://h/s3cr3t-token")
+                                              .post<Note>("/v0/notes", Note{.title = "my s3cr3t-token"})));
+    EXPECT_TRUE(logged().ends_with("endpoint: POST https://h/[token]/v0/notes\n"
+                                   "request: {\"title\":\"my [token]\"}\n"
+                                   "response: 200 {\"title\":\"[token]\"}\n"))
+        << logged();
+    EXPECT_EQ(logged().find("s3cr3t"), std::string::npos);
+    EXPECT_EQ(console->printed.find("s3cr3t"), std::string::npos);
+}
+
 TEST(APIErrorTextTests, fixedTextsHaveTheirExactBytes) {
     EXPECT_EQ(std::string_view("URL inválida").size(), 13U);
     EXPECT_EQ(std::string_view("respuesta inválida").size(), 19U);
