@@ -2,6 +2,7 @@
 
 #include "Applications/Companion/BackendTexts.h"
 #include "Applications/Companion/CommandError.h"
+#include "Applications/Companion/HarmlessConsole.h"
 #include "Applications/Companion/Support.h"
 #include "Applications/Companion/Texts.h"
 #include "Applications/Companion/TokenInput.h"
@@ -9,6 +10,7 @@
 #include "Platform/Logging/StandardConsoleOutput.h"
 
 #include <csignal>
+#include <unistd.h>
 
 namespace Companion {
 namespace {
@@ -24,6 +26,13 @@ Foundation::URL chosenURL(Invocation const& invocation, Composition::LiveBackend
     return **known;
 }
 
+// A file keeps the records whole; a terminal would obey what a server put into them.
+std::shared_ptr<Platform::ConsoleOutput> standardOutput() {
+    auto output = std::make_shared<Platform::StandardConsoleOutput>();
+    if (::isatty(STDOUT_FILENO) != 1) return output;
+    return std::make_shared<HarmlessConsole>(std::move(output));
+}
+
 } // namespace
 
 BackendRun::BackendRun(Invocation const& invocation, Composition::LiveServices& live, OutputReader reader)
@@ -31,10 +40,8 @@ BackendRun::BackendRun(Invocation const& invocation, Composition::LiveServices& 
       baseURL(chosenURL(invocation, services)),
       line(std::make_shared<WaitingLine>(baseURL.absoluteString, invocation.environment)) {
     std::shared_ptr<Platform::ConsoleOutput> console = std::make_shared<SilentConsole>();
-    if (reader == OutputReader::person) {
-        console =
-            std::make_shared<ConsoleBesideWaiting>(line, std::make_shared<Platform::StandardConsoleOutput>());
-    }
+    if (reader == OutputReader::person)
+        console = std::make_shared<ConsoleBesideWaiting>(line, standardOutput());
     repository = services.meets(baseURL, tokenProvider(invocation), std::move(console));
 }
 

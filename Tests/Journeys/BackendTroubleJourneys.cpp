@@ -19,7 +19,7 @@ constexpr auto token = "s3cr3t-t0ken";
 struct Event {
     std::string schedule = "2026-03-11T08:00:00Z";
     std::string repeat = "never";
-    std::string customRepeat;
+    std::string customRepeat = "";
 };
 
 std::string eventJSON(Event const& event) {
@@ -48,6 +48,15 @@ protected:
     [[nodiscard]] ProgramResult ask(LoopbackServer const& server, Words words) const {
         words.insert(words.end(), {"--url", server.base(), "--token-fd", "0"});
         return home.quillora(std::move(words), ProgramRun::Output::captured, token);
+    }
+
+    // The same on a terminal, where nothing is asked: the login has been made before.
+    [[nodiscard]] ProgramResult askOnTerminal(LoopbackServer const& server, Words words) {
+        home.write(home.configuration() / "keychain.json", "\"file\"");
+        auto const login = ask(server, {"backend", "login"});
+        EXPECT_EQ(login.exitCode, 0) << login.errors;
+        home.environment["TERM"] = "xterm";
+        return home.quillora(std::move(words), ProgramRun::Output::terminal);
     }
 
     PrivateHome home;
@@ -88,6 +97,17 @@ TEST_F(BackendTroubleJourneys, aTokenThatTheServiceRepeatsIsShownNowhere) {
         EXPECT_THAT(text, Not(HasSubstr(token)));
     for (auto const& [path, content] : home.snapshot())
         EXPECT_THAT(content, Not(HasSubstr(token))) << path;
+}
+
+TEST_F(BackendTroubleJourneys, aRecordOfTheLogGivesATerminalNoOrders) {
+    static_cast<void>(home.outputOf({"backend", "log", "on"}));
+    std::string const orders = "\x1b[31mred\x1b]0;title\x07\n\u202eafter\n";
+    LoopbackServer const server(always(httpResponse("400 Bad Request", orders)));
+    auto const shown = askOnTerminal(server, {"backend", "list"}).output;
+    EXPECT_THAT(shown, HasSubstr("response: 400 \uFFFD[31mred\uFFFD]0;title\uFFFD\r\n\uFFFDafter\r\n"));
+    EXPECT_THAT(shown, Not(HasSubstr("\x1b[31m")));
+    auto const file = home.contentOf(home.folder() / "data/Quillora/Logs/network.log");
+    EXPECT_THAT(file, HasSubstr("response: 400 " + orders));
 }
 
 } // namespace
