@@ -7,6 +7,7 @@
 #include "Applications/Companion/Texts.h"
 #include "Applications/Companion/TokenInput.h"
 #include "Applications/Composition/KeychainTokenProvider.h"
+#include "Applications/Composition/WitnessedURLSession.h"
 #include "Platform/Logging/StandardConsoleOutput.h"
 
 #include <csignal>
@@ -76,8 +77,9 @@ void BackendRun::refuse(Foundation::TaskEnd const& end, std::string const& whatW
                         std::string const& ifInterrupted) const {
     if (end.signal) throwInterrupted(*end.signal, ifInterrupted);
     auto const reason = missingToken();
-    throw CommandError::refused(reason ? Texts::withReason(whatWasNotDone, *reason) : whatWasNotDone,
-                                messageOf(end.error));
+    auto message = reason ? Texts::withReason(whatWasNotDone, *reason) : whatWasNotDone;
+    if (services.exchanges().mayHaveChangedSomething()) message = Texts::unlessDoneAllTheSame(whatWasNotDone);
+    throw CommandError::refused(message, messageOf(end.error));
 }
 
 void throwInterrupted(int signal, std::string const& message) {

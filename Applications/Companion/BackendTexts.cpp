@@ -121,6 +121,10 @@ std::string interruptedWriting(std::string_view whatWasNotDone) {
     return text("interrupted-writing", whatWasNotDone);
 }
 
+std::string unlessDoneAllTheSame(std::string_view whatWasNotDone) {
+    return text("unless-done-all-the-same", whatWasNotDone);
+}
+
 std::string meetsNotListed() {
     return text("meets-not-listed");
 }

@@ -34,6 +34,7 @@ std::string waitingFor(std::string_view url, std::int64_t seconds);
 std::string interruptedReading();
 std::string interruptedBeforeAChange();
 std::string interruptedWriting(std::string_view whatWasNotDone);
+std::string unlessDoneAllTheSame(std::string_view whatWasNotDone);
 std::string meetsNotListed();
 std::string noMeets();
 std::string minutesLong(std::int64_t minutes);

@@ -2,6 +2,7 @@
 
 #include "Applications/Composition/LiveRegistryServices.h"
 #include "Applications/Composition/LiveServices.h"
+#include "Applications/Composition/WitnessedURLSession.h"
 #include "Meetings/Remote/RemoteEventRepositoryImpl.h"
 #include "Networking/APIClient.h"
 #include "Platform/Appearance/Appearance.h"
@@ -14,7 +15,7 @@ namespace Composition {
 
 LiveBackendServices::LiveBackendServices(LiveServices& services)
     : services(services),
-      session(std::make_shared<Platform::CurlURLSession>()) {}
+      session(std::make_shared<WitnessedURLSession>(std::make_shared<Platform::CurlURLSession>())) {}
 
 LiveBackendServices::~LiveBackendServices() = default;
 

@@ -13,12 +13,12 @@ class MeetRepository;
 }
 namespace Platform {
 class ConsoleOutput;
-class URLSession;
 } // namespace Platform
 
 namespace Composition {
 
 class LiveServices;
+class WitnessedURLSession;
 
 /// The live parts below the backend's meets. They are apart from the others because the widget needs none of
 /// them, and so need not load the libraries of the network.
@@ -43,9 +43,12 @@ public:
     meets(Foundation::URL const& baseURL, std::shared_ptr<Networking::AuthTokenProvider> tokenProvider,
           std::shared_ptr<Platform::ConsoleOutput> console);
 
+    /// What came of the last request of these meets.
+    [[nodiscard]] WitnessedURLSession const& exchanges() const { return *session; }
+
 private:
     LiveServices& services;
-    std::shared_ptr<Platform::URLSession> session;
+    std::shared_ptr<WitnessedURLSession> session;
 };
 
 } // namespace Composition

@@ -43,6 +43,22 @@ void echo(LoopbackServer::Connection const& connection, std::string const& reque
     connection.send(httpResponse("400 Bad Request", request));
 }
 
+// Holds an event, and answers what is to change it in this way.
+LoopbackServer::Answer answeringChanges(LoopbackServer::Answer change) {
+    return [change = std::move(change)](LoopbackServer::Connection const& connection,
+                                        std::string const& request) {
+        if (request.starts_with("GET ")) {
+            holding({})(connection, request);
+        } else {
+            change(connection, request);
+        }
+    };
+}
+
+void reset(LoopbackServer::Connection const& connection, std::string const&) {
+    connection.resetOnClose();
+}
+
 class BackendTroubleJourneys : public testing::Test {
 protected:
     [[nodiscard]] ProgramResult ask(LoopbackServer const& server, Words words) const {
@@ -108,6 +124,31 @@ TEST_F(BackendTroubleJourneys, aRecordOfTheLogGivesATerminalNoOrders) {
     EXPECT_THAT(shown, Not(HasSubstr("\x1b[31m")));
     auto const file = home.contentOf(home.folder() / "data/Quillora/Logs/network.log");
     EXPECT_THAT(file, HasSubstr("response: 400 " + orders));
+}
+
+TEST_F(BackendTroubleJourneys, aChangeWithoutAReadableAnswerMayHaveBeenMade) {
+    constexpr auto wrongFormat = "The data couldn’t be read because it isn’t in the correct format.\n";
+    constexpr auto lost = "The network connection was lost.\n";
+    constexpr auto maybe = ", unless the backend did it all the same; \"quillora backend list\" tells\n";
+    LoopbackServer const unreadable(answeringChanges(always(httpResponse("200 OK", "done"))));
+    LoopbackServer const gone(answeringChanges(reset));
+    Words const addition = {"backend", "add", "--name", "N", "--start", "2026-03-11T09:00"};
+    Words const edit = {"backend", "edit", "e1", "--name", "N"};
+    Words const removal = {"backend", "delete", "e1", "--yes"};
+
+    std::string const notAdded = "quillora: the meet \"N\" was not added";
+    EXPECT_EQ(ask(unreadable, addition).errors, notAdded + maybe + wrongFormat);
+    EXPECT_EQ(ask(gone, addition).errors, notAdded + maybe + lost);
+    std::string const notChanged = "quillora: the meet \"e1\" was not changed";
+    EXPECT_EQ(ask(unreadable, edit).errors, notChanged + maybe + wrongFormat);
+    EXPECT_EQ(ask(gone, edit).errors, notChanged + maybe + lost);
+    EXPECT_EQ(ask(gone, removal).errors, "quillora: the meet \"e1\" was not deleted" + std::string(maybe) + lost);
+
+    LoopbackServer const refusing(answeringChanges(always(httpResponse("400 Bad Request", "no"))));
+    EXPECT_EQ(ask(refusing, edit).errors, notChanged + "\nno\n");
+    // What is refused before it is sent comes after a reading that went well.
+    EXPECT_EQ(ask(refusing, {"backend", "edit", "e1", "--name", " "}).errors,
+              notChanged + "\nThe meet has no title. Nothing was stored; give it a title.\n");
 }
 
 } // namespace
