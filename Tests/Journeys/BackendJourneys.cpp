@@ -102,6 +102,30 @@ TEST_F(BackendJourneys, everyChangeIsToldAsOneObjectToAProgram) {
     EXPECT_EQ(textOf(deleted, "metOriginalIdentifier"), id);
 }
 
+TEST_F(BackendJourneys, whatTheDevelopersToolShowsToTryItWithWorksAsItStands) {
+    home.setUp();
+    BackendProcess const service;
+    home.write(home.folder() / "token", service.token() + "\n");
+    fs::create_directory(home.folder() / "build");
+    fs::create_directory_symlink(QUILLORA_BUILD_DIR "/bin", home.folder() / "build" / "bin");
+    auto environment = home.environment;
+    environment["PATH"] = "/usr/bin:/bin";
+    // The commands are what stands indented by two blanks.
+    auto const result = run(ProgramRun{
+        .path = "/bin/bash",
+        .arguments = {"-ec",
+                      "source \"$1\"; show_backend_commands \"$2\" token >shown; sed -n 's/^  //p' shown >commands; "
+                      "source ./commands",
+                      "bash", QUILLORA_SOURCE_DIR "/Tools/dev/backend.sh", service.baseURL()},
+        .environment = environment,
+        .directory = home.folder()});
+    EXPECT_EQ(result.exitCode, 0) << result.errors;
+    EXPECT_EQ(result.errors, "");
+    EXPECT_THAT(result.output, testing::StartsWith("The backend holds no meets\nAdded \"Stand-up\" as \""));
+    EXPECT_THAT(result.output, HasSubstr("\nLogged in to \"" + service.baseURL() + "\""));
+    EXPECT_EQ(textOf(onlyMeet(service), "metName"), "Stand-up");
+}
+
 TEST_F(BackendJourneys, aLoginIsKeptUntilTheLogout) {
     BackendProcess const service;
     EXPECT_EQ(ask(service, {"backend", "login"}).output,

@@ -28,7 +28,7 @@ Its token is $(cat "$token"), which stands in $token
 Try it from another terminal, for example:
   build/bin/quillora backend list --url $url --token-fd 0 < $token
   build/bin/quillora backend add --url $url --token-fd 0 \\
-      --title "Stand-up" --start $(date +%F)T09:00 --duration 15 < $token
+      --name "Stand-up" --start $(date +%F)T09:00 --duration 15 < $token
   build/bin/quillora backend login --url $url --token-fd 0 < $token
   build/bin/quillora day --with-backend
 
