@@ -30,7 +30,11 @@ Foundation::Task<std::vector<MeetEntity>> CompositeMeetRepositoryImpl::fetchAllM
     std::vector<MeetEntity> result;
     for (auto const& repository : repositories) {
         std::vector<MeetEntity> meets = co_await fetchOrNothing(repository);
-        std::ranges::move(meets, std::back_inserter(result));
+        if (result.empty()) {
+            result = std::move(meets);
+        } else {
+            std::ranges::move(meets, std::back_inserter(result));
+        }
     }
     co_return result;
 }

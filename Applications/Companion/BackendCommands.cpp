@@ -1,3 +1,4 @@
+#include "Applications/Companion/AlignedColumns.h"
 #include "Applications/Companion/BackendRun.h"
 #include "Applications/Companion/BackendTexts.h"
 #include "Applications/Companion/Commands.h"
@@ -8,6 +9,7 @@
 #include "Applications/Companion/Texts.h"
 #include "Foundation/DateFormatting.h"
 #include "Foundation/Numbers.h"
+#include "Foundation/Text.h"
 #include "Meetings/MeetingsApplication.h"
 #include "Meetings/Remote/RemoteEventRepositoryImpl.h"
 #include "Platform/Clock/Clock.h"
@@ -43,7 +45,7 @@ public:
         } else if (meets.empty()) {
             invocation.console.writeLine(Texts::noMeets());
         } else {
-            invocation.console.write(alignedColumns(rowsOf(meets)));
+            writeTable(meets);
         }
         return ExitCode::done;
     }
@@ -120,14 +122,26 @@ private:
         return Foundation::logTimestamp(meet.metDate, calendar).substr(0, 16);
     }
 
-    [[nodiscard]] std::vector<std::vector<std::string>> rowsOf(Meets const& meets) const {
-        std::vector<std::vector<std::string>> rows;
+    [[nodiscard]] std::vector<std::string> rowOf(MeetEntity const& meet) const {
+        constexpr std::size_t longestText = 200; // One that is longer is whole with --json.
+        auto const minutes = Foundation::truncatedInteger(meet.metDuration / 60);
+        return {startText(meet), Texts::minutesLong(minutes),
+                Foundation::Text::truncated(meet.metName, longestText), repetitionText(meet),
+                Foundation::Text::truncated(meet.metOriginalIdentifier, longestText)};
+    }
+
+    // A row at a time: a service may hold more meets than should stand in memory twice.
+    void writeTable(Meets const& meets) const {
+        constexpr std::size_t pageSize = std::size_t{64} << 10;
+        AlignedColumns columns;
+        for (auto const& meet : meets)
+            columns.measure(rowOf(meet));
+        std::string page;
         for (auto const& meet : meets) {
-            auto const minutes = Foundation::truncatedInteger(meet.metDuration / 60);
-            rows.push_back({startText(meet), Texts::minutesLong(minutes), meet.metName, repetitionText(meet),
-                            meet.metOriginalIdentifier});
+            page += columns.line(rowOf(meet)) + "\n";
+            if (page.size() >= pageSize) invocation.console.write(std::exchange(page, {}));
         }
-        return rows;
+        invocation.console.write(page);
     }
 
     void showJSON(MeetEntity const& meet) const { invocation.console.writeLine(plainJSON(meetJSON(meet))); }

@@ -283,10 +283,9 @@ MeetTimes changedTimes(MeetArguments const& arguments, Meetings::MeetEntity cons
     bool const isMoved = arguments.start || arguments.end || arguments.minutes;
     if (!isMoved) return {.start = meet.metDate, .end = endOf(meet)};
     if (meet.metIsAllDay) return changedDays(arguments, meet, calendar);
-    auto const start = arguments.start
-                           ? instantOf("--start", *arguments.start, dayOnTheClocks(meet.metDate, calendar),
-                                       calendar)
-                           : meet.metDate;
+    auto const start = arguments.start ? instantOf("--start", *arguments.start,
+                                                   dayOnTheClocks(meet.metDate, calendar), calendar)
+                                       : meet.metDate;
     auto const end = typedEnd(arguments, start, calendar);
     return {.start = start, .end = end.value_or(start.addingTimeInterval(meet.metDuration))};
 }

@@ -1,6 +1,7 @@
 #include "Applications/Companion/Support.h"
 
 #include "Applications/Companion/AlarmTexts.h"
+#include "Applications/Companion/AlignedColumns.h"
 #include "Applications/Companion/ConsoleLogSink.h"
 #include "Applications/Companion/Texts.h"
 #include "Foundation/DateFormatting.h"
@@ -69,28 +70,12 @@ std::string whyNotKept(Platform::WriteWitness const& files) {
 }
 
 std::string alignedColumns(std::vector<std::vector<std::string>> const& rows, std::string_view indent) {
-    std::vector<std::size_t> widths;
-    auto harmless = rows;
-    for (auto& row : harmless) {
-        widths.resize(std::max(widths.size(), row.size()));
-        for (std::size_t column = 0; column < row.size(); ++column) {
-            row[column] = Foundation::Text::neutralized(row[column]);
-            widths[column] = std::max(widths[column], Foundation::Text::terminalWidth(row[column]));
-        }
-    }
+    AlignedColumns columns;
+    for (auto const& row : rows)
+        columns.measure(row);
     std::string page;
-    for (auto const& row : harmless) {
-        std::string line(indent);
-        std::size_t missing = 0; // Blanks owed to the next text, so that no line ends with any.
-        for (std::size_t column = 0; column < row.size(); ++column) {
-            if (!row[column].empty()) {
-                line += std::string(missing, ' ') + row[column];
-                missing = 0;
-            }
-            missing += widths[column] - Foundation::Text::terminalWidth(row[column]) + 2;
-        }
-        page += line + "\n";
-    }
+    for (auto const& row : rows)
+        page += std::string(indent) + columns.line(row) + "\n";
     return page;
 }
 

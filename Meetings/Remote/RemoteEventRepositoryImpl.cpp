@@ -28,12 +28,15 @@ RemoteEventRepositoryImpl::RemoteEventRepositoryImpl(Networking::APIClient clien
 
 Foundation::Task<std::vector<MeetEntity>> RemoteEventRepositoryImpl::fetchAllMeets() {
     std::vector<Foundation::URLQueryItem> noQuery;
-    auto const events = co_await client.getList<EventResponseDTO>(std::string(path), std::move(noQuery));
+    auto events = co_await client.getList<EventResponseDTO>(std::string(path), std::move(noQuery));
     if (!events) raise(events.error());
     std::vector<MeetEntity> meets;
     meets.reserve(events->size());
-    for (auto const& event : *events)
+    for (auto& event : *events) {
         meets.push_back(event.toMeetEntity(*appearance));
+        // A list may be large, and its texts need not be held twice.
+        event = EventResponseDTO{};
+    }
     co_return meets;
 }
 

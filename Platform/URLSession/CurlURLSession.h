@@ -10,9 +10,11 @@ namespace Platform {
 
 /// What bounds an exchange.
 struct CurlURLSessionLimits {
-    std::chrono::seconds timeWithoutData{60};          ///< Then the exchange has timed out.
-    std::size_t responseBytes = std::size_t{16} << 20; ///< Of the decoded body.
-    long connectionsPerHost = 6;                       ///< Of each loop that tasks run on.
+    std::chrono::seconds timeWithoutData{60}; ///< Then the exchange has timed out.
+    /// Of the decoded body: thousands of events. What they become takes six times as much memory, so that
+    /// with more the programs would no longer get by with 64 MiB.
+    std::size_t responseBytes = std::size_t{4} << 20;
+    long connectionsPerHost = 6; ///< Of each loop that tasks run on.
 };
 
 /// HTTP over libcurl. The loop that the awaiting task runs on also drives its exchange, so that no request

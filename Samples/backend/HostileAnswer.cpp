@@ -52,7 +52,7 @@ std::vector<std::string_view> HostileMode::names() {
 }
 
 std::string valueBomb() {
-    constexpr std::size_t numbers = 6'000'000;
+    constexpr std::size_t numbers = 1'500'000;
     std::string document = "[[";
     document.reserve(2 * numbers + 5);
     for (std::size_t count = 0; count < numbers; ++count)

@@ -16,7 +16,7 @@ enum class Hostility : std::uint8_t {
     endlessHeaders,    ///< Header lines without end.
     gzipBomb,          ///< A small body that unpacks to gigabytes.
     endlessBody,       ///< A body without end.
-    valueBomb,         ///< A list of a list of millions of numbers: little to send, much to keep.
+    valueBomb,         ///< A list of a list of more than a million numbers: little to send, much to keep.
     resetAt,           ///< The connection is reset after so many bytes of a good answer.
     wrongContent,      ///< 200 with a page instead of JSON.
     redirect,          ///< 302 to the same place.

@@ -113,10 +113,11 @@ TEST_F(BackendJourneys, whatTheDevelopersToolShowsToTryItWithWorksAsItStands) {
     // The commands are what stands indented by two blanks.
     auto const result = run(ProgramRun{
         .path = "/bin/bash",
-        .arguments = {"-ec",
-                      "source \"$1\"; show_backend_commands \"$2\" token >shown; sed -n 's/^  //p' shown >commands; "
-                      "source ./commands",
-                      "bash", QUILLORA_SOURCE_DIR "/Tools/dev/backend.sh", service.baseURL()},
+        .arguments =
+            {"-ec",
+             "source \"$1\"; show_backend_commands \"$2\" token >shown; sed -n 's/^  //p' shown >commands; "
+             "source ./commands",
+             "bash", QUILLORA_SOURCE_DIR "/Tools/dev/backend.sh", service.baseURL()},
         .environment = environment,
         .directory = home.folder()});
     EXPECT_EQ(result.exitCode, 0) << result.errors;

@@ -5,7 +5,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <chrono>
+#include <algorithm>
+#include <string_view>
 
 // What the companion makes of services that are wrong in ways of their own.
 namespace {
@@ -142,13 +143,74 @@ TEST_F(BackendTroubleJourneys, aChangeWithoutAReadableAnswerMayHaveBeenMade) {
     std::string const notChanged = "quillora: the meet \"e1\" was not changed";
     EXPECT_EQ(ask(unreadable, edit).errors, notChanged + maybe + wrongFormat);
     EXPECT_EQ(ask(gone, edit).errors, notChanged + maybe + lost);
-    EXPECT_EQ(ask(gone, removal).errors, "quillora: the meet \"e1\" was not deleted" + std::string(maybe) + lost);
+    EXPECT_EQ(ask(gone, removal).errors,
+              "quillora: the meet \"e1\" was not deleted" + std::string(maybe) + lost);
 
     LoopbackServer const refusing(answeringChanges(always(httpResponse("400 Bad Request", "no"))));
     EXPECT_EQ(ask(refusing, edit).errors, notChanged + "\nno\n");
     // What is refused before it is sent comes after a reading that went well.
     EXPECT_EQ(ask(refusing, {"backend", "edit", "e1", "--name", " "}).errors,
               notChanged + "\nThe meet has no title. Nothing was stored; give it a title.\n");
+}
+
+// A list of the events that take most memory for their length, of so many bytes or a little less.
+std::string largeList(std::size_t bytes) {
+    std::string list = "[";
+    for (int number = 0;; ++number) {
+        auto const event =
+            R"({"evtId":")" + std::to_string(number) +
+            R"(","evtTitle":"","evtSchedule":"2026-03-11T08:00:00Z","evtDurationMinutes":1,"evtDescription":"",)"
+            R"("evtRepeat":"every_week","evtCustomRepeat":"mon|tue|wed|thu|fri|sat|sun"})";
+        if (list.size() + event.size() + 2 > bytes) break;
+        if (number > 0) list += ',';
+        list += event;
+    }
+    return list + "]";
+}
+
+// A sanitizer needs several times as much for itself.
+constexpr bool isWatched = !std::string_view(QUILLORA_SANITIZE).empty();
+constexpr std::int64_t mostMemory = 64 * 1024; // KiB
+constexpr std::size_t largestAnswer = std::size_t{4} << 20;
+
+TEST_F(BackendTroubleJourneys, theLargestAnswerThatIsTakenFitsIntoTheMemoryOfAWellBehavedOne) {
+    LoopbackServer const server(always(httpResponse("200 OK", largeList(largestAnswer))));
+    for (auto const& words : {Words{"backend", "list"}, Words{"backend", "list", "--json"}}) {
+        auto const listed = ask(server, words);
+        EXPECT_EQ(listed.exitCode, 0) << listed.errors;
+        EXPECT_GT(std::ranges::count(listed.output, '\n'), 20'000);
+        if (!isWatched) EXPECT_LE(listed.peakMemory, mostMemory);
+    }
+    home.setUp();
+    ASSERT_EQ(ask(server, {"backend", "login"}).exitCode, 0);
+    // Of another day: whoever shows thousands of meets of one day needs what drawing them takes.
+    auto const day = home.quillora({"day", "--with-backend", "--at", "2026-03-12T07:00:00Z"});
+    EXPECT_EQ(day.exitCode, 0);
+    EXPECT_EQ(day.errors, "");
+    if (!isWatched) EXPECT_LE(day.peakMemory, mostMemory);
+}
+
+TEST_F(BackendTroubleJourneys, aLargerAnswerIsRefused) {
+    LoopbackServer const server(always(httpResponse("200 OK", std::string(largestAnswer + 1, ' '))));
+    EXPECT_EQ(ask(server, {"backend", "list"}).errors,
+              "quillora: the backend's meets were not listed\nThe server's response is too large.\n");
+}
+
+TEST_F(BackendTroubleJourneys, aLargeTextFitsTooWhateverItIsFor) {
+    std::string const text(largestAnswer - 200, 'x');
+    auto titled = eventJSON({});
+    titled.replace(titled.find("\"T\""), 3, "\"" + text + "\"");
+    LoopbackServer const server(always(httpResponse("200 OK", "[" + titled + "]")));
+    auto const listed = ask(server, {"backend", "list"});
+    EXPECT_EQ(listed.output, "2026-03-11 09:00  30 min  " + std::string(200, 'x') + "…    e1\n");
+    auto const whole = ask(server, {"backend", "list", "--json"});
+    EXPECT_THAT(whole.output.size(), testing::Gt(text.size()));
+    LoopbackServer const refusing(always(httpResponse("400 Bad Request", text)));
+    auto const refused = ask(refusing, {"backend", "list"});
+    EXPECT_THAT(refused.errors, testing::EndsWith(text + "\n"));
+    if (!isWatched)
+        for (auto const peak : {listed.peakMemory, whole.peakMemory, refused.peakMemory})
+            EXPECT_LE(peak, mostMemory);
 }
 
 } // namespace

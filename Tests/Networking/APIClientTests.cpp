@@ -240,8 +240,8 @@ TEST_F(APIClientTests, aServerThatRepeatsTheRequestShowsNoToken) {
         EXPECT_EQ(getNote().error().message(), "GET / HTTP/1.1\r\nAuthorization: Bearer [token]\r\n");
     }
     session->prepare(URLResponse{.statusCode = 200, .data = R"({"title":"s3cr3t-token"})"});
-    static_cast<void>(Foundation::runTask(client("https://h/s3cr3t-token")
-                                              .post<Note>("/v0/notes", Note{.title = "my s3cr3t-token"})));
+    static_cast<void>(Foundation::runTask(
+        client("https://h/s3cr3t-token").post<Note>("/v0/notes", Note{.title = "my s3cr3t-token"})));
     EXPECT_TRUE(logged().ends_with("endpoint: POST https://h/[token]/v0/notes\n"
                                    "request: {\"title\":\"my [token]\"}\n"
                                    "response: 200 {\"title\":\"[token]\"}\n"))
