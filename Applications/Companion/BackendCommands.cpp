@@ -12,6 +12,7 @@
 #include "Foundation/Text.h"
 #include "Meetings/MeetingsApplication.h"
 #include "Meetings/Remote/RemoteEventRepositoryImpl.h"
+#include "Meetings/StableIdentifier.h"
 #include "Platform/Clock/Clock.h"
 #include "Platform/Clock/RegionSettings.h"
 
@@ -21,6 +22,7 @@
 
 namespace Companion {
 
+using Meetings::EventResponseDTO;
 using Meetings::MeetEntity;
 using Meets = std::vector<MeetEntity>;
 
@@ -62,7 +64,13 @@ public:
     ExitCode edit() {
         if (!describesAMeet(invocation.values)) throw CommandError::wrongUse(Texts::nothingToEditInMeet());
         auto const notDone = Texts::backendMeetNotChanged(typedId());
-        auto meet = changedMeet(invocation.values, meetCalled(notDone), calendar);
+        auto const event = eventCalled(notDone);
+        auto const unknown = unknownRepetition(event);
+        // What is sent replaces the whole event, and a meet holds nothing of a repetition that it does not
+        // know.
+        if (unknown && !invocation.values.has("--repeat"))
+            throw CommandError::failed(Texts::repetitionWouldBeLost(notDone, *unknown));
+        auto meet = changedMeet(invocation.values, meetOf(event), calendar);
         auto const stored =
             run.require(application().editMeet(std::move(meet)), notDone, Texts::interruptedWriting(notDone));
         show(stored, Texts::backendMeetChanged(stored.metName, stored.metOriginalIdentifier));
@@ -73,7 +81,7 @@ public:
         bool const isAsked = !invocation.values.has("--yes");
         if (isAsked && !invocation.console.canAsk()) throw CommandError::wrongUse(Texts::deletingNeedsYes());
         auto const notDone = Texts::backendMeetNotDeleted(typedId());
-        auto const meet = meetCalled(notDone);
+        auto const meet = meetOf(eventCalled(notDone));
         if (isAsked) {
             auto const answer = invocation.console.ask(Texts::deleteMeet(meet.metName, startText(meet)));
             if (!answer.value_or(false)) throw CommandError::failed(Texts::meetKept(meet.metName));
@@ -88,23 +96,28 @@ private:
 
     [[nodiscard]] std::string const& typedId() const { return invocation.values.arguments().front(); }
 
-    // The meet that a person means: by the backend's identifier, or by the beginning of its metId.
-    MeetEntity meetCalled(std::string const& notDone) {
-        auto const meets =
-            run.require(run.meets()->fetchAllMeets(), notDone, Texts::interruptedBeforeAChange());
-        auto const& id = typedId();
-        auto const named = std::ranges::find(meets, id, &MeetEntity::metOriginalIdentifier);
-        if (named != meets.end()) return *named;
+    [[nodiscard]] MeetEntity meetOf(EventResponseDTO const& event) const {
+        return event.toMeetEntity(*services->appearance());
+    }
 
-        auto const begins = [&](MeetEntity const& meet) {
-            return !id.empty() && meet.metId.uuidString().starts_with(upperASCII(id));
+    // The event that a person means: by the backend's identifier, or by the beginning of its metId.
+    EventResponseDTO eventCalled(std::string const& notDone) {
+        auto const events =
+            run.require(run.meets()->fetchEvents(), notDone, Texts::interruptedBeforeAChange());
+        auto const& id = typedId();
+        auto const named = std::ranges::find(events, id, &EventResponseDTO::evtId);
+        if (named != events.end()) return *named;
+
+        auto const begins = [&](EventResponseDTO const& event) {
+            return !id.empty() &&
+                   Meetings::StableIdentifier::uuid(event.evtId).uuidString().starts_with(upperASCII(id));
         };
-        auto const found = std::ranges::find_if(meets, begins);
-        if (found == meets.end()) {
+        auto const found = std::ranges::find_if(events, begins);
+        if (found == events.end()) {
             throw CommandError::refused(notDone,
                                         std::string(Meetings::RemoteEventRepositoryImpl::errorNotFound));
         }
-        if (std::find_if(found + 1, meets.end(), begins) != meets.end())
+        if (std::find_if(found + 1, events.end(), begins) != events.end())
             throw CommandError::wrongUse(Texts::severalBackendMeets(id));
         return *found;
     }

@@ -4,7 +4,7 @@
 #include "Applications/Companion/WaitingLine.h"
 #include "Applications/Composition/LiveBackendServices.h"
 #include "Foundation/InterruptibleTask.h"
-#include "Meetings/MeetRepository.h"
+#include "Meetings/Remote/RemoteEventRepositoryImpl.h"
 
 #include <memory>
 #include <optional>
@@ -31,7 +31,9 @@ public:
     BackendRun(BackendRun const&) = delete;
     BackendRun& operator=(BackendRun const&) = delete;
 
-    [[nodiscard]] std::shared_ptr<Meetings::MeetRepository> const& meets() const { return repository; }
+    [[nodiscard]] std::shared_ptr<Meetings::RemoteEventRepositoryImpl> const& meets() const {
+        return repository;
+    }
 
     /// Runs the task to its end. While it takes longer than a second a terminal shows so; Ctrl-C cancels it.
     template <typename T>
@@ -65,7 +67,7 @@ private:
     Foundation::URL baseURL;
     std::shared_ptr<WaitingLine> line;
     std::shared_ptr<Composition::KeychainTokenProvider> keychainTokens; ///< Null for a token that was given.
-    std::shared_ptr<Meetings::MeetRepository> repository;
+    std::shared_ptr<Meetings::RemoteEventRepositoryImpl> repository;
 };
 
 /// Throws CommandError for a run that a signal ended, with the code that shells expect.

@@ -157,6 +157,10 @@ std::string backendMeetNotChanged(std::string_view id) {
     return text("backend-meet-not-changed", quoted(id));
 }
 
+std::string repetitionWouldBeLost(std::string_view whatWasNotDone, std::string_view repetition) {
+    return text("repetition-would-be-lost", whatWasNotDone, quoted(repetition));
+}
+
 std::string backendMeetChanged(std::string_view title, std::string_view id) {
     return text("backend-meet-changed", quoted(title), quoted(id));
 }

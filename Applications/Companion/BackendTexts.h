@@ -43,6 +43,7 @@ std::string severalBackendMeets(std::string_view id);
 std::string backendMeetNotAdded(std::string_view title);
 std::string backendMeetAdded(std::string_view title, std::string_view id);
 std::string backendMeetNotChanged(std::string_view id);
+std::string repetitionWouldBeLost(std::string_view whatWasNotDone, std::string_view repetition);
 std::string backendMeetChanged(std::string_view title, std::string_view id);
 std::string backendMeetNotDeleted(std::string_view id);
 std::string deletingNeedsYes();

@@ -3,10 +3,13 @@
 #include "Applications/Companion/MeetArguments.h"
 #include "Applications/Companion/Texts.h"
 #include "Meetings/Remote/MeetRecurrenceRemoteMapper.h"
+#include "Meetings/Remote/MeetWeekdayCodeMapper.h"
 
 #include <algorithm>
 #include <array>
 #include <map>
+#include <ranges>
+#include <string_view>
 #include <utility>
 
 namespace Companion {
@@ -87,6 +90,18 @@ MeetEntity changedMeet(ArgumentValues const& values, MeetEntity meet, Foundation
     setTimes(meet, changedTimes(arguments, meet, calendar));
     writeFields(arguments, meet);
     return meet;
+}
+
+std::optional<std::string> unknownRepetition(Meetings::EventResponseDTO const& event) {
+    namespace Mapper = Meetings::MeetRecurrenceRemoteMapper;
+    auto const known = Mapper::toRemoteRepeat(Mapper::toLocalFrequency(event.evtRepeat));
+    // An empty text says "never" as well.
+    if (!event.evtRepeat.empty() && event.evtRepeat != known) return event.evtRepeat;
+    for (auto const piece : std::views::split(event.evtCustomRepeat, '|')) {
+        std::string_view const code(piece);
+        if (!code.empty() && !Meetings::MeetWeekdayCodeMapper::weekday(code)) return event.evtCustomRepeat;
+    }
+    return std::nullopt;
 }
 
 std::string repetitionText(MeetEntity const& meet) {

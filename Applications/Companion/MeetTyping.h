@@ -3,7 +3,9 @@
 #include "Applications/Companion/CommandLine.h"
 #include "Foundation/Calendar.h"
 #include "Meetings/MeetEntity.h"
+#include "Meetings/Remote/EventResponseDTO.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -27,6 +29,9 @@ Meetings::MeetEntity typedMeet(ArgumentValues const& values, Foundation::Date to
 /// `meet` with what the options say in place of what it holds; clocks are those of its day. Throws as above.
 Meetings::MeetEntity changedMeet(ArgumentValues const& values, Meetings::MeetEntity meet,
                                  Foundation::Calendar const& calendar);
+
+/// How an event repeats, as its service words it, where a meet cannot hold it whole.
+std::optional<std::string> unknownRepetition(Meetings::EventResponseDTO const& event);
 
 /// "weekly mon|wed"; empty for a meet that does not repeat.
 std::string repetitionText(Meetings::MeetEntity const& meet);

@@ -31,7 +31,7 @@ std::expected<BackendTokens, std::string> LiveBackendServices::tokens() {
     return BackendTokens(*std::move(keychain));
 }
 
-std::shared_ptr<Meetings::MeetRepository>
+std::shared_ptr<Meetings::RemoteEventRepositoryImpl>
 LiveBackendServices::meets(Foundation::URL const& baseURL,
                            std::shared_ptr<Networking::AuthTokenProvider> tokenProvider,
                            std::shared_ptr<Platform::ConsoleOutput> console) {

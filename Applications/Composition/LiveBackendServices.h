@@ -9,7 +9,7 @@
 #include <string>
 
 namespace Meetings {
-class MeetRepository;
+class RemoteEventRepositoryImpl;
 }
 namespace Platform {
 class ConsoleOutput;
@@ -39,7 +39,7 @@ public:
 
     /// The meets of the backend at `baseURL`. Its requests are logged if the person wants that, and printed
     /// to `console` then.
-    std::shared_ptr<Meetings::MeetRepository>
+    std::shared_ptr<Meetings::RemoteEventRepositoryImpl>
     meets(Foundation::URL const& baseURL, std::shared_ptr<Networking::AuthTokenProvider> tokenProvider,
           std::shared_ptr<Platform::ConsoleOutput> console);
 

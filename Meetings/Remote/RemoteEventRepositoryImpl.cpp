@@ -1,7 +1,6 @@
 #include "Meetings/Remote/RemoteEventRepositoryImpl.h"
 
 #include "Meetings/Remote/CreateEventRequestDTO.h"
-#include "Meetings/Remote/EventResponseDTO.h"
 #include "Meetings/Remote/RemoteEventRepositoryError.h"
 #include "Meetings/Remote/UpdateEventRequestDTO.h"
 #include "Networking/APIErrorMessageEnum.h"
@@ -26,13 +25,18 @@ RemoteEventRepositoryImpl::RemoteEventRepositoryImpl(Networking::APIClient clien
     : client(std::move(client)),
       appearance(std::move(appearance)) {}
 
-Foundation::Task<std::vector<MeetEntity>> RemoteEventRepositoryImpl::fetchAllMeets() {
+Foundation::Task<std::vector<EventResponseDTO>> RemoteEventRepositoryImpl::fetchEvents() const {
     std::vector<Foundation::URLQueryItem> noQuery;
     auto events = co_await client.getList<EventResponseDTO>(std::string(path), std::move(noQuery));
     if (!events) raise(events.error());
+    co_return *std::move(events);
+}
+
+Foundation::Task<std::vector<MeetEntity>> RemoteEventRepositoryImpl::fetchAllMeets() {
+    std::vector<EventResponseDTO> events = co_await fetchEvents();
     std::vector<MeetEntity> meets;
-    meets.reserve(events->size());
-    for (auto& event : *events) {
+    meets.reserve(events.size());
+    for (auto& event : events) {
         meets.push_back(event.toMeetEntity(*appearance));
         // A list may be large, and its texts need not be held twice.
         event = EventResponseDTO{};

@@ -1,11 +1,13 @@
 #pragma once
 
 #include "Meetings/MeetRepository.h"
+#include "Meetings/Remote/EventResponseDTO.h"
 #include "Networking/APIClient.h"
 #include "Platform/Appearance/Appearance.h"
 
 #include <memory>
 #include <string_view>
+#include <vector>
 
 namespace Meetings {
 
@@ -18,6 +20,9 @@ public:
 
     RemoteEventRepositoryImpl(Networking::APIClient client,
                               std::shared_ptr<Platform::Appearance const> appearance);
+
+    /// The events as the backend returns them, with what a meet has no field for. Throws as all else here.
+    Foundation::Task<std::vector<EventResponseDTO>> fetchEvents() const;
 
     Foundation::Task<std::vector<MeetEntity>> fetchAllMeets() override;
     Foundation::Task<MeetEntity> create(MeetEntity meet) override;

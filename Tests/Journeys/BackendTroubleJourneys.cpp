@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <string_view>
 
 // What the companion makes of services that are wrong in ways of their own.
@@ -211,6 +212,29 @@ TEST_F(BackendTroubleJourneys, aLargeTextFitsTooWhateverItIsFor) {
     if (!isWatched)
         for (auto const peak : {listed.peakMemory, whole.peakMemory, refused.peakMemory})
             EXPECT_LE(peak, mostMemory);
+}
+
+TEST_F(BackendTroubleJourneys, aRepetitionThatIsNotKnownIsChangedOnlyOnPurpose) {
+    for (auto const& [repeat, customRepeat, shown] : std::vector<std::array<std::string, 3>>{
+             {"every_year", "", "every_year"}, {"every_week", "mon|noday", "mon|noday"}}) {
+        Event const event{.repeat = repeat, .customRepeat = customRepeat};
+        LoopbackServer const server([&](LoopbackServer::Connection const& connection,
+                                        std::string const& request) {
+            bool const isList = request.starts_with("GET ");
+            connection.send(httpResponse("200 OK", isList ? "[" + eventJSON(event) + "]" : eventJSON(event)));
+        });
+        auto const refused = ask(server, {"backend", "edit", "e1", "--start", "09:00"});
+        EXPECT_EQ(refused.exitCode, 1);
+        EXPECT_EQ(
+            refused.errors,
+            "quillora: the meet \"e1\" was not changed: it repeats in a way that Quillora does not know (\"" +
+                shown + "\") and would lose with any change; give --repeat to choose another\n");
+        EXPECT_EQ(server.requests().size(), 1U);
+        EXPECT_EQ(ask(server, {"backend", "edit", "e1", "--repeat", "none"}).exitCode, 0);
+        EXPECT_THAT(server.requests().back(), HasSubstr("\"evtRepeat\":\"never\""));
+    }
+    LoopbackServer const known(holding({.repeat = "", .customRepeat = "fri||mon"}));
+    EXPECT_THAT(ask(known, {"backend", "edit", "e1", "--start", "09:00"}).errors, Not(HasSubstr("repeats")));
 }
 
 } // namespace
