@@ -137,6 +137,10 @@ std::string minutesLong(std::int64_t minutes) {
     return text("minutes-long", std::to_string(minutes));
 }
 
+std::string backendNeedsATime() {
+    return text("backend-needs-a-time");
+}
+
 std::string nothingToEditInMeet() {
     return text("nothing-to-edit-in-meet");
 }

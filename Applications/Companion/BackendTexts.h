@@ -39,6 +39,7 @@ std::string meetsNotListed();
 std::string noMeets();
 std::string minutesLong(std::int64_t minutes);
 std::string nothingToEditInMeet();
+std::string backendNeedsATime();
 std::string severalBackendMeets(std::string_view id);
 std::string backendMeetNotAdded(std::string_view title);
 std::string backendMeetAdded(std::string_view title, std::string_view id);

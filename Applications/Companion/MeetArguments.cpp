@@ -187,7 +187,7 @@ std::optional<Date> typedEnd(MeetArguments const& arguments, Date start, Calenda
     if (arguments.end) return instantOf("--end", *arguments.end, calendar.day(start), calendar);
     if (!arguments.minutes) return std::nullopt;
     auto const end = calendar.dateByAddingMinutes(*arguments.minutes, start);
-    if (!end) throw CommandError::wrongUse(Texts::needsATime("--duration"));
+    if (!end) throw CommandError::wrongUse(Texts::endsBeyondTheYears());
     return end;
 }
 
@@ -275,7 +275,9 @@ MeetTimes newTimes(MeetArguments const& arguments, local_days day, Calendar cons
     if (!arguments.start) throw CommandError::wrongUse(Texts::needsAStart());
     auto const start = instantOf("--start", *arguments.start, day, calendar);
     if (auto const end = typedEnd(arguments, start, calendar)) return {.start = start, .end = *end};
-    return {.start = start, .end = calendar.dateByAddingMinutes(minutesOfAnHour, start).value_or(start)};
+    auto const end = calendar.dateByAddingMinutes(minutesOfAnHour, start);
+    if (!end) throw CommandError::wrongUse(Texts::endsBeyondTheYears());
+    return {.start = start, .end = *end};
 }
 
 MeetTimes changedTimes(MeetArguments const& arguments, Meetings::MeetEntity const& meet,

@@ -110,6 +110,10 @@ std::string notATime(std::string_view option, std::string_view value) {
     return text("not-a-time", option, quoted(value));
 }
 
+std::string endsBeyondTheYears() {
+    return text("ends-beyond-the-years");
+}
+
 std::string needsATime(std::string_view option) {
     return text("needs-a-time", option);
 }

@@ -38,6 +38,7 @@ std::string severalMeets(std::string_view beginning, std::size_t count, std::str
 // What was typed of a meet.
 std::string notATime(std::string_view option, std::string_view value);
 std::string needsATime(std::string_view option);
+std::string endsBeyondTheYears();
 std::string needsADay(std::string_view option);
 std::string needsAStart();
 std::string notADuration(std::string_view value);

@@ -1,5 +1,7 @@
 #include "Applications/Companion/MeetTyping.h"
 
+#include "Applications/Companion/BackendTexts.h"
+#include "Applications/Companion/CommandError.h"
 #include "Applications/Companion/MeetArguments.h"
 #include "Applications/Companion/Texts.h"
 #include "Meetings/Remote/MeetRecurrenceRemoteMapper.h"
@@ -27,7 +29,11 @@ MeetArguments argumentsOf(ArgumentValues const& values, Foundation::Calendar con
     std::map<std::string, std::string, std::less<>> described;
     for (auto const* name : meetOptionNames)
         if (auto const value = values.option(name)) described.emplace(name, *value);
-    return meetArguments(ArgumentValues(std::move(described), {}), calendar);
+    auto arguments = meetArguments(ArgumentValues(std::move(described), {}), calendar);
+    // The backend knows no meets of whole days.
+    if (arguments.start && std::holds_alternative<std::chrono::local_days>(*arguments.start))
+        throw CommandError::wrongUse(Texts::backendNeedsATime());
+    return arguments;
 }
 
 void setTimes(MeetEntity& meet, MeetTimes const& times) {

@@ -343,6 +343,22 @@ INSTANTIATE_TEST_SUITE_P(
                  "9223372036854775807"},
                 "quillora: --duration takes a length such as 45m, 2h or 1h30m, not \"9223372036854775807\"",
                 2},
+        Refusal{"aWholeDay",
+                {"backend", "add", "--url", nowhere, "--name", "T", "--start", "2026-11-21"},
+                "quillora: --start needs a time such as 09:30 or 2026-03-11T09:30; a backend keeps no meets of "
+                "whole days",
+                2},
+        Refusal{"beyondTheYears",
+                {"backend", "add", "--url", nowhere, "--name", "T", "--start", "9999-12-31T23:59"},
+                "quillora: the meet would end after the year 9999; give --start an earlier moment, or "
+                "--duration a shorter length",
+                2},
+        Refusal{"lengthBeyondTheYears",
+                {"backend", "add", "--url", nowhere, "--name", "T", "--start", "9999-12-31T23:00",
+                 "--duration", "2h"},
+                "quillora: the meet would end after the year 9999; give --start an earlier moment, or "
+                "--duration a shorter length",
+                2},
         Refusal{"noWeekday",
                 {"backend", "add", "--url", nowhere, "--name", "T", "--start", "09:00", "--repeat", "weekly",
                  "--weekdays", "mon,"},
