@@ -73,7 +73,7 @@ URL checkedURL(Invocation const& invocation, std::string const& text) {
 
 std::string requestedToken(Invocation const& invocation, URL const& url) {
     if (auto const descriptor = invocation.values.option("--token-fd"))
-        return tokenFromDescriptor(wholeNumber("--token-fd", *descriptor));
+        return tokenFromDescriptor(*descriptor);
     return tokenFromTerminal(Texts::askForToken(url.absoluteString));
 }
 

@@ -50,8 +50,7 @@ BackendRun::~BackendRun() = default;
 
 std::shared_ptr<Networking::AuthTokenProvider> BackendRun::tokenProvider(Invocation const& invocation) {
     if (auto const descriptor = invocation.values.option("--token-fd")) {
-        return std::make_shared<Composition::GivenTokenProvider>(
-            tokenFromDescriptor(wholeNumber("--token-fd", *descriptor)));
+        return std::make_shared<Composition::GivenTokenProvider>(tokenFromDescriptor(*descriptor));
     }
     auto tokens = services.tokens();
     if (!tokens) throw CommandError::failed(tokens.error());

@@ -55,6 +55,10 @@ std::string nowhereToTypeTheToken() {
     return text("nowhere-to-type-the-token");
 }
 
+std::string notADescriptor() {
+    return text("not-a-descriptor");
+}
+
 std::string unreadableToken(std::int64_t descriptor, std::string_view reason) {
     return text("unreadable-token", std::to_string(descriptor), reason);
 }

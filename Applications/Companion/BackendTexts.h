@@ -18,6 +18,7 @@ std::string backendWithQuery(std::string_view url);
 std::string backendIsNotEncrypted(std::string_view host);
 std::string askForToken(std::string_view url);
 std::string nowhereToTypeTheToken();
+std::string notADescriptor();
 std::string unreadableToken(std::int64_t descriptor, std::string_view reason);
 std::string noToken();
 std::string badToken();

@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <climits>
+#include <charconv>
 #include <csignal>
 #include <cstring>
 #include <poll.h>
@@ -116,10 +116,13 @@ std::string typedLine(std::string const& prompt) {
 
 } // namespace
 
-std::string tokenFromDescriptor(std::int64_t descriptor) {
-    if (descriptor < 0 || descriptor > INT_MAX)
-        throw CommandError::wrongUse(Texts::unreadableToken(descriptor, std::strerror(EBADF)));
-    return checkedToken(readLine(static_cast<int>(descriptor), [] { return true; }));
+std::string tokenFromDescriptor(std::string_view number) {
+    int descriptor = 0;
+    auto const [end, error] = std::from_chars(number.data(), number.data() + number.size(), descriptor);
+    bool const isNumber = error == std::errc() && end == number.data() + number.size() && descriptor >= 0;
+    // What was typed is not repeated: it may be the token itself.
+    if (!isNumber) throw CommandError::wrongUse(Texts::notADescriptor());
+    return checkedToken(readLine(descriptor, [] { return true; }));
 }
 
 std::string tokenFromTerminal(std::string_view question) {

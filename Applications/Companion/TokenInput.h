@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -8,9 +7,10 @@
 /// could see.
 namespace Companion {
 
-/// The first line of an open descriptor. Throws CommandError with ExitCode::wrongUse when it is not open or
-/// cannot be read, and for what is no token: nothing, a control character, or more than 64 KiB.
-std::string tokenFromDescriptor(std::int64_t descriptor);
+/// The first line of the open descriptor of that number. Throws CommandError with ExitCode::wrongUse when it
+/// is none, is not open or cannot be read, and for what is no token: nothing, a control character, or more
+/// than 64 KiB.
+std::string tokenFromDescriptor(std::string_view number);
 
 /// Asks on the terminal, which does not show what is typed. Throws as above, also where there is no terminal;
 /// with ExitCode::interrupted on Ctrl-C.

@@ -413,6 +413,19 @@ TEST_F(BackendJourneys, aTokenThatIsNoneIsRefused) {
     EXPECT_EQ(closed.errors, "quillora: no token can be read from descriptor 99: Bad file descriptor\n");
 }
 
+TEST_F(BackendJourneys, whatIsNoDescriptorIsNotRepeated) {
+    for (auto const* command : {"list", "login"}) {
+        for (auto const* typed : {"s3cr3t-t0ken", "-3", "+0", "0x0", "99999999999999999999", ""}) {
+            auto const result = home.quillora({"backend", command, "--url", nowhere, "--token-fd", typed});
+            EXPECT_EQ(result.exitCode, 2);
+            EXPECT_EQ(result.errors,
+                      "quillora: --token-fd takes the number of an open descriptor, such as 0 or 3; the token "
+                      "itself is never an argument, since others could see it\n")
+                << typed;
+        }
+    }
+}
+
 struct HostileRow {
     char const* name;
     char const* mode;
