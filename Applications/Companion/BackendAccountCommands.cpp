@@ -100,9 +100,20 @@ ExitCode login(Invocation const& invocation) {
     return ExitCode::done;
 }
 
+void forgetAddress(Account const& account) {
+    if (auto const error = account.setting->forgetBaseURL())
+        throw CommandError::failed(Texts::cannotWrite(account.settingPath(), error.message()));
+}
+
 ExitCode logout(Invocation const& invocation) {
     Account account(invocation);
-    auto const url = account.knownURL();
+    auto const known = account.setting->baseURL();
+    if (!known) {
+        // Which token to remove is lost with the address; that is no reason to stay logged in.
+        forgetAddress(account);
+        throw CommandError::failed(Texts::loggedOutOfUnknown(known.error()));
+    }
+    auto const& url = *known;
     if (!url) {
         account.say(Texts::notLoggedIn());
         return ExitCode::done;
@@ -110,8 +121,7 @@ ExitCode logout(Invocation const& invocation) {
     auto const removed = account.tokens().remove(*url);
     if (removed != KeychainStatus::success && removed != KeychainStatus::itemNotFound)
         throw CommandError::failed(Texts::tokenNotRemoved(url->absoluteString, removed));
-    if (auto const error = account.setting->forgetBaseURL())
-        throw CommandError::failed(Texts::cannotWrite(account.settingPath(), error.message()));
+    forgetAddress(account);
     account.say(Texts::loggedOut(url->absoluteString));
     return ExitCode::done;
 }

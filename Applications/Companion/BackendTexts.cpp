@@ -96,6 +96,10 @@ std::string loggedOut(std::string_view url) {
     return text("logged-out", quoted(url));
 }
 
+std::string loggedOutOfUnknown(std::string_view reason) {
+    return text("logged-out-of-unknown", reason);
+}
+
 std::string notLoggedIn() {
     return text("not-logged-in");
 }

@@ -147,6 +147,16 @@ TEST_F(BackendJourneys, aLoginIsKeptUntilTheLogout) {
     EXPECT_EQ(home.outputOf({"backend", "logout"}), "You are not logged in to a backend\n");
 }
 
+TEST_F(BackendJourneys, aDamagedAddressIsNoReasonToStayLoggedIn) {
+    home.write(home.configuration() / "backend.json", "{");
+    auto const result = home.quillora({"backend", "logout"});
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_THAT(result.errors, testing::StartsWith("quillora: you are logged out, but of which backend is not "
+                                                   "known, so its token may still be in your keychain: "));
+    EXPECT_FALSE(fs::exists(home.configuration() / "backend.json"));
+    EXPECT_EQ(home.outputOf({"backend", "logout"}), "You are not logged in to a backend\n");
+}
+
 TEST_F(BackendJourneys, aTokenIsTypedUnseen) {
     BackendProcess const service;
     auto const result =
