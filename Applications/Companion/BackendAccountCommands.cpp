@@ -4,7 +4,6 @@
 #include "Applications/Companion/Texts.h"
 #include "Applications/Companion/TokenInput.h"
 #include "Applications/Composition/LiveBackendServices.h"
-#include "Foundation/Text.h"
 #include "Networking/NetworkLogger.h"
 #include "Platform/Files/FileManager.h"
 
@@ -111,7 +110,7 @@ ExitCode logout(Invocation const& invocation) {
     if (!known) {
         // Which token to remove is lost with the address; that is no reason to stay logged in.
         forgetAddress(account);
-        throw CommandError::failed(Texts::loggedOutOfUnknown(known.error()));
+        throw CommandError::failed(Texts::loggedOutOfUnknown(account.settingPath()));
     }
     auto const& url = *known;
     if (!url) {

@@ -3,7 +3,6 @@
 #include "Applications/Companion/BackendTexts.h"
 #include "Applications/Companion/CommandError.h"
 #include "Applications/Companion/HarmlessConsole.h"
-#include "Applications/Companion/Support.h"
 #include "Applications/Companion/Texts.h"
 #include "Applications/Companion/TokenInput.h"
 #include "Applications/Composition/KeychainTokenProvider.h"
@@ -16,15 +15,23 @@
 namespace Companion {
 namespace {
 
+// As it stands where it comes from: the client says what else is wrong with it.
+Foundation::URL withoutUserInfo(Foundation::URL url) {
+    auto const place = Foundation::URLPlace::of(url);
+    // A password would go into the log with every request.
+    if (place && place->hasUserInfo) throw CommandError::wrongUse(Texts::backendWithUser());
+    return url;
+}
+
 Foundation::URL chosenURL(Invocation const& invocation, Composition::LiveBackendServices& services) {
-    // As it was typed: the client says what is wrong with it.
-    if (auto const typed = invocation.values.option("--url")) return {.absoluteString = *typed};
+    if (auto const typed = invocation.values.option("--url"))
+        return withoutUserInfo({.absoluteString = *typed});
     auto const setting = services.setting();
     if (!setting) throw CommandError::failed(Texts::noHome());
     auto const known = setting->baseURL();
     if (!known) throw CommandError::failed(known.error());
     if (!*known) throw CommandError::failed(Texts::noBackend());
-    return **known;
+    return withoutUserInfo(**known);
 }
 
 // A file keeps the records whole; a terminal would obey what a server put into them.

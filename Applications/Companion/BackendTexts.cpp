@@ -96,8 +96,8 @@ std::string loggedOut(std::string_view url) {
     return text("logged-out", quoted(url));
 }
 
-std::string loggedOutOfUnknown(std::string_view reason) {
-    return text("logged-out-of-unknown", reason);
+std::string loggedOutOfUnknown(std::string_view path) {
+    return text("logged-out-of-unknown", path);
 }
 
 std::string notLoggedIn() {

@@ -28,7 +28,7 @@ std::string tokenIsMissing(std::string_view url, Platform::KeychainStatus status
 std::string oldTokenStays(std::string_view url);
 std::string loggedIn(std::string_view url);
 std::string loggedOut(std::string_view url);
-std::string loggedOutOfUnknown(std::string_view reason);
+std::string loggedOutOfUnknown(std::string_view path);
 std::string notLoggedIn();
 std::string logSwitched(bool isEnabled, std::string_view path);
 std::string logState(bool isEnabled, std::string_view path);

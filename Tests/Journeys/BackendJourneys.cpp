@@ -151,8 +151,9 @@ TEST_F(BackendJourneys, aDamagedAddressIsNoReasonToStayLoggedIn) {
     home.write(home.configuration() / "backend.json", "{");
     auto const result = home.quillora({"backend", "logout"});
     EXPECT_EQ(result.exitCode, 1);
-    EXPECT_THAT(result.errors, testing::StartsWith("quillora: you are logged out, but of which backend is not "
-                                                   "known, so its token may still be in your keychain: "));
+    EXPECT_EQ(result.errors, "quillora: you are logged out; " + (home.configuration() / "backend.json").string() +
+                                 " held no address that can be read, so the token of that backend may still be in "
+                                 "your keychain\n");
     EXPECT_FALSE(fs::exists(home.configuration() / "backend.json"));
     EXPECT_EQ(home.outputOf({"backend", "logout"}), "You are not logged in to a backend\n");
 }
@@ -378,6 +379,11 @@ INSTANTIATE_TEST_SUITE_P(
                 {"backend", "edit", "e1", "--url", nowhere},
                 "quillora: backend edit needs at least one thing to change; see \"quillora backend edit "
                 "--help\"",
+                2},
+        Refusal{"listingWithAPassword",
+                {"backend", "list", "--url", "http://user:pw@127.0.0.1:1"},
+                "quillora: --url takes an address without a user's name or password; the backend knows you "
+                "by your token",
                 2},
         Refusal{"loginElsewhere",
                 {"backend", "login", "--url", "ftp://host"},
