@@ -1,5 +1,6 @@
 #include "Applications/Companion/BackendTexts.h"
 #include "Applications/Companion/Commands.h"
+#include "Applications/Companion/HarmlessConsole.h"
 #include "Applications/Companion/Support.h"
 #include "Applications/Companion/Texts.h"
 #include "Applications/Companion/TokenInput.h"
@@ -7,6 +8,7 @@
 #include "Networking/NetworkLogger.h"
 #include "Platform/Files/FileManager.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fstream>
@@ -136,12 +138,36 @@ ExitCode switchLog(Invocation const& invocation, bool isEnabled) {
     return ExitCode::done;
 }
 
-// Line by line: a log grows without a bound, and bears what servers sent.
+// Where a text of so many bytes can be cut without cutting a character in two.
+std::size_t lastBoundary(std::string_view text) {
+    constexpr std::size_t longestCharacter = 4;
+    auto const isInside = [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0) == 0x80; };
+    for (std::size_t back = 1; back < longestCharacter && back < text.size(); ++back)
+        if (!isInside(text[text.size() - back])) return text.size() - back;
+    return text.size();
+}
+
+// Piece by piece: a log grows without a bound, also within a line, and bears what servers sent.
 void showLog(Invocation const& invocation, std::filesystem::path const& file) {
+    std::error_code unknown;
+    if (!std::filesystem::is_regular_file(file, unknown))
+        throw CommandError::failed(Texts::logIsNoFile(shownPath(file)));
     std::ifstream stream(file, std::ios::binary);
-    for (std::string line; std::getline(stream, line);)
-        invocation.console.writeLine(Foundation::Text::neutralized(Foundation::Text::sanitizedUTF8(line)));
+    if (!stream) throw CommandError::failed(Texts::unreadableFile(shownPath(file), std::strerror(errno)));
+    std::string piece(std::size_t{64} << 10, '\0');
+    std::size_t held = 0; // Bytes of the piece before that await what follows them.
+    bool endsLine = true;
+    while (stream) {
+        stream.read(piece.data() + held, static_cast<std::streamsize>(piece.size() - held));
+        std::string_view const text(piece.data(), held + static_cast<std::size_t>(stream.gcount()));
+        auto const shown = text.substr(0, stream ? lastBoundary(text) : text.size());
+        invocation.console.write(harmlessLines(shown));
+        if (!shown.empty()) endsLine = shown.ends_with('\n');
+        held = text.size() - shown.size();
+        std::ranges::copy(text.substr(shown.size()), piece.begin());
+    }
     if (stream.bad()) throw CommandError::failed(Texts::unreadableFile(shownPath(file), std::strerror(EIO)));
+    if (!endsLine) invocation.console.write("\n");
 }
 
 ExitCode showLogCommand(Invocation const& invocation) {

@@ -113,6 +113,10 @@ std::string logState(bool isEnabled, std::string_view path) {
     return isEnabled ? text("log-is-on", path) : text("log-is-off", path);
 }
 
+std::string logIsNoFile(std::string_view path) {
+    return text("log-is-no-file", path);
+}
+
 std::string waitingFor(std::string_view url, std::int64_t seconds) {
     return text("waiting-for", Foundation::Text::truncated(url, 40), std::to_string(seconds));
 }

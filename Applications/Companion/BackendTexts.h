@@ -32,6 +32,7 @@ std::string loggedOutOfUnknown(std::string_view path);
 std::string notLoggedIn();
 std::string logSwitched(bool isEnabled, std::string_view path);
 std::string logState(bool isEnabled, std::string_view path);
+std::string logIsNoFile(std::string_view path);
 std::string waitingFor(std::string_view url, std::int64_t seconds);
 std::string interruptedReading();
 std::string interruptedBeforeAChange();

@@ -8,6 +8,8 @@
 
 #include <algorithm>
 
+#include <sys/stat.h>
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -151,9 +153,10 @@ TEST_F(BackendJourneys, aDamagedAddressIsNoReasonToStayLoggedIn) {
     home.write(home.configuration() / "backend.json", "{");
     auto const result = home.quillora({"backend", "logout"});
     EXPECT_EQ(result.exitCode, 1);
-    EXPECT_EQ(result.errors, "quillora: you are logged out; " + (home.configuration() / "backend.json").string() +
-                                 " held no address that can be read, so the token of that backend may still be in "
-                                 "your keychain\n");
+    EXPECT_EQ(result.errors,
+              "quillora: you are logged out; " + (home.configuration() / "backend.json").string() +
+                  " held no address that can be read, so the token of that backend may still be in "
+                  "your keychain\n");
     EXPECT_FALSE(fs::exists(home.configuration() / "backend.json"));
     EXPECT_EQ(home.outputOf({"backend", "logout"}), "You are not logged in to a backend\n");
 }
@@ -235,6 +238,35 @@ TEST_F(BackendJourneys, theLogIsPrintedForAPersonAndKeptForBoth) {
     static_cast<void>(home.outputOf({"backend", "log", "off"}));
     EXPECT_THAT(home.outputOf({"backend", "list"}), Not(HasSubstr("endpoint")));
     EXPECT_EQ(home.quillora({"backend", "log", "show"}).output, shown.output);
+}
+
+TEST_F(BackendJourneys, aLogIsShownInPiecesHoweverLongItsLinesAre) {
+    auto const file = home.folder() / "data/Quillora/Logs/network.log";
+    // Characters of several bytes, so that pieces end within some, and no line feed at the end.
+    std::string line;
+    while (line.size() < 24'000'000)
+        line += "añ€😀";
+    home.write(file, "\x1b[31m\n" + line);
+    auto const shown = home.quillora({"backend", "log", "show"});
+    EXPECT_EQ(shown.exitCode, 0) << shown.errors;
+    EXPECT_TRUE(shown.output == "\uFFFD[31m\n" + line + "\n");
+    if (std::string_view(QUILLORA_SANITIZE).empty()) EXPECT_LE(shown.peakMemory, 64 * 1024);
+
+    for (std::size_t const size : {0U, 1U, 65535U, 65536U, 65537U, 131072U}) {
+        std::string const content(size, 'x');
+        home.write(file, content);
+        EXPECT_EQ(home.quillora({"backend", "log", "show"}).output, content + (size > 0 ? "\n" : "")) << size;
+    }
+}
+
+TEST_F(BackendJourneys, aLogThatIsNoFileIsNotWaitedFor) {
+    auto const file = home.folder() / "data/Quillora/Logs/network.log";
+    fs::create_directories(file.parent_path());
+    ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);
+    auto const shown = home.quillora({"backend", "log", "show"});
+    EXPECT_EQ(shown.exitCode, 1);
+    EXPECT_THAT(shown.errors, HasSubstr(file.string()));
+    EXPECT_THAT(shown.errors, HasSubstr(" is not a regular file, so it is not shown"));
 }
 
 TEST_F(BackendJourneys, theDayShowsCalendarsAndBackendTogether) {
@@ -354,11 +386,12 @@ INSTANTIATE_TEST_SUITE_P(
                  "9223372036854775807"},
                 "quillora: --duration takes a length such as 45m, 2h or 1h30m, not \"9223372036854775807\"",
                 2},
-        Refusal{"aWholeDay",
-                {"backend", "add", "--url", nowhere, "--name", "T", "--start", "2026-11-21"},
-                "quillora: --start needs a time such as 09:30 or 2026-03-11T09:30; a backend keeps no meets of "
-                "whole days",
-                2},
+        Refusal{
+            "aWholeDay",
+            {"backend", "add", "--url", nowhere, "--name", "T", "--start", "2026-11-21"},
+            "quillora: --start needs a time such as 09:30 or 2026-03-11T09:30; a backend keeps no meets of "
+            "whole days",
+            2},
         Refusal{"beyondTheYears",
                 {"backend", "add", "--url", nowhere, "--name", "T", "--start", "9999-12-31T23:59"},
                 "quillora: the meet would end after the year 9999; give --start an earlier moment, or "
@@ -434,9 +467,10 @@ TEST_F(BackendJourneys, whatIsNoDescriptorIsNotRepeated) {
         for (auto const* typed : {"s3cr3t-t0ken", "-3", "+0", "0x0", "99999999999999999999", ""}) {
             auto const result = home.quillora({"backend", command, "--url", nowhere, "--token-fd", typed});
             EXPECT_EQ(result.exitCode, 2);
-            EXPECT_EQ(result.errors,
-                      "quillora: --token-fd takes the number of an open descriptor, such as 0 or 3; the token "
-                      "itself is never an argument, since others could see it\n")
+            EXPECT_EQ(
+                result.errors,
+                "quillora: --token-fd takes the number of an open descriptor, such as 0 or 3; the token "
+                "itself is never an argument, since others could see it\n")
                 << typed;
         }
     }
