@@ -73,19 +73,24 @@ void BackendRun::require(Foundation::Task<void> task, std::string const& whatWas
     if (end.error) refuse(end, whatWasNotDone, ifInterrupted);
 }
 
-std::optional<std::string> BackendRun::missingToken() const {
-    auto const status = keychainTokens ? keychainTokens->failure() : std::nullopt;
-    if (!status) return std::nullopt;
-    return Texts::tokenIsMissing(baseURL.absoluteString, *status);
+std::optional<std::string> BackendRun::unsaidReason(std::string_view message) const {
+    auto const missing = keychainTokens ? keychainTokens->failure() : std::nullopt;
+    if (missing) return Texts::tokenIsMissing(baseURL.absoluteString, *missing);
+    auto const status = services.exchanges().lastStatus();
+    if (!message.empty() || !status) return std::nullopt;
+    return Texts::noReasonGiven(*status);
 }
 
 void BackendRun::refuse(Foundation::TaskEnd const& end, std::string const& whatWasNotDone,
                         std::string const& ifInterrupted) const {
     if (end.signal) throwInterrupted(*end.signal, ifInterrupted);
-    auto const reason = missingToken();
+    auto error = messageOf(end.error);
+    auto const reason = unsaidReason(error);
     auto message = reason ? Texts::withReason(whatWasNotDone, *reason) : whatWasNotDone;
     if (services.exchanges().mayHaveChangedSomething()) message = Texts::unlessDoneAllTheSame(whatWasNotDone);
-    throw CommandError::refused(message, messageOf(end.error));
+    // An empty last line would say nothing.
+    if (error.empty()) throw CommandError::failed(message);
+    throw CommandError::refused(message, std::move(error));
 }
 
 void throwInterrupted(int signal, std::string const& message) {

@@ -201,6 +201,10 @@ std::string backendMeetDeleted(std::string_view title, std::string_view id) {
     return text("backend-meet-deleted", quoted(title), quoted(id));
 }
 
+std::string noReasonGiven(std::int64_t status) {
+    return text("no-reason-given", std::to_string(status));
+}
+
 std::string calendarsAreMissing() {
     return text("calendars-are-missing");
 }

@@ -54,6 +54,7 @@ std::string deletingNeedsYes();
 std::string deleteMeet(std::string_view title, std::string_view start);
 std::string meetKept(std::string_view title);
 std::string backendMeetDeleted(std::string_view title, std::string_view id);
+std::string noReasonGiven(std::int64_t status);
 std::string calendarsAreMissing();
 std::string backendIsMissing();
 std::string withReason(std::string_view what, std::string_view reason);

@@ -63,7 +63,8 @@ ScheduleWidgetServices lookingAt(ShownDay const& day, ScheduleWidgetServices ser
 void reportFailure(Invocation const& invocation, std::string const& whatIsMissing,
                    std::exception_ptr const& failure) {
     invocation.console.report(whatIsMissing);
-    invocation.console.reportExactly(messageOf(failure));
+    auto const message = messageOf(failure);
+    if (!message.empty()) invocation.console.reportExactly(message);
 }
 
 } // namespace
@@ -101,7 +102,7 @@ ShownDay withBackend(Invocation const& invocation, Composition::LiveServices& li
     if (calendars && calendars->failure)
         reportFailure(invocation, Texts::calendarsAreMissing(), calendars->failure);
     if (backend->failure) {
-        auto const reason = run->missingToken();
+        auto const reason = run->unsaidReason(messageOf(backend->failure));
         reportFailure(invocation,
                       reason ? Texts::withReason(Texts::backendIsMissing(), *reason)
                              : Texts::backendIsMissing(),

@@ -237,4 +237,21 @@ TEST_F(BackendTroubleJourneys, aRepetitionThatIsNotKnownIsChangedOnlyOnPurpose) 
     EXPECT_THAT(ask(known, {"backend", "edit", "e1", "--start", "09:00"}).errors, Not(HasSubstr("repeats")));
 }
 
+TEST_F(BackendTroubleJourneys, aRefusalWithoutATextIsToldByItsStatus) {
+    for (auto const* status : {"400", "403"}) {
+        LoopbackServer const server(always(httpResponse(std::string(status) + " No", "")));
+        auto const listed = ask(server, {"backend", "list"});
+        EXPECT_EQ(listed.exitCode, 1);
+        EXPECT_EQ(listed.errors,
+                  "quillora: the backend's meets were not listed: the backend answered with status " +
+                      std::string(status) + " and gave no reason\n");
+    }
+    home.setUp();
+    LoopbackServer const server(always(httpResponse("403 No", "")));
+    ASSERT_EQ(ask(server, {"backend", "login"}).exitCode, 0);
+    EXPECT_EQ(home.quillora({"day", "--with-backend"}).errors,
+              "quillora: the backend's meets are not shown: the backend answered with status 403 and gave no "
+              "reason\n");
+}
+
 } // namespace
