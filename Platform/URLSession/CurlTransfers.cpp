@@ -2,6 +2,7 @@
 
 #include "Foundation/FatalError.h"
 
+#include <cstdlib>
 #include <utility>
 
 namespace Platform {
@@ -11,17 +12,20 @@ constexpr std::size_t mostUsedHandles = 8;
 // As many loops as a program has at once; a loop too many opens its connections anew.
 constexpr std::size_t mostIdleTransfers = 4;
 
-// Runs before any other thread touches the library; it is never torn down, because other users of libcurl
-// in the process may live longer.
+// Runs as the first session is made, before any other thread touches the library or the environment; it is
+// never torn down, because other users of libcurl in the process may live longer.
 void initialiseLibrary() {
-    static CURLcode const result = curl_global_init(CURL_GLOBAL_DEFAULT);
+    static CURLcode const result = [] {
+        // Named there, a file would be given the keys of every connection, and with them the token.
+        ::unsetenv("SSLKEYLOGFILE");
+        return curl_global_init(CURL_GLOBAL_DEFAULT);
+    }();
     if (result != CURLE_OK) Foundation::fatalError("libcurl cannot be initialised");
 }
 
 } // namespace
 
 CurlTransfers::CurlTransfers(CurlURLSessionLimits limits) : limits(limits) {
-    initialiseLibrary();
     handle = curl_multi_init();
     if (handle == nullptr) Foundation::fatalError("libcurl cannot make a session");
     curl_multi_setopt(handle, CURLMOPT_MAX_HOST_CONNECTIONS, limits.connectionsPerHost);
@@ -46,6 +50,10 @@ void CurlTransfers::giveBack(CurlHandle finished) {
     if (used.size() >= mostUsedHandles) return;
     CurlExchange::forgetRequest(finished.get());
     used.push_back(std::move(finished));
+}
+
+IdleCurlTransfers::IdleCurlTransfers(CurlURLSessionLimits limits) : limits(limits) {
+    initialiseLibrary();
 }
 
 std::unique_ptr<CurlTransfers> IdleCurlTransfers::take() {

@@ -35,7 +35,7 @@ private:
 /// used from any thread.
 class IdleCurlTransfers final {
 public:
-    explicit IdleCurlTransfers(CurlURLSessionLimits limits) : limits(limits) {}
+    explicit IdleCurlTransfers(CurlURLSessionLimits limits);
 
     [[nodiscard]] std::unique_ptr<CurlTransfers> take();
     void giveBack(std::unique_ptr<CurlTransfers> transfers);

@@ -476,6 +476,13 @@ TEST_F(BackendJourneys, whatIsNoDescriptorIsNotRepeated) {
     }
 }
 
+TEST_F(BackendJourneys, theKeysOfAConnectionAreWrittenNowhere) {
+    BackendProcess const service({"--hostile", "tls-bad-certificate"});
+    home.environment["SSLKEYLOGFILE"] = (home.folder() / "keys").string();
+    EXPECT_EQ(ask(service, {"backend", "list"}).exitCode, 1);
+    EXPECT_FALSE(fs::exists(home.folder() / "keys"));
+}
+
 struct HostileRow {
     char const* name;
     char const* mode;
