@@ -94,6 +94,7 @@ public:
         menu.setNotice(notice);
         atk_object_set_description(gtk_widget_get_accessible(container), notice.c_str());
         gtk_widget_trigger_tooltip_query(container);
+        gtk_widget_queue_draw(container);
     }
 
     void afterNextFrame(std::function<void()> painted) {
@@ -170,7 +171,10 @@ private:
 
     void paint(cairo_t* context) const {
         painter.paint(context, content->layout, geometry,
-                      {.previous = stateOf(previous), .next = stateOf(next), .rows = rows.states()});
+                      {.previous = stateOf(previous),
+                       .next = stateOf(next),
+                       .rows = rows.states(),
+                       .hasNotice = !notice.empty()});
         fade.paint(context);
     }
 

@@ -59,7 +59,7 @@ public:
 
     void setAccent(std::optional<SRGBColor> accent);
 
-    /// What the person has to know beside the face, which stays as it is: the first line of the menu, the
+    /// What the person has to know beside the face, which only gets a mark: the first line of the menu, the
     /// tooltip where no row has one of its own, and what a screen reader tells of the whole. Empty for
     /// nothing.
     void setNotice(std::string text);

@@ -37,6 +37,7 @@ inline constexpr double chevronWidth = 5;
 inline constexpr double chevronHeight = 9;
 inline constexpr double chevronStroke = 1.6;
 inline constexpr double badgeGap = 6.5; ///< Between the weekday and the badge.
+inline constexpr double largestNoticeRadius = 5;
 inline constexpr double labelFontSize = 9.5;
 inline constexpr double barRowHeight = 18;
 inline constexpr double barRowRadius = 5;

@@ -85,6 +85,27 @@ void drawRowRing(cairo_t* context, PlacedRow const& row, FaceButtonState const& 
                   isStrong ? palette.chevron : palette.secondary);
 }
 
+/// In the margin below the rows, where no row ever is: a disc with an exclamation mark.
+void drawNoticeMark(cairo_t* context, FaceLayout const& layout, FaceGeometry const& geometry,
+                    FacePalette const& palette) {
+    double const margin = faceMetrics(layout.family).margin;
+    double const radius = std::min(Measures::largestNoticeRadius, margin / 2 - 1);
+    double const aside = geometry.cornerRadius + radius;
+    double const x = layout.isRightToLeft ? aside : geometry.width - aside;
+    double const y = geometry.height - margin / 2;
+    cairo_arc(context, x, y, radius, 0, 2 * std::numbers::pi);
+    setColor(context, palette.secondary);
+    cairo_fill(context);
+    cairo_move_to(context, x, y - 0.55 * radius);
+    cairo_line_to(context, x, y + 0.10 * radius);
+    cairo_move_to(context, x, y + 0.55 * radius);
+    cairo_close_path(context); // A dot.
+    cairo_set_line_width(context, 0.3 * radius);
+    cairo_set_line_cap(context, CAIRO_LINE_CAP_ROUND);
+    setColor(context, palette.background);
+    cairo_stroke(context);
+}
+
 /// The colours of a row without a surface of its own are those of the face.
 RowColors colorsOf(PlacedRow const& row, FacePalette const& palette) {
     if (!row.surface) {
@@ -154,6 +175,7 @@ void FacePainter::paint(cairo_t* context, FaceLayout const& layout, FaceGeometry
             measurer.show(context, text);
         }
     }
+    if (interaction.hasNotice) drawNoticeMark(context, layout, geometry, palette);
     cairo_restore(context);
 }
 

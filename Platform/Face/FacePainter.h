@@ -31,6 +31,7 @@ struct FaceInteraction {
     FaceButtonState previous;
     FaceButtonState next;
     std::vector<FaceButtonState> rows = {}; ///< In the layout's order; those that are missing are at rest.
+    bool hasNotice = false;                 ///< A mark at the lower edge says that there is more to know.
 
     bool operator==(FaceInteraction const&) const = default;
 };

@@ -163,6 +163,29 @@ TEST(FacePainterTests, rowOfAMeetAnswersHoverPressAndFocusAroundItself) {
     EXPECT_EQ(colors(0, {.isFocused = true}).first, background);
 }
 
+TEST(FacePainterTests, noticeIsMarkedInTheLowerMarginAlone) {
+    for (auto const family : {WidgetFamily::systemSmall, large}) {
+        for (auto const isRightToLeft : {false, true}) {
+            auto layout = SampleFaces::busy(family, ColorScheme::light);
+            layout.isRightToLeft = isRightToLeft;
+            auto const geometry = painter().place(layout);
+            auto const rest = painted(layout);
+            auto const marked = painted(layout, {.previous = {}, .next = {}, .hasNotice = true});
+            double const margin = family == large ? 14 : 10;
+            bool isThere = false;
+            for (double y = 0.5; y < geometry.height; ++y) {
+                for (double x = 0.5; x < geometry.width; ++x) {
+                    if (rest.colorAt(x, y) == marked.colorAt(x, y)) continue;
+                    isThere = true;
+                    ASSERT_GT(y, geometry.height - margin);
+                    ASSERT_EQ(x < geometry.width / 2, isRightToLeft);
+                }
+            }
+            EXPECT_TRUE(isThere);
+        }
+    }
+}
+
 TEST(FacePainterTests, titlesOfEveryScriptKeepToTheirColumn) {
     struct Row {
         char const* name;
