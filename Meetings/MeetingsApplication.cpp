@@ -3,7 +3,7 @@
 #include "Meetings/MeetDomain.h"
 
 #include <algorithm>
-#include <iterator>
+#include <numeric>
 #include <utility>
 
 namespace Meetings {
@@ -11,15 +11,16 @@ namespace {
 
 using Repository = std::shared_ptr<MeetRepository>;
 
-bool startsEarlier(MeetEntity const& left, MeetEntity const& right) {
-    return left.metDate < right.metDate;
-}
-
-// Stable, by insertion: stores mostly give their events in order, and a day holds few.
-void sortByStart(std::vector<MeetEntity>& meets) {
-    for (auto next = meets.begin(); next != meets.end(); ++next) {
-        std::rotate(std::upper_bound(meets.begin(), next, *next, startsEarlier), next, std::next(next));
-    }
+// Earliest first; equal starts keep their order. A service may put thousands on a day, in whatever order.
+std::vector<MeetEntity> sortedByStart(std::vector<MeetEntity> meets) {
+    std::vector<std::size_t> order(meets.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::ranges::sort(order, {}, [&](std::size_t index) { return std::pair(meets[index].metDate, index); });
+    std::vector<MeetEntity> sorted;
+    sorted.reserve(meets.size());
+    for (auto const index : order)
+        sorted.push_back(std::move(meets[index]));
+    return sorted;
 }
 
 // Each task owns copies of what it uses: the application that started it may be a temporary.
@@ -30,8 +31,7 @@ Foundation::Task<std::vector<MeetEntity>> dailyMeets(Repository repository, Foun
     // A start that is no instant lies on no day, so none of them reaches the sort.
     std::erase_if(meets,
                   [&](MeetEntity const& meet) { return !calendar.isDateInSameDay(meet.metDate, date); });
-    sortByStart(meets);
-    co_return meets;
+    co_return sortedByStart(std::move(meets));
 }
 
 Foundation::Task<MeetEntity> validatedCreate(Repository repository, MeetEntity meet) {

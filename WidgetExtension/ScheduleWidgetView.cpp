@@ -7,6 +7,7 @@
 #include "WidgetExtension/ScheduleWidgetEventRowView.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 #include <variant>
 
@@ -20,6 +21,15 @@ Platform::BarRow allDayRow(MeetEntity const& meeting) {
     return {.identifier = meeting.id().uuidString(),
             .name = meeting.metName,
             .color = colorFromHex(meeting.metColor.hexValue)};
+}
+
+// Tells which meets of a day have a time that is still of interest.
+auto timedMeetingTest(ScheduleWidgetView const& view) {
+    bool const isToday = view.calendar.isDateInSameDay(view.entry.date, view.now);
+    return [isToday, now = view.now](MeetEntity const& meeting) {
+        if (meeting.metIsAllDay) return false;
+        return !isToday || meeting.metDate.addingTimeInterval(meeting.metDuration) > now;
+    };
 }
 
 } // namespace
@@ -43,18 +53,14 @@ std::string ScheduleWidgetView::weekdayName() const {
 }
 
 std::vector<MeetEntity> ScheduleWidgetView::allDayMeetings() const {
-    auto meetings = entry.meetings;
-    std::erase_if(meetings, [](MeetEntity const& meeting) { return !meeting.metIsAllDay; });
+    std::vector<MeetEntity> meetings;
+    std::ranges::copy_if(entry.meetings, std::back_inserter(meetings), &MeetEntity::metIsAllDay);
     return meetings;
 }
 
 std::vector<MeetEntity> ScheduleWidgetView::timedMeetings() const {
-    bool const isToday = calendar.isDateInSameDay(entry.date, now);
-    auto meetings = entry.meetings;
-    std::erase_if(meetings, [&](MeetEntity const& meeting) {
-        if (meeting.metIsAllDay) return true;
-        return isToday && !(meeting.metDate.addingTimeInterval(meeting.metDuration) > now);
-    });
+    std::vector<MeetEntity> meetings;
+    std::ranges::copy_if(entry.meetings, std::back_inserter(meetings), timedMeetingTest(*this));
     return meetings;
 }
 
@@ -68,26 +74,31 @@ std::size_t ScheduleWidgetView::maxVisibleEvents() const {
     return 7;
 }
 
+// A day may hold thousands of meets, so that those without a card are counted and not copied.
+
 std::vector<MeetEntity> ScheduleWidgetView::visibleMeetings() const {
-    auto meetings = timedMeetings();
-    auto const count = std::min(meetings.size(), maxVisibleEvents());
-    meetings.erase(meetings.begin() + static_cast<std::ptrdiff_t>(count), meetings.end());
+    std::vector<MeetEntity> meetings;
+    auto const isTimed = timedMeetingTest(*this);
+    for (auto const& meeting : entry.meetings) {
+        if (meetings.size() == maxVisibleEvents()) break;
+        if (isTimed(meeting)) meetings.push_back(meeting);
+    }
     return meetings;
 }
 
 std::int64_t ScheduleWidgetView::overflowCount() const {
-    auto const count = static_cast<std::int64_t>(timedMeetings().size());
+    auto const count = std::ranges::count_if(entry.meetings, timedMeetingTest(*this));
     return std::max(std::int64_t{0}, count - static_cast<std::int64_t>(maxVisibleEvents()));
 }
 
 bool ScheduleWidgetView::showsEmptyState() const {
     // All-day meets never count, on purpose: under their list the message says that no time is taken.
-    return timedMeetings().empty();
+    return std::ranges::none_of(entry.meetings, timedMeetingTest(*this));
 }
 
 bool ScheduleWidgetView::showsAllDaySection() const {
-    return !allDayMeetings().empty() && family != WidgetFamily::systemSmall &&
-           family != WidgetFamily::systemMedium;
+    return std::ranges::any_of(entry.meetings, &MeetEntity::metIsAllDay) &&
+           family != WidgetFamily::systemSmall && family != WidgetFamily::systemMedium;
 }
 
 double ScheduleWidgetView::cardHeight() const {

@@ -63,6 +63,17 @@ TEST(MeetingsApplicationTests, equalStartsKeepTheRepositorysOrder) {
               (std::vector<std::string>{"a", "b", "c", "1", "2", "3"}));
 }
 
+TEST(MeetingsApplicationTests, thousandsOfADayInReverseAreNoTrouble) {
+    constexpr int count = 20'000;
+    std::vector<MeetEntity> meets;
+    for (int second = count; second > 0; --second)
+        meets.push_back(meetAt(march6 + second, std::to_string(second)));
+    auto const names = namesOn({.secondsSince1970 = march6}, std::move(meets), utcCalendar());
+    ASSERT_EQ(names.size(), std::size_t{count});
+    EXPECT_EQ(names.front(), "1");
+    EXPECT_EQ(names.back(), "20000");
+}
+
 TEST(MeetingsApplicationTests, theDayIsThatOfTheCalendarsZone) {
     // 20:00 UTC on the 6th is the 7th in Tokyo.
     Date const evening = {.secondsSince1970 = march6 + 20 * hour};
