@@ -1,7 +1,7 @@
-# Resource bundles: a package's string tables are plain files, the source as well as the product.
+# Resource bundles: a package's string tables and named colours are plain files, the source as well as the product.
 
 # quillora_bundle(NAME <bundle> DIR <folder>)
-# Copies the language folders <folder>/*.lproj into <build>/share/quillora/<bundle>.bundle, where the programs in
+# Copies the language folders <folder>/*.lproj, and <folder>/Colors.json where there is one, into <build>/share/quillora/<bundle>.bundle, where the programs in
 # <build>/bin look for them, and installs them to the same place below the prefix. What is built beside it may
 # depend on the target quillora_bundle_<bundle>; it is part of every full build.
 function(quillora_bundle)
@@ -17,6 +17,8 @@ function(quillora_bundle)
     if(NOT tables)
         message(FATAL_ERROR "quillora_bundle: ${arg_DIR} holds no *.lproj folder with a table")
     endif()
+    file(GLOB colors CONFIGURE_DEPENDS RELATIVE "${arg_DIR}" "${arg_DIR}/Colors.json")
+    list(APPEND tables ${colors})
     set(copies)
     foreach(table IN LISTS tables)
         add_custom_command(OUTPUT "${bundle}/${table}"
@@ -25,9 +27,9 @@ function(quillora_bundle)
             COMMENT "Copying ${arg_NAME}.bundle/${table}"
             VERBATIM)
         list(APPEND copies "${bundle}/${table}")
-        cmake_path(GET table PARENT_PATH language)
+        cmake_path(GET table PARENT_PATH folder)
         install(FILES "${arg_DIR}/${table}"
-            DESTINATION "${CMAKE_INSTALL_DATADIR}/quillora/${arg_NAME}.bundle/${language}")
+            DESTINATION "${CMAKE_INSTALL_DATADIR}/quillora/${arg_NAME}.bundle/${folder}")
     endforeach()
     add_custom_target(quillora_bundle_${arg_NAME} ALL DEPENDS ${copies})
 endfunction()

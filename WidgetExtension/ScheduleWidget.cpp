@@ -30,6 +30,7 @@ ScheduleWidgetView ScheduleWidget::content(ScheduleWidgetEntry entry, Platform::
         .now = services.clock->now(),
         .locale = services.region->currentLocale(),
         .texts = services.texts,
+        .colors = services.colors,
     };
 }
 

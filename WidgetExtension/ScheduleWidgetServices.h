@@ -7,6 +7,7 @@
 #include "Platform/Clock/RegionSettings.h"
 #include "Platform/Files/FileManager.h"
 #include "Platform/Logging/Logger.h"
+#include "Platform/Resources/ColorProvider.h"
 #include "Platform/Resources/TextProvider.h"
 
 #include <functional>
@@ -21,6 +22,7 @@ struct ScheduleWidgetServices {
     std::shared_ptr<Platform::FileManager const> files;
     std::shared_ptr<Platform::Appearance const> appearance;
     std::shared_ptr<Platform::TextProvider const> texts;         ///< Of the extension's own bundle.
+    std::shared_ptr<Platform::ColorProvider const> colors;       ///< Of the same bundle.
     std::shared_ptr<Platform::TextProvider const> meetingsTexts; ///< Of the bundle of `Meetings`.
     std::shared_ptr<Platform::LogSink> logSink;
     /// The process's one connection to the calendar store, made when it is first asked for. What it throws

@@ -39,6 +39,13 @@ Platform::SRGBColor ScheduleWidgetView::brandColor() const {
         colorFromHex(colorScheme == Platform::ColorScheme::dark ? "696F9B" : "5CC2C6"));
 }
 
+Platform::SRGBColor ScheduleWidgetView::accentColor() const {
+    auto const named = colors->color("AccentColor", colorScheme);
+    if (!named) return brandColor();
+    auto const [red, green, blue] = *named;
+    return {.red = red, .green = green, .blue = blue};
+}
+
 Platform::SRGBColor ScheduleWidgetView::backgroundColor() const {
     if (colorScheme == Platform::ColorScheme::dark) return {.red = 0, .green = 0, .blue = 0};
     return {.red = 1, .green = 1, .blue = 1};
@@ -119,6 +126,7 @@ Platform::FaceLayout ScheduleWidgetView::layout() const {
         .colorScheme = colorScheme,
         .background = backgroundColor(),
         .brand = brandColor(),
+        .accent = accentColor(),
         .isRightToLeft = locale.isRightToLeft(),
         .rows = std::move(rows),
     };

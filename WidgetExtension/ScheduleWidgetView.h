@@ -6,6 +6,7 @@
 #include "Meetings/MeetEntity.h"
 #include "Platform/Appearance/ColorScheme.h"
 #include "Platform/Face/FaceLayout.h"
+#include "Platform/Resources/ColorProvider.h"
 #include "Platform/Resources/TextProvider.h"
 #include "Platform/WidgetHost/WidgetFamily.h"
 #include "WidgetExtension/ScheduleWidgetEntry.h"
@@ -25,11 +26,15 @@ struct ScheduleWidgetView {
     Platform::WidgetFamily family;
     Foundation::Calendar calendar;
     Foundation::Date now;
-    Foundation::Locale locale;                           ///< Of the weekday, and of the face's direction.
-    std::shared_ptr<Platform::TextProvider const> texts; ///< Of the extension's own bundle.
+    Foundation::Locale locale;                             ///< Of the weekday, and of the face's direction.
+    std::shared_ptr<Platform::TextProvider const> texts;   ///< Of the extension's own bundle.
+    std::shared_ptr<Platform::ColorProvider const> colors; ///< Of the same bundle.
 
     /// The widget's own accent: of the header badge and the two buttons.
     [[nodiscard]] Platform::SRGBColor brandColor() const;
+    /// Of what has no colour of its own, where the desktop has no accent colour: the bundle's "AccentColor",
+    /// else `brandColor`.
+    [[nodiscard]] Platform::SRGBColor accentColor() const;
     [[nodiscard]] Platform::SRGBColor backgroundColor() const;
 
     /// Day of the month.

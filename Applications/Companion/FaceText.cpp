@@ -127,7 +127,7 @@ private:
     [[nodiscard]] std::string bar(Platform::FaceColor const& color) const {
         // A terminal does not know the desktop's accent colour; the face's own is the nearest to it.
         auto const* given = std::get_if<Platform::SRGBColor>(&color);
-        auto const& shown = given != nullptr ? *given : layout.brand;
+        auto const& shown = given != nullptr ? *given : layout.accent;
         return styled(
             fmt::format("38;2;{};{};{}", channel(shown.red), channel(shown.green), channel(shown.blue)), "▌");
     }

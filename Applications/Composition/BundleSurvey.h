@@ -13,7 +13,7 @@ namespace Composition {
 struct SurveyedBundle {
     std::string name;
     std::optional<std::filesystem::path> folder; ///< Absent when no place has it.
-    std::vector<std::string> problems;           ///< Of its tables, each "<file>:<line>: <reason>".
+    std::vector<std::string> problems;           ///< As `Platform::Bundle::problems` has them.
 };
 
 /// Looks for every bundle that the companion needs where it looks itself, without ending the process over a

@@ -16,6 +16,7 @@
 #include "Platform/HTMLReader/LibXMLHTMLReader.h"
 #include "Platform/Logging/JournalLogSink.h"
 #include "Platform/NotificationCenter/LocalNotificationCenter.h"
+#include "Platform/Resources/BundleColorProvider.h"
 #include "Platform/Resources/BundleTextProvider.h"
 #include "Platform/WidgetHost/SessionBusWidgetCenter.h"
 #include "WidgetExtension/ResourceBundleClass.h"
@@ -60,8 +61,8 @@ struct LiveServices::Parts {
     std::shared_ptr<Platform::NotificationCenter> notifications;
     std::shared_ptr<Platform::Appearance const> appearance;
     std::shared_ptr<Platform::WidgetCenter> widgetCenter;
-    std::shared_ptr<Platform::TextProvider const> widgetTexts;
-    std::shared_ptr<Platform::TextProvider const> meetingsTexts;
+    std::shared_ptr<Platform::BundleTextProvider const> widgetTexts;
+    std::shared_ptr<Platform::BundleTextProvider const> meetingsTexts;
     std::shared_ptr<Platform::CalendarStoreConfiguration const> configuration;
     std::shared_ptr<Platform::ConsentRecord const> consent;
     std::shared_ptr<Platform::UserDefaults> userDefaults;
@@ -70,11 +71,18 @@ struct LiveServices::Parts {
 
     // The texts of the bundle that `Marker` stands for; `overrides` may name another place for it.
     template <typename Marker>
-    std::shared_ptr<Platform::TextProvider const> texts(Foundation::Environment overrides) const {
+    std::shared_ptr<Platform::BundleTextProvider const> texts(Foundation::Environment overrides) const {
         return std::make_shared<Platform::BundleTextProvider>(
             std::string(Marker::bundleName), std::move(overrides),
             Platform::BundlePlaces::ofProcess(Marker::marker()),
             Foundation::Locale::textLanguages(environment));
+    }
+
+    // The extension's bundle is its own and no package's: nothing names another place for it.
+    std::shared_ptr<Platform::BundleTextProvider const> widgetBundle() {
+        std::scoped_lock const lock(mutex);
+        return once(widgetTexts,
+                    [&] { return texts<WidgetExtension::ResourceBundleClass>(Foundation::Environment()); });
     }
 };
 
@@ -145,11 +153,11 @@ std::shared_ptr<Platform::WidgetCenter> LiveServices::widgetCenter() {
 }
 
 std::shared_ptr<Platform::TextProvider const> LiveServices::widgetTexts() {
-    std::scoped_lock const lock(parts->mutex);
-    // The extension's bundle is its own and no package's: nothing names another place for it.
-    return once(parts->widgetTexts, [&] {
-        return parts->texts<WidgetExtension::ResourceBundleClass>(Foundation::Environment());
-    });
+    return parts->widgetBundle();
+}
+
+std::shared_ptr<Platform::ColorProvider const> LiveServices::widgetColors() {
+    return std::make_shared<Platform::BundleColorProvider>(parts->widgetBundle());
 }
 
 std::shared_ptr<Platform::TextProvider const> LiveServices::meetingsTexts() {
@@ -228,6 +236,7 @@ LiveServices::scheduleWidgetServices(Foundation::TaskExecutor executor) {
         .files = files(),
         .appearance = appearance(),
         .texts = widgetTexts(),
+        .colors = widgetColors(),
         .meetingsTexts = meetingsTexts(),
         .logSink = logSink(),
         // The parts are shared, so that a task which outlives this object still finds its store.

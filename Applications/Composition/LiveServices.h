@@ -13,6 +13,7 @@ namespace Platform {
 class Appearance;
 class CalendarStoreConfiguration;
 class Clock;
+class ColorProvider;
 class ConsentPrompt;
 class ConsentRecord;
 class EKEventStore;
@@ -76,8 +77,9 @@ public:
     std::shared_ptr<Platform::Appearance const> appearance();
     std::shared_ptr<Platform::WidgetCenter> widgetCenter();
 
-    /// Texts of the widget extension's own bundle, and of the Meetings package.
+    /// Texts and named colours of the widget extension's own bundle, and texts of the Meetings package.
     std::shared_ptr<Platform::TextProvider const> widgetTexts();
+    std::shared_ptr<Platform::ColorProvider const> widgetColors();
     std::shared_ptr<Platform::TextProvider const> meetingsTexts();
 
     /// Where the calendar store keeps its own files. Absent when the environment names no home.

@@ -117,6 +117,7 @@ std::string dump(FaceLayout const& layout) {
                         layout.isRightToLeft ? "right-to-left" : "left-to-right",
                         field("background", ColorMath::hexText(layout.background)),
                         field("brand", ColorMath::hexText(layout.brand))});
+    if (layout.accent != layout.brand) text += " " + field("accent", ColorMath::hexText(layout.accent));
     text += '\n';
     for (auto const& row : layout.rows) {
         text += std::visit([](auto const& each) { return rowText(each); }, row);

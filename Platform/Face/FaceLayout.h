@@ -23,7 +23,7 @@ struct SRGBColor {
     bool operator==(SRGBColor const&) const = default;
 };
 
-/// The desktop's accent colour, resolved when the face is drawn.
+/// The desktop's accent colour, or the layout's own where it has none; resolved when the face is drawn.
 struct AccentColor {
     bool operator==(AccentColor const&) const = default;
 };
@@ -116,6 +116,7 @@ struct FaceLayout {
     ColorScheme colorScheme;
     SRGBColor background;
     SRGBColor brand;
+    SRGBColor accent;   ///< Stands in for the accent colour where the desktop has none.
     bool isRightToLeft; ///< Mirrors the face.
     std::vector<FaceRow> rows;
 

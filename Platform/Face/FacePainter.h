@@ -15,7 +15,7 @@ namespace Platform {
 struct FaceStyle {
     std::string fontFamily = "Inter"; ///< The desktop's interface font.
     std::string language;             ///< BCP 47; picks among the shapes of one character. May be empty.
-    std::optional<SRGBColor> accent;  ///< The desktop's accent colour; the brand stands in for an absent one.
+    std::optional<SRGBColor> accent;  ///< The desktop's accent colour; absent, it is the layout's own.
 };
 
 /// How the pointer and the keyboard meet a button, or the row of a meet, just now.

@@ -63,7 +63,7 @@ FacePalette::FacePalette(FaceLayout const& layout, std::optional<SRGBColor> acce
       badge(layout.brand),
       badgeText(ColorMath::blackOrWhite(layout.brand)),
       scheme(layout.colorScheme),
-      accent(accent.value_or(layout.brand)) {}
+      accent(accent.value_or(layout.accent)) {}
 
 RowColors FacePalette::allDayRow(FaceColor const& color) const {
     double const share = scheme == ColorScheme::dark ? 0.30 : 0.20;

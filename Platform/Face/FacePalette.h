@@ -14,11 +14,11 @@ struct RowColors {
     bool operator==(RowColors const&) const = default;
 };
 
-/// The colours of a face, worked out from its background and brand alone. Where a colour would leave a text
-/// short of contrast, the surface behind the text gives way and the text stays.
+/// The colours of a face, worked out from its background, brand and accent alone. Where a colour would leave
+/// a text short of contrast, the surface behind the text gives way and the text stays.
 class FacePalette {
 public:
-    /// `accent` stands in for every accent colour of the layout; the brand does where it is absent.
+    /// `accent` stands in for every accent colour of the layout; the layout's own does where it is absent.
     FacePalette(FaceLayout const& layout, std::optional<SRGBColor> accent);
 
     SRGBColor background;

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <fstream>
-#include <iterator>
 #include <system_error>
 #include <utility>
 
@@ -12,15 +11,6 @@ namespace {
 using std::filesystem::path;
 
 constexpr std::string_view developmentLanguage = "en";
-
-std::optional<std::string> content(path const& file) {
-    std::error_code failure;
-    if (!std::filesystem::is_regular_file(file, failure)) return std::nullopt;
-    std::ifstream stream(file, std::ios::binary);
-    std::string text(std::istreambuf_iterator<char>(stream), {});
-    if (!stream.good() && !stream.eof()) return std::nullopt;
-    return text;
-}
 
 } // namespace
 
@@ -34,6 +24,7 @@ std::optional<Bundle> Bundle::open(path const& folder, std::vector<std::string> 
         bundle.addTable(language);
     if (std::ranges::find(languages, developmentLanguage) == languages.end())
         bundle.addTable(std::string(developmentLanguage));
+    bundle.addColors();
     return bundle;
 }
 
@@ -59,6 +50,10 @@ std::optional<std::string> Bundle::findCounted(std::string_view key, std::int64_
     return std::nullopt;
 }
 
+std::optional<ColorsFile::Color> Bundle::color(std::string_view name, ColorScheme scheme) const {
+    return colors.find(name, scheme);
+}
+
 std::vector<std::string> const& Bundle::problems() const {
     return found;
 }
@@ -68,7 +63,8 @@ void Bundle::addTable(std::string const& language) {
     if (language.empty() || language.find('/') != std::string::npos) return;
     auto hyphenated = language;
     std::ranges::replace(hyphenated, '_', '-');
-    for (auto const& name : {language, hyphenated}) {
+    auto const spellings = hyphenated == language ? std::vector{language} : std::vector{language, hyphenated};
+    for (auto const& name : spellings) {
         auto const file = location / (name + ".lproj") / "Localizable.strings";
         auto const text = content(file);
         if (!text) continue;
@@ -78,6 +74,35 @@ void Bundle::addTable(std::string const& language) {
         tables.push_back({.language = language, .file = std::move(table)});
         return;
     }
+}
+
+void Bundle::addColors() {
+    auto const file = location / "Colors.json";
+    auto const document = content(file);
+    if (!document) return;
+    colors = ColorsFile::parse(*document);
+    for (auto const& problem : colors.problems)
+        found.push_back(file.string() + ": " + problem);
+}
+
+// Absent, and no problem, where there is no such file.
+std::optional<std::string> Bundle::content(path const& file) {
+    std::error_code failure;
+    if (!std::filesystem::is_regular_file(file, failure)) return std::nullopt;
+    auto const size = std::filesystem::file_size(file, failure);
+    if (!failure && size > largestTable) {
+        found.push_back(file.string() + ": larger than 1 MiB; left out");
+        return std::nullopt;
+    }
+    std::ifstream stream(file, std::ios::binary);
+    std::string text(failure ? 0 : size, '\0');
+    stream.read(text.data(), static_cast<std::streamsize>(text.size()));
+    if (failure || stream.bad() || !stream.is_open()) {
+        found.push_back(file.string() + ": cannot be read; left out");
+        return std::nullopt;
+    }
+    text.resize(static_cast<std::size_t>(stream.gcount()));
+    return text;
 }
 
 } // namespace Platform

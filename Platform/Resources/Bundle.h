@@ -1,7 +1,11 @@
 #pragma once
 
+#include "Platform/Appearance/ColorScheme.h"
+#include "Platform/Resources/ColorsFile.h"
 #include "Platform/Resources/StringsFile.h"
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <optional>
@@ -11,10 +15,13 @@
 
 namespace Platform {
 
-/// A folder of resources. Its texts stand in `<language>.lproj/Localizable.strings`, one table a language.
-/// The tables are read once, when it opens.
+/// A folder of resources. Its texts stand in `<language>.lproj/Localizable.strings`, one table a language,
+/// and its named colours, if it has any, in `Colors.json`. The tables are read once, when it opens.
 class Bundle {
 public:
+    /// Bytes of the largest table that is read; a larger one counts as a problem and is left out.
+    static constexpr std::size_t largestTable = 1 << 20;
+
     /// Opens the folder. `languages` are those of the user, best first ("es_MX", "es"); English comes after
     /// them. Absent when no folder is there; an empty one is a bundle without texts.
     static std::optional<Bundle> open(std::filesystem::path const& folder,
@@ -33,12 +40,19 @@ public:
     /// has.
     [[nodiscard]] std::optional<std::string> findCounted(std::string_view key, std::int64_t count) const;
 
-    /// What was wrong with the tables, each as "<file>:<line>: <reason>".
+    /// The named colour as sRGB channels from 0 to 1; absent where the bundle has none of that name for the
+    /// scheme.
+    [[nodiscard]] std::optional<std::array<double, 3>> color(std::string_view name, ColorScheme scheme) const;
+
+    /// What was wrong with the tables, each as "<file>:<line>: <reason>", without the line where the whole
+    /// file or a colour is meant.
     [[nodiscard]] std::vector<std::string> const& problems() const;
 
 private:
     explicit Bundle(std::filesystem::path folder);
     void addTable(std::string const& language);
+    void addColors();
+    [[nodiscard]] std::optional<std::string> content(std::filesystem::path const& file);
 
     struct Table {
         std::string language;
@@ -47,6 +61,7 @@ private:
 
     std::filesystem::path location;
     std::vector<Table> tables;
+    ColorsFile colors;
     std::vector<std::string> found;
 };
 

@@ -43,6 +43,7 @@ FaceLayout face(std::vector<FaceRow> rows) {
             .colorScheme = ColorScheme::light,
             .background = {.red = 1, .green = 1, .blue = 1},
             .brand = {.red = 0, .green = 0, .blue = 1},
+            .accent = {.red = 0, .green = 0, .blue = 1},
             .isRightToLeft = false,
             .rows = std::move(rows)};
 }

@@ -36,6 +36,7 @@ FaceLayout face(std::vector<FaceRow> rows) {
             .colorScheme = ColorScheme::light,
             .background = {.red = 1, .green = 1, .blue = 1},
             .brand = {.red = 0, .green = 0, .blue = 1},
+            .accent = {.red = 1, .green = 0, .blue = 1},
             .isRightToLeft = false,
             .rows = std::move(rows)};
 }
@@ -82,11 +83,12 @@ TEST(FaceTextTests, aLongNameIsWholeInAPipe) {
 }
 
 TEST(FaceTextTests, aNameIsCutBetweenClusters) {
-    auto const layout = face({card("👩‍👩‍👧👩‍👩‍👧👩‍👩‍👧👩‍👩‍👧👩‍👩‍👧👩‍"
-                                   "👩"
-                                   "‍"
-                                   "👧",
-                                   "09:00", std::nullopt)});
+    auto const layout = face({card(
+        "👩‍👩‍👧👩‍👩‍👧👩‍👩‍👧👩‍👩‍👧👩‍👩‍👧👩‍"
+        "👩"
+        "‍"
+        "👧",
+        "09:00", std::nullopt)});
     EXPECT_EQ(faceText(layout, {.showsColors = false, .columns = 17}),
               "Wednesday 11\n\n▌ 09:00  👩‍👩‍👧👩‍👩‍👧👩‍👩‍👧…\n");
 }
@@ -104,7 +106,7 @@ TEST(FaceTextTests, barsBearTheCalendarsColour) {
 
 TEST(FaceTextTests, theAccentIsTheFacesOwnColour) {
     auto const layout = face({BarRow{.identifier = "a", .name = "Fair", .color = AccentColor{}}});
-    EXPECT_NE(faceText(layout, {.showsColors = true, .columns = std::nullopt}).find("\x1b[38;2;0;0;255m▌"),
+    EXPECT_NE(faceText(layout, {.showsColors = true, .columns = std::nullopt}).find("\x1b[38;2;255;0;255m▌"),
               std::string::npos);
 }
 

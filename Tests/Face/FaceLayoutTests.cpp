@@ -30,4 +30,13 @@ TEST(FaceLayoutDumpTests, oneRowIsOneLineWhateverItsText) {
                             "line noPermission \"No access\"\n");
 }
 
+TEST(FaceLayoutDumpTests, theAccentIsToldWhereItIsNotTheBrand) {
+    auto layout = SampleFaces::blank(WidgetFamily::systemLarge, ColorScheme::light);
+    layout.rows.clear();
+    EXPECT_EQ(dump(layout), "face large light left-to-right background=#FFFFFF brand=#5CC2C6\n");
+    layout.accent = SampleFaces::rgb(0x4080FF);
+    EXPECT_EQ(dump(layout),
+              "face large light left-to-right background=#FFFFFF brand=#5CC2C6 accent=#4080FF\n");
+}
+
 } // namespace

@@ -128,10 +128,15 @@ TEST(FacePaletteTests, buttonAnswersVisibly) {
     }
 }
 
-TEST(FacePaletteTests, accentIsTheDesktopsElseTheBrand) {
+TEST(FacePaletteTests, accentIsTheDesktopsElseTheLayouts) {
     EXPECT_EQ(palette(ColorScheme::light, rgb(0xE66100)).card(AccentColor{}).bar, rgb(0xE66100));
     EXPECT_EQ(palette(ColorScheme::light).card(AccentColor{}).bar, rgb(0x5CC2C6));
     EXPECT_EQ(palette(ColorScheme::dark).allDayRow(AccentColor{}).bar, rgb(0x696F9B));
+    auto layout = SampleFaces::blank(WidgetFamily::systemLarge, ColorScheme::light);
+    layout.accent = rgb(0xD1495B);
+    EXPECT_EQ(FacePalette(layout, std::nullopt).card(AccentColor{}).bar, rgb(0xD1495B));
+    EXPECT_EQ(FacePalette(layout, std::nullopt).badge, layout.brand);
+    EXPECT_EQ(FacePalette(layout, rgb(0xE66100)).card(AccentColor{}).bar, rgb(0xE66100));
 }
 
 } // namespace

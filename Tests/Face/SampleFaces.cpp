@@ -67,6 +67,7 @@ FaceLayout blank(WidgetFamily family, ColorScheme scheme) {
         .colorScheme = scheme,
         .background = isDark ? rgb(0x000000) : rgb(0xFFFFFF),
         .brand = isDark ? rgb(0x696F9B) : rgb(0x5CC2C6),
+        .accent = isDark ? rgb(0x696F9B) : rgb(0x5CC2C6),
         .isRightToLeft = false,
         .rows = {header("Wednesday")},
     };

@@ -364,6 +364,8 @@ TEST_F(InstalledDoctorJourneys, textsThatAreMissingOrDamagedAreNamed) {
     auto const damaged = installedReport();
     EXPECT_THAT(damaged.broken(), ElementsAre("texts"));
     EXPECT_THAT(damaged.worst("texts").text, HasSubstr("Localizable.strings:"));
+    home.write(texts() / "WidgetExtension_WidgetExtension.bundle" / "Colors.json", "{");
+    EXPECT_THAT(installedReport().worst("texts").text, HasSubstr("Colors.json: "));
     fs::remove_all(texts() / "WidgetExtension_WidgetExtension.bundle");
     EXPECT_THAT(installedReport().worst("texts").text, HasSubstr("WidgetExtension_WidgetExtension.bundle"));
 }

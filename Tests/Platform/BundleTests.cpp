@@ -1,13 +1,18 @@
 #include "Platform/Resources/Bundle.h"
+#include "Platform/Resources/BundleColorProvider.h"
 #include "Platform/Resources/BundleLookup.h"
 #include "Platform/Resources/BundleTextProvider.h"
+#include "Platform/Resources/TableColorProvider.h"
 #include "Platform/Resources/TableTextProvider.h"
 
+#include "Tests/Platform/OrdinaryUser.h"
 #include "Tests/Platform/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -84,6 +89,59 @@ TEST(BundleTests, problemsNameFileAndLine) {
     EXPECT_EQ(bundle.text("a"), "1");
     EXPECT_EQ(bundle.problems(),
               (std::vector<std::string>{file.string() + ":2: a key in quotes is missing; entry skipped"}));
+}
+
+TEST(BundleTests, namedColoursStandBesideTheTexts) {
+    TemporaryFolder const folder;
+    folder.place("Colors.json", R"({"C": {"light": "#FFFFFF", "dark": "#000000"}})");
+    auto const bundle = Bundle::open(folder.path(), {"es"}).value();
+    EXPECT_EQ(bundle.color("C", ColorScheme::light), (ColorsFile::Color{1, 1, 1}));
+    EXPECT_EQ(bundle.color("C", ColorScheme::dark), (ColorsFile::Color{0, 0, 0}));
+    EXPECT_EQ(bundle.color("D", ColorScheme::light), std::nullopt);
+    EXPECT_TRUE(bundle.problems().empty());
+}
+
+TEST(BundleTests, withoutAFileOfColoursThereAreNoneAndNothingIsWrong) {
+    TemporaryFolder const folder;
+    std::filesystem::create_directory(folder.path() / "Colors.json");
+    auto const bundle = Bundle::open(folder.path(), {}).value();
+    EXPECT_EQ(bundle.color("C", ColorScheme::light), std::nullopt);
+    EXPECT_TRUE(bundle.problems().empty());
+}
+
+TEST(BundleTests, problemsOfColoursNameTheFile) {
+    TemporaryFolder const folder;
+    auto const file = folder.place("Colors.json", "{");
+    EXPECT_EQ(Bundle::open(folder.path(), {}).value().problems(),
+              (std::vector<std::string>{file.string() + ": not a JSON object; no colour is read"}));
+}
+
+TEST(BundleTests, aFileThatIsTooLargeOrCannotBeReadIsLeftOut) {
+    TemporaryFolder const folder;
+    // Files full of holes: read whole, they would fill the memory.
+    constexpr std::uintmax_t fourGigabytes = std::uintmax_t{4} << 30;
+    auto const colors = folder.place("Colors.json", "{}");
+    auto const spanish = folder.place("es.lproj/Localizable.strings", "\"k\" = \"texto\";");
+    auto const english = folder.place("en.lproj/Localizable.strings", "\"k\" = \"text\";");
+    std::filesystem::resize_file(colors, fourGigabytes);
+    std::filesystem::permissions(spanish, std::filesystem::perms::none);
+    OrdinaryUser const user(folder.path());
+    auto const bundle = Bundle::open(folder.path(), {"es"}).value();
+    EXPECT_EQ(bundle.text("k"), "text");
+    EXPECT_EQ(bundle.color("C", ColorScheme::light), std::nullopt);
+    EXPECT_EQ(bundle.problems(),
+              (std::vector<std::string>{spanish.string() + ": cannot be read; left out",
+                                        colors.string() + ": larger than 1 MiB; left out"}));
+}
+
+TEST(BundleTests, theLargestTableIsReadAndOneByteMoreIsTooMuch) {
+    TemporaryFolder const folder;
+    std::string table = "\"k\" = \"text\";";
+    table.resize(Bundle::largestTable, '\n');
+    folder.place("en.lproj/Localizable.strings", table);
+    EXPECT_EQ(Bundle::open(folder.path(), {}).value().text("k"), "text");
+    folder.place("en.lproj/Localizable.strings", table + "\n");
+    EXPECT_EQ(Bundle::open(folder.path(), {}).value().text("k"), "k");
 }
 
 TEST(BundleLookupTests, theOverrideComesBeforeThePlacesInTheirOrder) {
@@ -179,6 +237,38 @@ TEST(BundleTextProviderTests, theBundleIsLookedUpOnceOnFirstUse) {
     std::filesystem::remove_all(folder.path() / "P.bundle");
     EXPECT_EQ(provider.text("k"), "made after the provider");
     EXPECT_EQ(provider.bundle().folder(), folder.path() / "P.bundle");
+}
+
+TEST(BundleColorProviderTests, theColoursAreThoseOfTheBundleThatTheTextsComeFrom) {
+    TemporaryFolder const folder;
+    BundlePlaces const places{
+        .mainResources = folder.path(), .packageResources = std::nullopt, .mainFolder = std::nullopt};
+    auto const texts =
+        std::make_shared<BundleTextProvider>("P", Environment(), places, std::vector<std::string>());
+    BundleColorProvider const provider(texts);
+    folder.place("P.bundle/Colors.json", R"({"C": {"light": "#FFFFFF", "dark": "#000000"}})");
+    EXPECT_EQ(provider.color("C", ColorScheme::dark), (ColorsFile::Color{0, 0, 0}));
+
+    std::filesystem::remove_all(folder.path() / "P.bundle");
+    EXPECT_EQ(provider.color("C", ColorScheme::light), (ColorsFile::Color{1, 1, 1}));
+    EXPECT_EQ(texts->bundle().folder(), folder.path() / "P.bundle");
+}
+
+TEST(BundleLookupDeathTests, theFirstColourOfAMissingBundleEndsTheProcess) {
+    TemporaryFolder const folder;
+    BundlePlaces const places{
+        .mainResources = folder.path(), .packageResources = std::nullopt, .mainFolder = std::nullopt};
+    BundleColorProvider const provider(
+        std::make_shared<BundleTextProvider>("P", Environment(), places, std::vector<std::string>()));
+    EXPECT_EXIT((void)provider.color("C", ColorScheme::light), testing::KilledBySignal(SIGABRT),
+                "^unable to find bundle named P\n$");
+}
+
+TEST(TableColorProviderTests, aColourThatIsNotInTheTableIsAbsent) {
+    TableColorProvider const provider({{{"C", ColorScheme::dark}, {0.25, 0.5, 1}}});
+    EXPECT_EQ(provider.color("C", ColorScheme::dark), (ColorsFile::Color{0.25, 0.5, 1}));
+    EXPECT_EQ(provider.color("C", ColorScheme::light), std::nullopt);
+    EXPECT_EQ(provider.color("D", ColorScheme::dark), std::nullopt);
 }
 
 TEST(TableTextProviderTests, aMissingTextIsItsKey) {

@@ -39,6 +39,7 @@ inline ScheduleWidgetView viewOf(std::vector<Meetings::MeetEntity> meetings,
         .now = morning,
         .locale = {.identifier = language},
         .texts = std::make_shared<TableInSource>(language),
+        .colors = std::make_shared<Platform::TableColorProvider>(),
     };
 }
 

@@ -4,10 +4,12 @@
 #include "Meetings/Alarms/MeetAlarmVoiceLanguageEnum.h"
 #include "Meetings/BundleFinder.h"
 #include "Platform/Resources/BundleTextProvider.h"
+#include "Tests/WidgetExtension/FaceFixtures.h"
 #include "WidgetExtension/ResourceBundleClass.h"
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -91,6 +93,17 @@ TEST(PackageTextsTests, everyBundleOpensWithoutProblems) {
         for (auto const* language : {"en", "es"}) {
             EXPECT_TRUE(builtTexts(name, language).bundle().problems().empty()) << name << " " << language;
         }
+    }
+}
+
+TEST(PackageTextsTests, theWidgetsAccentColourIsItsBrandInBothSchemes) {
+    auto const texts = builtTexts(WidgetExtension::ResourceBundleClass::bundleName, "en");
+    for (auto const scheme : {Platform::ColorScheme::light, Platform::ColorScheme::dark}) {
+        auto view = WidgetExtension::viewOf({});
+        view.colorScheme = scheme;
+        auto const brand = view.brandColor();
+        EXPECT_EQ(texts.bundle().color("AccentColor", scheme),
+                  (std::array{brand.red, brand.green, brand.blue}));
     }
 }
 

@@ -50,6 +50,17 @@ TEST(ScheduleWidgetViewTests, brandAndBackgroundFollowTheScheme) {
     EXPECT_EQ(view.backgroundColor(), (SRGBColor{.red = 0, .green = 0, .blue = 0}));
 }
 
+TEST(ScheduleWidgetViewTests, theAccentIsTheNamedColourOfTheSchemeElseTheBrand) {
+    auto view = viewOf({});
+    EXPECT_EQ(view.layout().accent, view.brandColor());
+    view.colors = std::make_shared<Platform::TableColorProvider>(
+        Platform::TableColorProvider::Table{{{"AccentColor", ColorScheme::dark}, {0.25, 0.5, 1}}});
+    EXPECT_EQ(view.layout().accent, view.brandColor());
+    view.colorScheme = ColorScheme::dark;
+    EXPECT_EQ(view.layout().accent, (SRGBColor{.red = 0.25, .green = 0.5, .blue = 1}));
+    EXPECT_EQ(view.layout().brand, view.brandColor());
+}
+
 TEST(ScheduleWidgetViewTests, theBadgeIsTheEntrysDayInTheUsersCalendarAndLanguage) {
     auto view = viewOf({}, WidgetFamily::systemLarge, "es");
     EXPECT_EQ(view.weekdayName(), "Miércoles");

@@ -9,6 +9,7 @@
 #include "Platform/EventStore/InMemoryEventStore.h"
 #include "Platform/Files/InMemoryFileManager.h"
 #include "Platform/Logging/RecordingLogSink.h"
+#include "Platform/Resources/TableColorProvider.h"
 #include "Platform/Resources/TableTextProvider.h"
 #include "Tests/Meetings/EventKit/EventFixtures.h"
 #include "Tests/Meetings/MeetFixtures.h"
@@ -44,6 +45,7 @@ struct WidgetSurroundings {
             .files = files,
             .appearance = std::make_shared<Platform::FixedAppearance>(),
             .texts = std::make_shared<Platform::TableTextProvider>(),
+            .colors = std::make_shared<Platform::TableColorProvider>(),
             .meetingsTexts = std::make_shared<Platform::TableTextProvider>(),
             .logSink = log,
             .eventStore =

@@ -15,6 +15,7 @@
 #include "Platform/Clock/FixedClock.h"
 #include "Platform/Files/InMemoryFileManager.h"
 #include "Platform/HTMLReader/LibXMLHTMLReader.h"
+#include "Platform/Resources/TableColorProvider.h"
 #include "Platform/Resources/TableTextProvider.h"
 #include "Platform/WidgetHost/CallingThreadMainExecutor.h"
 #include "Platform/WidgetHost/LocalWidgetCenter.h"
@@ -121,6 +122,7 @@ WidgetExtension::ScheduleWidgetView viewOf(ScheduleWidgetEntry entry, Platform::
         .now = moment("2026-03-11T10:00:00Z"),
         .locale = Foundation::Locale{.identifier = "en"},
         .texts = std::make_shared<Platform::TableTextProvider>(),
+        .colors = std::make_shared<Platform::TableColorProvider>(),
     };
 }
 
