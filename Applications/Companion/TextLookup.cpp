@@ -1,8 +1,5 @@
 #include "Applications/Companion/TextLookup.h"
 
-#include "Applications/Composition/Texts.h"
-#include "Foundation/Text.h"
-
 namespace Companion {
 
 extern std::string_view const englishTable; // Built in from Resources/en.lproj.
@@ -22,12 +19,6 @@ void useLanguages(std::vector<std::string> const& languages) {
 
 std::string text(std::string_view key) {
     return words().text(key);
-}
-
-std::string quoted(std::string_view value) {
-    constexpr std::size_t longest = 60;
-    auto const harmless = Foundation::Text::neutralized(Foundation::Text::sanitizedUTF8(value));
-    return text("quoted", Foundation::Text::truncated(harmless, longest));
 }
 
 } // namespace Texts

@@ -2,6 +2,7 @@
 
 #include "Applications/Companion/Texts.h"
 #include "Applications/Composition/ProgramTexts.h"
+#include "Applications/Composition/Texts.h"
 
 #include <cstdint>
 #include <string>
@@ -16,16 +17,15 @@ Composition::ProgramTexts& words();
 template <typename... Values>
     requires(sizeof...(Values) > 0)
 std::string text(std::string_view key, Values const&... values) {
-    return words().text(key, {std::string(values)...});
+    return words().text(key, values...);
 }
 
 /// The form of the text that goes with `count`, which is its first value.
 template <typename... Values>
 std::string counted(std::string_view key, std::int64_t count, Values const&... values) {
-    return words().counted(key, count, {std::to_string(count), std::string(values)...});
+    return words().counted(key, count, values...);
 }
 
-/// What a person typed or a calendar says, made harmless and short enough for one line.
-std::string quoted(std::string_view value);
+using Composition::Texts::quoted;
 
 } // namespace Companion::Texts

@@ -19,14 +19,14 @@ void ProgramTexts::useLanguages(std::vector<std::string> const& languages) {
                                                 Platform::BundlePlaces::ofProcess(marker), languages);
 }
 
-std::string ProgramTexts::text(std::string_view key, std::vector<std::string> const& values) const {
+std::string ProgramTexts::filled(std::string_view key, std::vector<std::string> const& values) const {
     auto found = bundle ? bundle->find(key) : std::nullopt;
     if (!found) found = english.find(key);
     return Platform::withValues(found.value_or(std::string(key)), values);
 }
 
-std::string ProgramTexts::counted(std::string_view key, std::int64_t count,
-                                  std::vector<std::string> const& values) const {
+std::string ProgramTexts::filledCounted(std::string_view key, std::int64_t count,
+                                        std::vector<std::string> const& values) const {
     auto found = bundle ? bundle->findCounted(key, count) : std::nullopt;
     if (!found) found = english.findCounted(key, count, "en");
     return Platform::withValues(found.value_or(std::string(key)), values);
@@ -62,7 +62,7 @@ std::optional<std::string> ProgramTexts::translatedWhole(std::string_view messag
     if (bestKey.empty()) return std::nullopt;
     for (auto& value : values)
         value = translated(value);
-    return text(bestKey, values);
+    return filled(bestKey, values);
 }
 
 std::vector<std::string> ProgramTexts::problems() const {

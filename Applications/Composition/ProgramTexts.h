@@ -22,12 +22,19 @@ public:
     /// other threads are started.
     void useLanguages(std::vector<std::string> const& languages);
 
-    /// The text of `key` with its places filled; the key itself where no table has it.
-    [[nodiscard]] std::string text(std::string_view key, std::vector<std::string> const& values = {}) const;
+    /// The text of `key` with its places filled, in the order in which the values stand here; the key itself
+    /// where no table has it.
+    template <typename... Values>
+    [[nodiscard]] std::string text(std::string_view key, Values const&... values) const {
+        return filled(key, {std::string(values)...});
+    }
 
-    /// The form of the text that goes with `count`, its places filled.
+    /// The form of the text that goes with `count`, which is its first value.
+    template <typename... Values>
     [[nodiscard]] std::string counted(std::string_view key, std::int64_t count,
-                                      std::vector<std::string> const& values) const;
+                                      Values const&... values) const {
+        return filledCounted(key, count, {std::to_string(count), std::string(values)...});
+    }
 
     /// `message` of a part that speaks English, in the person's language: where the English table has it
     /// below a key that starts with "said-" or "errno-", the text of that key, with what it quotes translated
@@ -39,6 +46,9 @@ public:
     [[nodiscard]] std::vector<std::string> problems() const;
 
 private:
+    [[nodiscard]] std::string filled(std::string_view key, std::vector<std::string> const& values) const;
+    [[nodiscard]] std::string filledCounted(std::string_view key, std::int64_t count,
+                                            std::vector<std::string> const& values) const;
     [[nodiscard]] std::optional<std::string> translatedWhole(std::string_view message) const;
 
     std::string bundleName;

@@ -3,6 +3,8 @@
 #include "Applications/Composition/ProgramTexts.h"
 #include "Foundation/Text.h"
 
+#include <cstddef>
+
 namespace Composition {
 
 extern std::string_view const englishTable; // Built in from Resources/en.lproj.
@@ -17,10 +19,9 @@ ProgramTexts& words() {
     return texts;
 }
 
-// The text of `key` with its places filled, in the order in which the values stand here.
 template <typename... Values>
 std::string text(std::string_view key, Values const&... values) {
-    return words().text(key, {std::string(values)...});
+    return words().text(key, values...);
 }
 
 } // namespace
@@ -31,6 +32,12 @@ void useLanguages(std::vector<std::string> const& languages) {
 
 std::string told(std::string_view message) {
     return words().translated(Foundation::Text::sanitizedUTF8(message));
+}
+
+std::string quoted(std::string_view value) {
+    constexpr std::size_t longest = 60;
+    auto const harmless = Foundation::Text::neutralized(Foundation::Text::sanitizedUTF8(value));
+    return text("quoted", Foundation::Text::truncated(harmless, longest));
 }
 
 std::string allDay() {

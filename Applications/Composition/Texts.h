@@ -16,6 +16,9 @@ void useLanguages(std::vector<std::string> const& languages);
 /// language; as it came where it is not known.
 std::string told(std::string_view message);
 
+/// What a person typed or a calendar says, in quotation marks, made harmless and short enough for one line.
+std::string quoted(std::string_view value);
+
 // When something takes place.
 std::string allDay();
 std::string fromTo(std::string_view first, std::string_view last);

@@ -2,7 +2,6 @@
 
 #include "Applications/Composition/ProgramTexts.h"
 #include "Applications/Composition/Texts.h"
-#include "Foundation/Text.h"
 
 namespace Widget {
 
@@ -12,23 +11,17 @@ namespace Texts {
 
 namespace {
 
+using Composition::Texts::quoted;
+
 Composition::ProgramTexts& words() {
     static constexpr char marker = 0;
     static Composition::ProgramTexts texts("Widget_Widget", &marker, englishTable);
     return texts;
 }
 
-// The text of `key` with its places filled, in the order in which the values stand here.
 template <typename... Values>
 std::string text(std::string_view key, Values const&... values) {
-    return words().text(key, {std::string(values)...});
-}
-
-// What a person typed, made harmless and short enough for one line.
-std::string quoted(std::string_view value) {
-    constexpr std::size_t longest = 60;
-    auto const harmless = Foundation::Text::neutralized(Foundation::Text::sanitizedUTF8(value));
-    return text("quoted", Foundation::Text::truncated(harmless, longest));
+    return words().text(key, values...);
 }
 
 } // namespace

@@ -48,9 +48,9 @@ TEST(ProgramTextsTests, withoutABundleItSpeaksEnglish) {
     ProgramTexts texts("No_Such_Bundle", &marker, english);
     for (bool const isTold : {false, true}) {
         if (isTold) texts.useLanguages({"es"});
-        EXPECT_EQ(texts.text("hello", {"Ann"}), "Hello, Ann");
-        EXPECT_EQ(texts.counted("day", 1, {"1", "May"}), "1 day");
-        EXPECT_EQ(texts.counted("day", 2, {"2", "May"}), "2 days of May");
+        EXPECT_EQ(texts.text("hello", "Ann"), "Hello, Ann");
+        EXPECT_EQ(texts.counted("day", 1, "May"), "1 day");
+        EXPECT_EQ(texts.counted("day", 2, "May"), "2 days of May");
         EXPECT_EQ(texts.text("no such key"), "no such key");
     }
 }
