@@ -167,8 +167,23 @@ std::size_t clusterWidth(std::string_view cluster) {
 }
 
 bool isDirectionalControl(UChar32 scalar) {
-    return (scalar >= 0x202A && scalar <= 0x202E) || (scalar >= 0x2066 && scalar <= 0x2069) ||
-           scalar == 0x200E || scalar == 0x200F || scalar == 0x061C;
+    return (scalar >= 0x202A && scalar <= 0x202E) || (scalar >= 0x2066 && scalar <= 0x2069);
+}
+
+// Letters without a shape: each orders what stands beside it as a letter of its direction would, and no more.
+bool isDirectionMark(UChar32 scalar) {
+    return scalar == 0x200E || scalar == 0x200F || scalar == 0x061C;
+}
+
+bool hasRightToLeftLetter(std::string_view text) {
+    auto const length = icuLength(text);
+    for (std::int32_t position = 0; position < length;) {
+        auto const scalar = nextScalar(text, length, position);
+        if (scalar < 0 || isDirectionMark(scalar)) continue;
+        auto const direction = u_charDirection(scalar);
+        if (direction == U_RIGHT_TO_LEFT || direction == U_RIGHT_TO_LEFT_ARABIC) return true;
+    }
+    return false;
 }
 
 } // namespace
@@ -311,9 +326,13 @@ std::size_t terminalWidth(std::string_view text) {
 std::string neutralized(std::string_view text) {
     std::string result;
     result.reserve(text.size());
+    bool const keepsMarks = hasRightToLeftLetter(text);
     auto const length = icuLength(text);
     for (std::int32_t position = 0; position < length;) {
         auto const scalar = nextScalar(text, length, position);
+        // A terminal may draw the soft hyphen as a hyphen in the middle of a word.
+        constexpr UChar32 softHyphen = 0xAD;
+        if (scalar == softHyphen || (isDirectionMark(scalar) && !keepsMarks)) continue;
         if (scalar < 0 || isDirectionalControl(scalar))
             append(result, replacement);
         else if (scalar == '\t' || isNewline(scalar))

@@ -50,9 +50,9 @@ std::string truncated(std::string_view text, std::size_t limit);
 /// Columns that `text` takes in a terminal: 2 for wide and emoji clusters, 0 for combining marks.
 std::size_t terminalWidth(std::string_view text);
 
-/// `text` made safe to show: control characters, noncharacters (such as U+FFFE) and bidirectional overrides,
-/// embeddings and isolates (U+202A–202E, U+2066–2069, U+200E, U+200F, U+061C) become U+FFFD, line breaks and
-/// TAB a blank.
+/// `text` safe to show: controls, noncharacters, bidirectional embeddings, overrides and isolates are U+FFFD,
+/// line breaks and TAB a blank, soft hyphens gone. The marks U+200E, U+200F and U+061C stay in a text with
+/// letters from right to left, whose neighbours they order, and go from any other, where they only deceive.
 std::string neutralized(std::string_view text);
 
 /// Whether the first strong character of `text` runs from right to left (UAX #9, rule P2).

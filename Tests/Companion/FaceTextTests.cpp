@@ -98,6 +98,14 @@ TEST(FaceTextTests, foreignTextsCannotReachTheTerminal) {
     EXPECT_EQ(faceText(layout, plain), "Wednesday 11\n\n▌ 09:00  \uFFFD[31mred  line\uFFFDtext\n");
 }
 
+TEST(FaceTextTests, directionMarksTakeNoColumnsAndSoftHyphensAreGone) {
+    auto const layout = face({card("\u200Fפגישה: C++\u200E", "09:00", "1h"),
+                              card("Be\u00ADspre\u00ADchung\u200F", "10:00", "15m")});
+    EXPECT_EQ(faceText(layout, plain), "Wednesday 11\n\n"
+                                       "▌ 09:00  \u200Fפגישה: C++\u200E    1h\n"
+                                       "▌ 10:00  Besprechung  15m\n");
+}
+
 TEST(FaceTextTests, barsBearTheCalendarsColour) {
     auto const layout = face({BarRow{.identifier = "a", .name = "Fair", .color = red}});
     EXPECT_EQ(faceText(layout, {.showsColors = true, .columns = std::nullopt}),

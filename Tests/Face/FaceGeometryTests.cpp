@@ -314,6 +314,16 @@ TEST(FaceGeometryTests, controlCharactersAreNotDrawn) {
     EXPECT_EQ(card.accessibleName, "a\uFFFDb\uFFFDc d, 09:00 a.m., 1h");
 }
 
+TEST(FaceGeometryTests, directionMarksStayInNamesFromRightToLeft) {
+    auto layout = SampleFaces::blank(WidgetFamily::systemLarge, ColorScheme::light);
+    for (auto const* name : {"\u200Fפגישה: C++\u200E", "Be\u00ADspre\u00ADchung\u200F 4"})
+        layout.rows.emplace_back(SampleFaces::card(layout, name, "09:00 a.m.", "1h", AccentColor{}));
+    auto const placed = place(layout);
+    EXPECT_EQ(text(placed.rows.at(1), PlacedText::Role::name).text, "\u200Fפגישה: C++\u200E");
+    EXPECT_EQ(placed.rows.at(1).accessibleName, "\u200Fפגישה: C++\u200E, 09:00 a.m., 1h");
+    EXPECT_EQ(text(placed.rows.at(2), PlacedText::Role::name).text, "Besprechung 4");
+}
+
 TEST(FaceGeometryTests, layoutWithoutRowsIsAnEmptyFace) {
     auto layout = busyLarge();
     layout.rows.clear();

@@ -177,7 +177,7 @@ TEST(GraphemeTests, terminalColumnsFollowTheClusters) {
 TEST(NeutralizationTests, foreignTextsCannotSteerATerminal) {
     EXPECT_EQ(Text::neutralized("a\x1B[31mb"), "a\uFFFD[31mb");
     EXPECT_EQ(Text::neutralized("a\nb\tc\r\u2028d"), "a b c  d");
-    EXPECT_EQ(Text::neutralized("a\u202Eb\u2066c\u200Fd\u061Ce"), "a\uFFFDb\uFFFDc\uFFFDd\uFFFDe");
+    EXPECT_EQ(Text::neutralized("a\u202Eb\u2066c"), "a\uFFFDb\uFFFDc");
     EXPECT_EQ(Text::neutralized("\x7F\u009B"), "\uFFFD\uFFFD");
     EXPECT_EQ(Text::neutralized("\xFF"), "\uFFFD");
     // Noncharacters are valid UTF-8, yet a PDF's text cannot hold them.
@@ -186,6 +186,26 @@ TEST(NeutralizationTests, foreignTextsCannotSteerATerminal) {
     EXPECT_EQ(Text::neutralized("\uFDD0\uFDEF"), "\uFFFD\uFFFD");
     EXPECT_EQ(Text::neutralized("\uFDCF\uFDF0\uFFFC"), "\uFDCF\uFDF0\uFFFC");
     EXPECT_EQ(Text::neutralized("Reunión 👨‍👩‍👧"), "Reunión 👨‍👩‍👧");
+}
+
+TEST(NeutralizationTests, everyEmbeddingOverrideAndIsolateIsReplaced) {
+    for (auto const* control :
+         {"\u202A", "\u202B", "\u202C", "\u202D", "\u202E", "\u2066", "\u2067", "\u2068", "\u2069"}) {
+        EXPECT_EQ(Text::neutralized(std::string("a") + control + "b"), "a\uFFFDb");
+        EXPECT_EQ(Text::neutralized(std::string("\u200Fא") + control + "b"), "\u200Fא\uFFFDb");
+    }
+}
+
+TEST(NeutralizationTests, directionMarksStayWhereTheyOrderLettersAndGoFromAnyOtherText) {
+    for (std::string const text : {"\u200Fפגישה: C++\u200E", "موعد\u061C 10-12", "Zoom עם אבי\u200E 10:00"})
+        EXPECT_EQ(Text::neutralized(text), text);
+    EXPECT_EQ(Text::neutralized("Pay \u200F100 / 200\u061C!\u200E"), "Pay 100 / 200!");
+    EXPECT_EQ(Text::neutralized("\u200F\u200E\u061C"), "");
+}
+
+TEST(NeutralizationTests, softHyphensAreGone) {
+    EXPECT_EQ(Text::neutralized("Be\u00ADspre\u00ADchung"), "Besprechung");
+    EXPECT_EQ(Text::neutralized("\u00AD"), "");
 }
 
 TEST(DirectionTests, theFirstStrongCharacterDecides) {

@@ -191,6 +191,29 @@ TEST(ForeignTextInJSONJourneys, isWholeWhenItIsRead) {
     EXPECT_THAT(names.front(), HasSubstr("\u202Ee\u2066f\u200Fg\u2028h"));
 }
 
+TEST(ForeignTextFromRightToLeftJourneys, readsAsItWasWritten) {
+    constexpr std::string_view title = "\u200Fפגישה: C++\u200E";
+    PrivateHome const home;
+    home.setUp();
+    home.write(home.calendars() / "home" / "a.ics",
+               calendarFile(event("u1", std::string(title), ":20260311T090000Z", ":20260311T093000Z",
+                                  "LOCATION:Be\u00ADspre\u00ADchung\u200F 4\r\n")));
+    auto const day = std::vector<std::string>{"day", "--at", "2026-03-11T08:00"};
+    EXPECT_THAT(home.outputOf(day), HasSubstr(std::string(title)));
+    EXPECT_EQ(meetNames(home.dayJSON({"--at", "2026-03-11T08:00"})), std::vector{std::string(title)});
+    // What a bar draws is this text once it is read; a person who looks at the document sees every mark.
+    EXPECT_THAT(home.outputOf({"day", "--json", "--at", "2026-03-11T08:00"}),
+                HasSubstr("\\u200fפגישה: C++\\u200e"));
+    auto const shown = home.outputOf({"meet", "show", "--day", "2026-03-11"});
+    EXPECT_THAT(shown, HasSubstr(std::string(title)));
+    EXPECT_THAT(shown, testing::Not(HasSubstr("\uFFFD")));
+    EXPECT_THAT(home.outputOf({"occurrences", "calendars", "--from", "2026-03-11", "--to", "2026-03-12"}),
+                HasSubstr(std::string(title)));
+    auto const html =
+        home.quillora({"html-line"}, ProgramRun::Output::captured, "<p>" + std::string(title) + "&shy;</p>");
+    EXPECT_EQ(html.output, std::string(title) + "\n");
+}
+
 TEST(HarmTests, theTestItselfSeesHarm) {
     EXPECT_EQ(harmIn("Reunión 日本\n"), "");
     for (auto const* text :

@@ -208,6 +208,15 @@ TEST_F(BusNotificationTests, whatACalendarHoldsIsMadeHarmless) {
     EXPECT_EQ(shown.body, "c\uFFFD\n\nd");
 }
 
+TEST_F(BusNotificationTests, directionMarksStayInTextsFromRightToLeft) {
+    auto odd = standUp;
+    odd.title = "\u200Fפגישה: C++\u200E";
+    odd.body = "Be\u00ADspre\u00ADchung\u200F 4";
+    auto const shown = shownBy({"body"}, odd);
+    EXPECT_EQ(shown.title, odd.title);
+    EXPECT_EQ(shown.body, "Besprechung 4");
+}
+
 TEST_F(BusNotificationTests, aPressOnTheNotificationItselfChoosesTheFirstAction) {
     auto const shown = shownBy({"actions"}, standUp);
     std::string told;

@@ -170,6 +170,15 @@ TEST(FaceContentTests, tooltipsMakeForeignTextsHarmless) {
     EXPECT_EQ(content.shown.tooltips.back(), "Pay\uFFFDkcab now\n01:30 p.m.\nRoom\uFFFD[2J\nCall \uFFFDme");
 }
 
+TEST(FaceContentTests, tooltipsKeepTheDirectionMarksOfTextsFromRightToLeft) {
+    auto call = meet("\u200Fפגישה: C++\u200E", "2026-03-11T13:30:00Z", 0);
+    call.metLocation = "Be\u00ADspre\u00ADchung\u200F 4";
+    auto const content =
+        contentOf(viewOf(entryAt("2026-03-11T10:00:00Z", {call}), Platform::WidgetFamily::systemLarge),
+                  EntryKind::loaded);
+    EXPECT_EQ(content.shown.tooltips.back(), "\u200Fפגישה: C++\u200E\n01:30 p.m.\nBesprechung 4");
+}
+
 TEST(FaceContentTests, endlessTitlesAndPlacesAreCut) {
     auto endless = meet(std::string(400'000, 'x').c_str(), "2026-03-11T13:30:00Z", 60);
     endless.metLocation = std::string(400'000, 'y');
