@@ -26,7 +26,7 @@ SecretBytes const theBytes = SecretBytes::filledBy(64, [](auto bytes) { bytes[3]
 SecretServiceKeychain::Patience const shortPatience{.answer = 300ms, .person = 300ms};
 constexpr auto wellBelowAMinute = 20s;
 
-void everythingAnswers(SecretServiceKeychain keychain, KeychainStatus status) {
+void expectEverythingAnswers(SecretServiceKeychain keychain, KeychainStatus status) {
     auto const match = keychain.copyMatching(theKey);
     EXPECT_EQ(match.status, status);
     EXPECT_FALSE(match.data.has_value());
@@ -51,12 +51,12 @@ TEST(SecretServiceKeychainTests, waitsTenSecondsForAnAnswerAndLongerForAPerson) 
 
 TEST(SecretServiceKeychainTests, noBusIsAFailureAndNotAMissingItem) {
     ::setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent/bus", 1);
-    everythingAnswers(SecretServiceKeychain(), KeychainStatus::ioErr);
+    expectEverythingAnswers(SecretServiceKeychain(), KeychainStatus::ioErr);
 }
 
 TEST(SecretServiceKeychainTests, noServiceIsAFailureAndNotAMissingItem) {
     PrivateBus const bus;
-    everythingAnswers(SecretServiceKeychain(), KeychainStatus::ioErr);
+    expectEverythingAnswers(SecretServiceKeychain(), KeychainStatus::ioErr);
 }
 
 TEST(SecretServiceKeychainTests, aKeyOutlivesTheDaemon) {
@@ -79,7 +79,7 @@ TEST(SecretServiceKeychainTests, aDaemonThatStartsLockedDoesNotSayThatTheKeyIsMi
     ASSERT_EQ(keychain.add(theKey, theBytes), KeychainStatus::success);
     keyring.stop();
     keyring.start(PrivateKeyring::Login::locked);
-    everythingAnswers(keychain, KeychainStatus::interactionNotAllowed);
+    expectEverythingAnswers(keychain, KeychainStatus::interactionNotAllowed);
     keyring.stop();
     keyring.start(PrivateKeyring::Login::unlocked);
     EXPECT_EQ(keychain.copyMatching(theKey).data, theBytes);
@@ -122,7 +122,7 @@ TEST(SecretServiceKeychainTests, aFrozenDaemonIsAFailureInGoodTime) {
     ASSERT_EQ(keychain.add(theKey, theBytes), KeychainStatus::success);
     keyring.freeze();
     auto const taken =
-        timeOf([] { everythingAnswers(SecretServiceKeychain(shortPatience), KeychainStatus::ioErr); });
+        timeOf([] { expectEverythingAnswers(SecretServiceKeychain(shortPatience), KeychainStatus::ioErr); });
     EXPECT_LT(taken, wellBelowAMinute);
 }
 
@@ -152,25 +152,25 @@ TEST(SecretServiceKeychainTests, theEndOfTheBusIsAFailureAndEndsNobodyElse) {
 TEST(SecretServiceKeychainTests, aServiceThatRefusesIsToldApart) {
     PrivateBus const bus;
     StubSecretService const service(bus.address(), StubSecretService::Manner::denies);
-    everythingAnswers(SecretServiceKeychain(), KeychainStatus::authFailed);
+    expectEverythingAnswers(SecretServiceKeychain(), KeychainStatus::authFailed);
 }
 
 TEST(SecretServiceKeychainTests, aServiceThatNeverAnswersIsAFailureInGoodTime) {
     PrivateBus const bus;
     StubSecretService const service(bus.address(), StubSecretService::Manner::staysSilent);
     auto const taken =
-        timeOf([] { everythingAnswers(SecretServiceKeychain(shortPatience), KeychainStatus::ioErr); });
+        timeOf([] { expectEverythingAnswers(SecretServiceKeychain(shortPatience), KeychainStatus::ioErr); });
     EXPECT_LT(taken, wellBelowAMinute);
 }
 
 TEST(SecretServiceKeychainTests, aServiceThatDiesOnTheCallIsAFailure) {
     PrivateBus const bus;
     StubSecretService const service(bus.address(), StubSecretService::Manner::diesOnCall);
-    everythingAnswers(SecretServiceKeychain(), KeychainStatus::ioErr);
+    expectEverythingAnswers(SecretServiceKeychain(), KeychainStatus::ioErr);
 }
 
 TEST(SecretServiceKeychainTests, anErrorThatNobodyKnowsIsAFailure) {
     PrivateBus const bus;
     StubSecretService const service(bus.address(), StubSecretService::Manner::failsOddly);
-    everythingAnswers(SecretServiceKeychain(), KeychainStatus::ioErr);
+    expectEverythingAnswers(SecretServiceKeychain(), KeychainStatus::ioErr);
 }

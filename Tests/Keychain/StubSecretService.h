@@ -1,12 +1,9 @@
 #pragma once
 
-#include <gio/gio.h>
+#include "Tests/Platform/ObjectOnBus.h"
 
-#include <condition_variable>
 #include <cstdint>
-#include <mutex>
 #include <string>
-#include <thread>
 
 /// Something on the bus that has the name of a secret service, and bad manners.
 class StubSecretService {
@@ -18,23 +15,12 @@ public:
         failsOddly,  ///< Answers every call with an error of its own.
     };
 
-    StubSecretService(std::string address, Manner manner);
-    ~StubSecretService();
-    StubSecretService(StubSecretService const&) = delete;
-    StubSecretService& operator=(StubSecretService const&) = delete;
+    /// Owns the name of the secret service once constructed.
+    StubSecretService(std::string const& address, Manner manner);
 
 private:
-    void serve(std::string const& address);
-    static void called(GDBusConnection* connection, gchar const* sender, gchar const* path,
-                       gchar const* interface, gchar const* method, GVariant* arguments,
-                       GDBusMethodInvocation* invocation, gpointer self);
+    void answer(GDBusMethodInvocation* invocation) const;
 
     Manner manner;
-    GMainContext* context;
-    GMainLoop* loop;
-    GDBusConnection* connection = nullptr;
-    std::mutex mutex;
-    std::condition_variable ready;
-    bool isReady = false;
-    std::thread server; // Last: it uses everything above.
+    ObjectOnBus object;
 };

@@ -1,14 +1,13 @@
 #pragma once
 
-#include <gio/gio.h>
+#include "Tests/Platform/ObjectOnBus.h"
 
 #include <condition_variable>
+#include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <map>
 #include <mutex>
 #include <string>
-#include <thread>
 #include <vector>
 
 /// A desktop's notification server (Desktop Notifications 1.2) on a bus of the test's own, and the person in
@@ -28,11 +27,8 @@ public:
         double shownAt; ///< By the system's clock: seconds since 1970.
     };
 
-    /// `capabilities` as the standard names them.
-    StubNotificationServer(std::string address, std::vector<std::string> capabilities);
-    ~StubNotificationServer();
-    StubNotificationServer(StubNotificationServer const&) = delete;
-    StubNotificationServer& operator=(StubNotificationServer const&) = delete;
+    /// Owns the server's name once constructed. `capabilities` as the standard names them.
+    StubNotificationServer(std::string const& address, std::vector<std::string> capabilities);
 
     /// Everything that was ever shown, in order.
     [[nodiscard]] std::vector<Notification> shown();
@@ -49,21 +45,13 @@ public:
     void refuse();
 
 private:
-    void serve(std::string const& address);
-    void emit(char const* signal, GVariant* arguments);
+    void answer(std::string_view method, GVariant* arguments, GDBusMethodInvocation* invocation);
     void show(GVariant* arguments, GDBusMethodInvocation* invocation);
-    static void called(GDBusConnection* connection, gchar const* sender, gchar const* path,
-                       gchar const* interface, gchar const* method, GVariant* arguments,
-                       GDBusMethodInvocation* invocation, gpointer self);
 
     std::vector<std::string> capabilities;
-    GMainContext* context;
-    GMainLoop* loop;
-    GDBusConnection* connection = nullptr;
     std::mutex mutex;
     std::condition_variable changed;
-    bool isReady = false;
     bool isRefusing = false;
     std::vector<Notification> notifications;
-    std::thread server; // Last: it uses everything above.
+    ObjectOnBus object;
 };
