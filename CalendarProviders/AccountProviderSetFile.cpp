@@ -9,7 +9,7 @@ namespace JSON = Foundation::JSON;
 namespace CalendarProviders::AccountProviderSetFile {
 
 std::set<AccountProviderEnum> load(Platform::FileManager const& files, std::filesystem::path const& path) {
-    auto const content = files.contents(path);
+    auto const content = files.contents(path, Platform::largestPreferenceFile);
     if (!content) return {};
     auto const document = JSON::parse(*content);
     if (!document) return {};

@@ -21,7 +21,7 @@ std::filesystem::path fileURL(Platform::FileManager const& files) {
 } // namespace
 
 std::set<std::string> load(Platform::FileManager const& files) {
-    auto const content = files.contents(fileURL(files));
+    auto const content = files.contents(fileURL(files), Platform::largestPreferenceFile);
     if (!content) return {};
     auto const document = JSON::parse(*content);
     if (!document) return {};

@@ -22,7 +22,7 @@ std::filesystem::path fileURL(Platform::FileManager const& files) {
 } // namespace
 
 std::int64_t load(Platform::FileManager const& files) {
-    auto const content = files.contents(fileURL(files));
+    auto const content = files.contents(fileURL(files), Platform::largestPreferenceFile);
     if (!content) return 0;
     auto const document = JSON::parse(*content);
     if (!document) return 0;

@@ -6,11 +6,13 @@
 #include "Applications/Companion/Texts.h"
 #include "Foundation/Calendar.h"
 #include "Platform/EventStore/Folder/CalendarRootReader.h"
+#include "Platform/EventStore/Folder/RegularFile.h"
 #include "Platform/EventStore/ICalendar/CalendarFile.h"
 #include "Platform/EventStore/ICalendar/SeriesSet.h"
 #include "Platform/EventStore/ICalendar/ZoneCatalog.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <tuple>
 #include <utility>
 
@@ -71,7 +73,7 @@ ListedOccurrence listed(ICalendar::Occurrence const& occurrence, Foundation::Cal
 
 OccurrenceListing listFile(Platform::FileManager const& files, std::filesystem::path const& path,
                            Interval interval, Foundation::TimeZone const& viewer) {
-    auto bytes = files.contents(path);
+    auto bytes = files.contents(path, std::size_t{Platform::largestCalendarFile});
     if (!bytes) throw CommandError::failed(Texts::unreadableFile(shownPath(path), bytes.error().message()));
     auto const file = ICalendar::read(*std::move(bytes), path.string());
     ICalendar::SeriesSet const series({file}, std::make_shared<ICalendar::ZoneCatalog>());

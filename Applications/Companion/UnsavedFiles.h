@@ -26,10 +26,13 @@ public:
     }
     std::error_code createDirectory(std::filesystem::path const&) const override { return {}; }
 
-    [[nodiscard]] std::expected<std::string, std::error_code>
-    contents(std::filesystem::path const& path) const override {
+    [[nodiscard]] std::expected<std::string, std::error_code> contents(std::filesystem::path const& path,
+                                                                       std::size_t mostBytes) const override {
         auto const found = unsaved.find(path);
-        return found == unsaved.end() ? saved->contents(path) : found->second;
+        if (found == unsaved.end()) return saved->contents(path, mostBytes);
+        if (found->second && found->second->size() > mostBytes)
+            return std::unexpected(std::make_error_code(std::errc::file_too_large));
+        return found->second;
     }
 
     std::error_code writeAtomically(std::filesystem::path const& path,
@@ -39,7 +42,8 @@ public:
     }
 
     std::error_code appendToItem(std::filesystem::path const& path, std::string_view content) const override {
-        auto const before = contents(path);
+        auto const before = contents(path, Platform::largestPreferenceFile);
+        if (!before && before.error() != std::errc::no_such_file_or_directory) return before.error();
         return writeAtomically(path, before.value_or("") + std::string(content));
     }
 

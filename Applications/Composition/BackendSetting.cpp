@@ -22,7 +22,7 @@ std::filesystem::path BackendSetting::logFile() const {
 }
 
 std::expected<std::optional<Foundation::URL>, std::string> BackendSetting::baseURL() const {
-    auto const content = files->contents(file());
+    auto const content = files->contents(file(), Platform::largestPreferenceFile);
     if (!content && content.error() == std::errc::no_such_file_or_directory)
         return std::optional<Foundation::URL>();
     auto const path = Foundation::Text::sanitizedUTF8(file().string());
@@ -45,7 +45,7 @@ std::error_code BackendSetting::forgetBaseURL() const {
 }
 
 bool BackendSetting::isLogEnabled() const {
-    auto const content = files->contents(logFile());
+    auto const content = files->contents(logFile(), Platform::largestPreferenceFile);
     auto const document = content ? JSON::parse(*content) : std::unexpected(JSON::DecodeFailure::keyMissing);
     return document && JSON::boolean(*document).value_or(false);
 }

@@ -31,7 +31,7 @@ std::filesystem::path KeychainSetting::file() const {
 }
 
 std::expected<KeychainKind, std::string> KeychainSetting::load() const {
-    auto const content = files->contents(file());
+    auto const content = files->contents(file(), Platform::largestPreferenceFile);
     if (!content && content.error() == std::errc::no_such_file_or_directory)
         return KeychainKind::secretService;
     auto const path = Foundation::Text::sanitizedUTF8(file().string());
@@ -46,7 +46,7 @@ std::expected<KeychainKind, std::string> KeychainSetting::load() const {
 }
 
 bool KeychainSetting::isRecorded() const {
-    auto const content = files->contents(file());
+    auto const content = files->contents(file(), Platform::largestPreferenceFile);
     return content || content.error() != std::errc::no_such_file_or_directory;
 }
 

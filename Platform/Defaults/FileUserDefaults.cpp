@@ -116,7 +116,7 @@ std::error_code FileUserDefaults::removeObject(std::string_view key) {
 }
 
 std::optional<JSON::Value> FileUserDefaults::value(std::string_view key) const {
-    auto const content = files->contents(file());
+    auto const content = files->contents(file(), largestPreferenceFile);
     if (!content) return std::nullopt;
     auto const values = parsedDocument(*content);
     if (!values) return std::nullopt;
@@ -134,7 +134,7 @@ std::error_code FileUserDefaults::change(std::function<void(JSON::Object&)> cons
     auto const held = locks->take(directory / ("." + std::string(fileName) + ".lock"), lockPatience);
     if (!held) return held.error();
 
-    auto const present = files->contents(file());
+    auto const present = files->contents(file(), largestPreferenceFile);
     if (!present && present.error() != std::errc::no_such_file_or_directory) return present.error();
     auto const former = present ? parsedDocument(*present) : JSON::Object();
     auto values = former.value_or(JSON::Object());
@@ -147,6 +147,8 @@ std::error_code FileUserDefaults::write(JSON::Object values,
                                         std::optional<std::string> const& damaged) const {
     auto const document = JSON::serialize(std::move(values));
     if (!document) return std::make_error_code(std::errc::illegal_byte_sequence);
+    // Nobody could read it again.
+    if (document->size() > largestPreferenceFile) return std::make_error_code(std::errc::file_too_large);
     if (damaged) {
         // What cannot be read may still be mended by hand: it is kept beside the new settings.
         auto const copy = freeName(*files, file().string() + ".damaged");

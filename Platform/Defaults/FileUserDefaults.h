@@ -16,8 +16,8 @@ namespace Platform {
 ///
 /// The file is read anew at each call. A change is made under a lock and written atomically, readable by its
 /// owner alone; one that changes nothing writes nothing. A damaged file reads as an empty one; the first
-/// change sets a copy of it aside as defaults.json.damaged and starts anew. A file that cannot be opened is
-/// never replaced.
+/// change sets a copy of it aside as defaults.json.damaged and starts anew. A file that cannot be opened, or
+/// is larger than `largestPreferenceFile`, is never replaced; a change that would make it larger is refused.
 class FileUserDefaults final : public UserDefaults {
 public:
     FileUserDefaults(std::filesystem::path directory, std::shared_ptr<FileManager const> files,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <expected>
 #include <filesystem>
@@ -9,6 +10,10 @@
 #include <system_error>
 
 namespace Platform {
+
+/// Bytes of the largest preference file that is read: far above what any of them holds, and little enough to
+/// be read whatever wrote it.
+inline constexpr std::size_t largestPreferenceFile = std::size_t{1} << 20;
 
 /// The user's files, as the preference stores need them. No operation throws.
 class FileManager {
@@ -29,9 +34,10 @@ public:
     /// Makes the folder and those above it, each with mode 0700. A folder that exists is no error.
     virtual std::error_code createDirectory(std::filesystem::path const& path) const = 0;
 
-    /// The whole content of a regular file.
+    /// The whole content of a regular file of at most so many bytes; of a larger one nothing is kept, and the
+    /// error is `std::errc::file_too_large`.
     [[nodiscard]] virtual std::expected<std::string, std::error_code>
-    contents(std::filesystem::path const& path) const = 0;
+    contents(std::filesystem::path const& path, std::size_t mostBytes) const = 0;
 
     /// Writes aside in the same folder, then renames: a reader sees the old content or the new one, never a
     /// part. A new file has mode 0600, an existing one keeps its mode. On failure the old file stays.

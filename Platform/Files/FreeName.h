@@ -13,7 +13,7 @@ namespace Platform {
 inline std::filesystem::path freeName(FileManager const& files, std::filesystem::path const& wanted) {
     constexpr int mostTries = 1000;
     auto const isFree = [&](std::filesystem::path const& path) {
-        auto const content = files.contents(path);
+        auto const content = files.contents(path, 0); // Nothing of it is wanted.
         return !content && content.error() == std::errc::no_such_file_or_directory;
     };
     auto path = wanted;

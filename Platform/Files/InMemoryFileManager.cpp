@@ -94,7 +94,8 @@ std::error_code InMemoryFileManager::createDirectory(path const& folder) const {
     return recording(Kind::createDirectory, folder, makeFolders(folder));
 }
 
-std::expected<std::string, std::error_code> InMemoryFileManager::contents(path const& file) const {
+std::expected<std::string, std::error_code> InMemoryFileManager::contents(path const& file,
+                                                                          std::size_t mostBytes) const {
     std::lock_guard const lock(mutex);
     auto const entry = entries.find(file);
     std::error_code failure;
@@ -104,6 +105,8 @@ std::expected<std::string, std::error_code> InMemoryFileManager::contents(path c
         failure = std::make_error_code(std::errc::is_a_directory);
     else if (entry == entries.end())
         failure = std::make_error_code(std::errc::no_such_file_or_directory);
+    else if (entry->second.content.size() > mostBytes)
+        failure = std::make_error_code(std::errc::file_too_large);
     if (recording(Kind::read, file, failure)) return std::unexpected(failure);
     return entry->second.content;
 }

@@ -54,8 +54,8 @@ public:
     [[nodiscard]] std::filesystem::path temporaryDirectory() const override;
     [[nodiscard]] std::optional<std::filesystem::path> applicationSupportDirectory() const override;
     std::error_code createDirectory(std::filesystem::path const& path) const override;
-    [[nodiscard]] std::expected<std::string, std::error_code>
-    contents(std::filesystem::path const& path) const override;
+    [[nodiscard]] std::expected<std::string, std::error_code> contents(std::filesystem::path const& path,
+                                                                       std::size_t mostBytes) const override;
     std::error_code writeAtomically(std::filesystem::path const& path,
                                     std::string_view content) const override;
     std::error_code appendToItem(std::filesystem::path const& path, std::string_view content) const override;

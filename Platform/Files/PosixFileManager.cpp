@@ -153,7 +153,8 @@ std::error_code PosixFileManager::createDirectory(path const& folder) const {
     return failed;
 }
 
-std::expected<std::string, std::error_code> PosixFileManager::contents(path const& file) const {
+std::expected<std::string, std::error_code> PosixFileManager::contents(path const& file,
+                                                                       std::size_t mostBytes) const {
     // Without O_NONBLOCK the opening of a FIFO would wait for a writer.
     FileDescriptor const descriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
     if (!descriptor.isOpen()) return std::unexpected(lastError());
@@ -162,8 +163,10 @@ std::expected<std::string, std::error_code> PosixFileManager::contents(path cons
     if (S_ISDIR(status.st_mode)) return std::unexpected(failure(std::errc::is_a_directory));
     if (!S_ISREG(status.st_mode)) return std::unexpected(notARegularFile());
 
+    auto const size = static_cast<std::size_t>(status.st_size);
+    if (size > mostBytes) return std::unexpected(failure(std::errc::file_too_large));
     std::string content;
-    content.reserve(static_cast<std::size_t>(status.st_size));
+    content.reserve(size);
     std::array<char, 65536> buffer;
     while (true) {
         auto const count = ::read(descriptor.get(), buffer.data(), buffer.size());
@@ -171,6 +174,8 @@ std::expected<std::string, std::error_code> PosixFileManager::contents(path cons
         if (count < 0) return std::unexpected(lastError());
         if (count == 0) return content;
         content.append(buffer.data(), static_cast<std::size_t>(count));
+        // It may have grown since, and some file systems do not tell a size.
+        if (content.size() > mostBytes) return std::unexpected(failure(std::errc::file_too_large));
     }
 }
 

@@ -26,8 +26,8 @@ public:
     [[nodiscard]] std::filesystem::path temporaryDirectory() const override;
     [[nodiscard]] std::optional<std::filesystem::path> applicationSupportDirectory() const override;
     std::error_code createDirectory(std::filesystem::path const& path) const override;
-    [[nodiscard]] std::expected<std::string, std::error_code>
-    contents(std::filesystem::path const& path) const override;
+    [[nodiscard]] std::expected<std::string, std::error_code> contents(std::filesystem::path const& path,
+                                                                       std::size_t mostBytes) const override;
 
     /// A link at `path` is replaced, never followed. When only the syncing of the folder fails, the new
     /// content stands and the failure is told.

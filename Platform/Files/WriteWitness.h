@@ -35,9 +35,9 @@ public:
     std::error_code createDirectory(std::filesystem::path const& path) const override {
         return witnessed(path, files->createDirectory(path));
     }
-    [[nodiscard]] std::expected<std::string, std::error_code>
-    contents(std::filesystem::path const& path) const override {
-        return files->contents(path);
+    [[nodiscard]] std::expected<std::string, std::error_code> contents(std::filesystem::path const& path,
+                                                                       std::size_t mostBytes) const override {
+        return files->contents(path, mostBytes);
     }
     std::error_code writeAtomically(std::filesystem::path const& path,
                                     std::string_view content) const override {

@@ -1,13 +1,17 @@
 #include "Applications/Companion/OccurrenceListing.h"
 
+#include "Applications/Companion/CommandError.h"
 #include "Foundation/Calendar.h"
 #include "Foundation/Environment.h"
 #include "Foundation/TimeZone.h"
+#include "Platform/EventStore/Folder/RegularFile.h"
 #include "Platform/Files/PosixFileManager.h"
 #include "Tests/EventStore/TemporaryFolder.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 
 namespace {
@@ -46,6 +50,20 @@ TEST(OccurrenceListingTests, whatReachesPastTheEndsOfTimeHasADayAndATime) {
             }
             EXPECT_EQ(listing.occurrences.size() + listing.problems.size(), 1U);
         }
+    }
+}
+
+TEST(OccurrenceListingTests, aFileThatIsLargerThanAnyCalendarIsRefused) {
+    TemporaryFolder const folder;
+    auto const file = folder.write("Home/a.ics", "BEGIN:VCALENDAR\r\n");
+    std::filesystem::resize_file(file, Platform::largestCalendarFile + 1);
+    Platform::PosixFileManager const files{Foundation::Environment()};
+    Companion::Interval const ever{.from = Date{.secondsSince1970 = 0}, .to = Date{.secondsSince1970 = 1}};
+    try {
+        (void)Companion::listOccurrences(files, file, ever, Foundation::TimeZone::utc());
+        FAIL() << "it was read";
+    } catch (Companion::CommandError const& error) {
+        EXPECT_THAT(error.what(), testing::HasSubstr("File too large"));
     }
 }
 

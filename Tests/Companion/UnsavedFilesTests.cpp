@@ -24,8 +24,28 @@ TEST(UnsavedFilesTests, aRemovedFileIsGoneHereAlone) {
     saved->place("/data/a", "1");
     UnsavedFiles const unsaved(saved);
     EXPECT_FALSE(unsaved.removeItem("/data/a"));
-    EXPECT_EQ(unsaved.contents("/data/a").error(), std::errc::no_such_file_or_directory);
+    EXPECT_EQ(unsaved.contents("/data/a", Platform::largestPreferenceFile).error(),
+              std::errc::no_such_file_or_directory);
     EXPECT_EQ(saved->content("/data/a"), "1");
+}
+
+TEST(UnsavedFilesTests, theBoundOfAReadHoldsForWhatIsUnsavedToo) {
+    auto const saved = std::make_shared<Platform::InMemoryFileManager>();
+    saved->place("/data/a", "12345");
+    UnsavedFiles const unsaved(saved);
+    EXPECT_EQ(unsaved.contents("/data/a", 4).error(), std::errc::file_too_large);
+    EXPECT_FALSE(unsaved.appendToItem("/data/a", "67"));
+    EXPECT_EQ(unsaved.contents("/data/a", 7), "1234567");
+    EXPECT_EQ(unsaved.contents("/data/a", 6).error(), std::errc::file_too_large);
+}
+
+TEST(UnsavedFilesTests, nothingIsAddedToAFileThatCannotBeRead) {
+    auto const saved = std::make_shared<Platform::InMemoryFileManager>();
+    saved->place("/data/a", std::string(Platform::largestPreferenceFile + 1, 'x'));
+    UnsavedFiles const unsaved(saved);
+    EXPECT_EQ(unsaved.appendToItem("/data/a", "y"), std::errc::file_too_large);
+    EXPECT_FALSE(unsaved.appendToItem("/data/new", "y"));
+    EXPECT_EQ(unsaved.contents("/data/new", 1), "y");
 }
 
 } // namespace

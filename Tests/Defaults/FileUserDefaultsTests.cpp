@@ -52,6 +52,21 @@ TEST_F(FileUserDefaultsTests, theFileIsOneObjectInTheOrderOfTheFirstChanges) {
         R"({"meetAlarmMode":"hero","alarmEnabledCalendarIdentifiers":["k3fa\/work"],"key":{"data":"AAEC"}})");
 }
 
+TEST_F(FileUserDefaultsTests, aFileThatIsTooLargeReadsAsAnEmptyOneAndIsNeverReplaced) {
+    EXPECT_EQ(defaults.setString("meetAlarmMode", "hero"), std::error_code());
+    std::filesystem::resize_file(file, largestPreferenceFile + 1);
+    EXPECT_EQ(defaults.string("meetAlarmMode"), std::nullopt);
+    EXPECT_EQ(defaults.setString("meetAlarmMode", "funk"), std::errc::file_too_large);
+    EXPECT_EQ(std::filesystem::file_size(file), largestPreferenceFile + 1);
+}
+
+TEST_F(FileUserDefaultsTests, whatCouldNotBeReadAgainIsNotWritten) {
+    EXPECT_EQ(defaults.setString("meetAlarmMode", "hero"), std::error_code());
+    auto const before = content(file);
+    EXPECT_EQ(defaults.setString("long", std::string(largestPreferenceFile, 'x')), std::errc::file_too_large);
+    EXPECT_EQ(content(file), before);
+}
+
 TEST_F(FileUserDefaultsTests, folderAndFileAreTheOwnersAlone) {
     EXPECT_EQ(defaults.setString("meetAlarmMode", "hero"), std::error_code());
     EXPECT_EQ(std::filesystem::status(folder).permissions(), std::filesystem::perms::owner_all);

@@ -116,26 +116,38 @@ INSTANTIATE_TEST_SUITE_P(, FileManagerContractTests,
 TEST_P(FileManagerContractTests, whatWasWrittenIsReadBackByteForByte) {
     std::string const content("a\0\xFF\r\n", 5);
     EXPECT_EQ(files.writeAtomically(root / "f", content), std::error_code());
-    EXPECT_EQ(files.contents(root / "f"), content);
+    EXPECT_EQ(files.contents(root / "f", largestPreferenceFile), content);
     EXPECT_EQ(files.writeAtomically(root / "f", ""), std::error_code());
-    EXPECT_EQ(files.contents(root / "f"), "");
+    EXPECT_EQ(files.contents(root / "f", largestPreferenceFile), "");
     EXPECT_EQ(world->fileCount(), 1U);
 }
 
 TEST_P(FileManagerContractTests, aLargeFileIsReadWhole) {
     std::string const content(1'000'003, 'x');
     EXPECT_EQ(files.writeAtomically(root / "f", content), std::error_code());
-    EXPECT_EQ(files.contents(root / "f"), content);
+    EXPECT_EQ(files.contents(root / "f", largestPreferenceFile), content);
+}
+
+TEST_P(FileManagerContractTests, aFileOfMoreThanTheBytesAskedForIsNotRead) {
+    world->place(root / "f", "12345", 0600);
+    EXPECT_EQ(files.contents(root / "f", 5), "12345");
+    EXPECT_EQ(files.contents(root / "f", 4).error(), std::errc::file_too_large);
+    EXPECT_EQ(files.contents(root / "f", 4).error().message(), "File too large");
+    EXPECT_EQ(files.contents(root / "f", 0).error(), std::errc::file_too_large);
+    world->place(root / "empty", "", 0600);
+    EXPECT_EQ(files.contents(root / "empty", 0), "");
+    EXPECT_EQ(files.contents(root / "missing", 0).error(), std::errc::no_such_file_or_directory);
 }
 
 TEST_P(FileManagerContractTests, aMissingFileIsReportedAsSuch) {
-    EXPECT_EQ(files.contents(root / "missing").error(), std::errc::no_such_file_or_directory);
+    EXPECT_EQ(files.contents(root / "missing", largestPreferenceFile).error(),
+              std::errc::no_such_file_or_directory);
     EXPECT_EQ(files.removeItem(root / "missing"), std::errc::no_such_file_or_directory);
 }
 
 TEST_P(FileManagerContractTests, aFolderIsNoFile) {
     ASSERT_EQ(files.createDirectory(root / "folder"), std::error_code());
-    EXPECT_EQ(files.contents(root / "folder").error(), std::errc::is_a_directory);
+    EXPECT_EQ(files.contents(root / "folder", largestPreferenceFile).error(), std::errc::is_a_directory);
     EXPECT_EQ(files.removeItem(root / "folder"), std::errc::is_a_directory);
     EXPECT_EQ(files.writeAtomically(root / "folder", "x"), std::errc::is_a_directory);
     EXPECT_EQ(files.writeAtomically(root / "folder" / "f", "x"), std::error_code());
@@ -164,13 +176,13 @@ TEST_P(FileManagerContractTests, aFileInTheWayOfAFolderStays) {
     world->place(root / "f", "content", 0600);
     EXPECT_NE(files.createDirectory(root / "f"), std::error_code());
     EXPECT_NE(files.createDirectory(root / "f" / "below"), std::error_code());
-    EXPECT_EQ(files.contents(root / "f"), "content");
+    EXPECT_EQ(files.contents(root / "f", largestPreferenceFile), "content");
 }
 
 TEST_P(FileManagerContractTests, aRemovedFileIsGone) {
     world->place(root / "f", "x", 0600);
     EXPECT_EQ(files.removeItem(root / "f"), std::error_code());
-    EXPECT_FALSE(files.contents(root / "f").has_value());
+    EXPECT_FALSE(files.contents(root / "f", largestPreferenceFile).has_value());
 }
 
 TEST_P(FileManagerContractTests, aFailedWriteLeavesTheOldFileAndNothingElse) {
@@ -178,7 +190,7 @@ TEST_P(FileManagerContractTests, aFailedWriteLeavesTheOldFileAndNothingElse) {
     std::error_code failure;
     world->onFullDisk([&] { failure = files.writeAtomically(root / "f", "a text longer than the limit"); });
     EXPECT_NE(failure, std::error_code());
-    EXPECT_EQ(files.contents(root / "f"), "old");
+    EXPECT_EQ(files.contents(root / "f", largestPreferenceFile), "old");
     EXPECT_EQ(world->fileCount(), 1U);
 }
 

@@ -20,7 +20,7 @@ TEST(InMemoryFileManagerTests, writesFailAfterSoManyAndOldContentStays) {
 TEST(InMemoryFileManagerTests, theHistoryTellsWhatWasAskedAndHowItEnded) {
     InMemoryFileManager files;
     files.place("/container/f", "x");
-    EXPECT_TRUE(files.contents("/container/f").has_value());
+    EXPECT_TRUE(files.contents("/container/f", largestPreferenceFile).has_value());
     EXPECT_NE(files.removeItem("/container/g"), std::error_code());
     EXPECT_EQ(files.history(), (std::vector<InMemoryFileManager::Operation>{
                                    {.kind = Kind::read, .path = "/container/f", .succeeded = true},
@@ -43,7 +43,7 @@ TEST(InMemoryFileManagerTests, readsMayBeRefused) {
     InMemoryFileManager files;
     files.place("/data/f", "x");
     files.refusesReads();
-    EXPECT_EQ(files.contents("/data/f").error(), std::errc::permission_denied);
+    EXPECT_EQ(files.contents("/data/f", largestPreferenceFile).error(), std::errc::permission_denied);
 }
 
 } // namespace

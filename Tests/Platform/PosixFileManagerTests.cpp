@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <map>
 #include <string>
 
@@ -99,7 +100,7 @@ TEST(PosixFileManagerTests, aLinkIsReplacedAndItsTargetStays) {
     std::filesystem::create_symlink(target, link);
 
     EXPECT_EQ(PosixFileManager(Environment()).writeAtomically(link, "x"), std::error_code());
-    EXPECT_EQ(PosixFileManager(Environment()).contents(target), "precious");
+    EXPECT_EQ(PosixFileManager(Environment()).contents(target, largestPreferenceFile), "precious");
     EXPECT_FALSE(std::filesystem::is_symlink(link));
     EXPECT_EQ(mode(link), perms::owner_read | perms::owner_write);
 }
@@ -110,7 +111,8 @@ TEST(PosixFileManagerTests, aRewrittenFileIsAnotherFileUnderTheSameName) {
     std::filesystem::create_hard_link(file, folder.path() / "reader");
 
     EXPECT_EQ(PosixFileManager(Environment()).writeAtomically(file, "new"), std::error_code());
-    EXPECT_EQ(PosixFileManager(Environment()).contents(folder.path() / "reader"), "old");
+    EXPECT_EQ(PosixFileManager(Environment()).contents(folder.path() / "reader", largestPreferenceFile),
+              "old");
     EXPECT_EQ(folder.names(), (std::set<std::string>{"f", "reader"}));
 }
 
@@ -118,9 +120,28 @@ TEST(PosixFileManagerTests, aPipeIsRefusedWithoutWaitingForItsWriter) {
     TemporaryFolder const folder;
     auto const pipe = folder.path() / "pipe";
     ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
-    EXPECT_EQ(PosixFileManager(Environment()).contents(pipe).error(), std::errc::invalid_argument);
-    EXPECT_EQ(PosixFileManager(Environment()).contents("/dev/zero").error(), std::errc::invalid_argument);
-    EXPECT_EQ(PosixFileManager(Environment()).contents(pipe).error().message(), "Not a regular file");
+    EXPECT_EQ(PosixFileManager(Environment()).contents(pipe, largestPreferenceFile).error(),
+              std::errc::invalid_argument);
+    EXPECT_EQ(PosixFileManager(Environment()).contents("/dev/zero", largestPreferenceFile).error(),
+              std::errc::invalid_argument);
+    EXPECT_EQ(PosixFileManager(Environment()).contents(pipe, largestPreferenceFile).error().message(),
+              "Not a regular file");
+}
+
+TEST(PosixFileManagerTests, aFileOfGigabytesIsRefusedUnread) {
+    TemporaryFolder const folder;
+    auto const file = folder.place("huge", "");
+    constexpr std::uintmax_t sixtyFourGigabytes = std::uintmax_t{64} << 30; // A hole: it takes no room.
+    std::filesystem::resize_file(file, sixtyFourGigabytes);
+    EXPECT_EQ(PosixFileManager(Environment()).contents(file, largestPreferenceFile).error(),
+              std::errc::file_too_large);
+}
+
+TEST(PosixFileManagerTests, aFileThatDoesNotTellItsSizeIsReadNoFurtherThanAllowed) {
+    ASSERT_EQ(std::filesystem::file_size("/proc/self/status"), 0U);
+    PosixFileManager const files{Environment()};
+    EXPECT_EQ(files.contents("/proc/self/status", 10).error(), std::errc::file_too_large);
+    EXPECT_TRUE(files.contents("/proc/self/status", largestPreferenceFile)->starts_with("Name:"));
 }
 
 TEST(PosixFileManagerTests, aNameOfTheGreatestLengthCanBeWritten) {
@@ -136,7 +157,7 @@ TEST(PosixFileManagerTests, aDurableWriteSyncsTheFolderToo) {
     TemporaryFolder const folder;
     PosixFileManager const files(Environment(), PosixFileManager::Durability::fileAndFolder);
     EXPECT_EQ(files.writeAtomically(folder.path() / "key", "x"), std::error_code());
-    EXPECT_EQ(files.contents(folder.path() / "key"), "x");
+    EXPECT_EQ(files.contents(folder.path() / "key", largestPreferenceFile), "x");
     EXPECT_EQ(folder.names(), (std::set<std::string>{"key"}));
 }
 

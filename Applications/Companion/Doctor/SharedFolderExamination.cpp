@@ -53,7 +53,7 @@ void examineFolder(Composition::LiveServices& services, Findings& findings) {
 void examineOffset(Composition::LiveServices& services, Findings& findings) {
     auto const& files = *services.files();
     auto const file = Platform::appGroupFile(files, group, "scheduleWidgetDayOffset.json");
-    auto const content = files.contents(file);
+    auto const content = files.contents(file, Platform::largestPreferenceFile);
     if (!content && content.error() != std::errc::no_such_file_or_directory) {
         findings.broken("offset", Texts::offsetCannotBeRead(shownPath(file), content.error().message()),
                         Texts::moveAwayCommand(shellWord(file.string())));

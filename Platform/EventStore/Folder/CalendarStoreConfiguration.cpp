@@ -127,7 +127,7 @@ std::filesystem::path CalendarStoreConfiguration::file() const {
 }
 
 CalendarStoreConfiguration::Content CalendarStoreConfiguration::load() const {
-    auto const text = files->contents(file());
+    auto const text = files->contents(file(), largestPreferenceFile);
     if (!text) {
         if (text.error() == std::errc::no_such_file_or_directory) return {};
         return {.roots = {},
@@ -267,9 +267,12 @@ std::optional<std::string> CalendarStoreConfiguration::write(std::vector<Calenda
     auto const document = JSON::serialize(documentOf(roots));
     if (!document)
         return fmt::format("A source's text is not valid UTF-8; {} is unchanged.", file().string());
+    // Nobody could read it again.
+    if (document->size() > largestPreferenceFile)
+        return refuse(file(), std::make_error_code(std::errc::file_too_large));
     if (auto const failure = files->createDirectory(directory)) return refuse(directory, failure);
 
-    auto const present = files->contents(file());
+    auto const present = files->contents(file(), largestPreferenceFile);
     if (!present && present.error() != std::errc::no_such_file_or_directory)
         return refuse(file(), present.error());
     auto const former = present ? parsedDocument(*present) : std::nullopt;

@@ -16,7 +16,7 @@ std::filesystem::path ConsentRecord::file() const {
 }
 
 EKAuthorizationStatus ConsentRecord::status() const {
-    auto const document = files->contents(file());
+    auto const document = files->contents(file(), largestPreferenceFile);
     if (!document) return EKAuthorizationStatus::notDetermined;
     auto const value = Foundation::JSON::parse(*document);
     if (!value) return EKAuthorizationStatus::notDetermined;

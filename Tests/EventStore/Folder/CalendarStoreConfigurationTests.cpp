@@ -267,6 +267,23 @@ TEST_F(CalendarStoreConfigurationTests, aFileThatMayNotBeReadIsNeverReplaced) {
     EXPECT_EQ(files->content(file), "kept");
 }
 
+TEST_F(CalendarStoreConfigurationTests, aFileThatIsTooLargeIsNeverReplaced) {
+    std::string const large(largestPreferenceFile + 1, ' ');
+    files->place(file, large);
+    EXPECT_EQ(configuration.load().problem,
+              "the list of calendar folders could not be read (File too large), so none of them is shown");
+    EXPECT_FALSE(configuration.add(root / "Home", std::nullopt).has_value());
+    EXPECT_EQ(files->content(file), large);
+}
+
+TEST_F(CalendarStoreConfigurationTests, whatCouldNotBeReadAgainIsNotWritten) {
+    std::string const title(largestPreferenceFile, 'x');
+    auto const added = configuration.add(root / "Home", title);
+    ASSERT_FALSE(added.has_value());
+    EXPECT_TRUE(added.error().contains("(File too large)"));
+    EXPECT_EQ(files->content(file), std::nullopt);
+}
+
 TEST_F(CalendarStoreConfigurationTests, aFailedWriteIsToldAndLeavesTheListAsItWas) {
     files->failsAfter(0);
     auto const added = configuration.add(root / "Home", std::nullopt);

@@ -175,7 +175,7 @@ TEST_F(FolderEventStoreTests, aMovedRootKeepsItsIdentifiers) {
     auto const before = store().calendarsForEntityType(EKEntityType::event);
     std::filesystem::rename(home / "One", home / "Elsewhere");
     auto const file = home / "config/calendar-store.json";
-    auto document = files->contents(file).value();
+    auto document = files->contents(file, largestPreferenceFile).value();
     document.replace(document.find("One\""), 3, "Elsewhere");
     ASSERT_FALSE(files->writeAtomically(file, document));
     EXPECT_EQ(store().calendarsForEntityType(EKEntityType::event), before);
@@ -262,7 +262,7 @@ TEST_F(FolderEventStoreTests, aDamagedListIsLoggedAndTheOwnCalendarStillShown) {
     ASSERT_EQ(log->messages().size(), 1U);
     EXPECT_TRUE(log->messages()[0].contains("calendar-store.json: the list of calendar folders is damaged"))
         << log->messages()[0];
-    EXPECT_EQ(files->contents(home / "config/calendar-store.json"), "{ torn");
+    EXPECT_EQ(files->contents(home / "config/calendar-store.json", largestPreferenceFile), "{ torn");
 }
 
 TEST_F(FolderEventStoreTests, aSourceThatCannotBeUsedIsNamedAndPassedOver) {
@@ -323,7 +323,7 @@ TEST_F(FolderEventStoreTests, theAnswerToTheRequestIsRecorded) {
         EXPECT_EQ(subject.authorizationStatus(), row.status) << row.name;
         EXPECT_EQ(prompt->askedTimes(), 1) << row.name;
     }
-    EXPECT_EQ(files->contents(home / "config/calendar-access.json"), "3");
+    EXPECT_EQ(files->contents(home / "config/calendar-access.json", largestPreferenceFile), "3");
 }
 
 TEST_F(FolderEventStoreTests, anAnswerThatCannotBeKeptFailsTheRequest) {
