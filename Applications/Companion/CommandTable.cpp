@@ -1,6 +1,7 @@
 #include "Applications/Companion/CommandTable.h"
 
 #include "Applications/Companion/Commands.h"
+#include "Applications/Companion/ExplainCommand.h"
 
 #include <algorithm>
 
@@ -13,6 +14,7 @@ std::span<Command const> commandTable() {
         nextCommand(),
         previousCommand(),
         todayCommand(),
+        explainCommand(),
         meetGroup(),
         meetShowCommand(),
         meetAddCommand(),

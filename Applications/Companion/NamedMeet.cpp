@@ -2,6 +2,7 @@
 
 #include "Applications/Companion/CalendarAccess.h"
 #include "Applications/Companion/CommandError.h"
+#include "Applications/Companion/MeetIdentifier.h"
 #include "Applications/Companion/MeetTexts.h"
 #include "Applications/Companion/Support.h"
 #include "Applications/Companion/Texts.h"
@@ -21,23 +22,6 @@ using Meetings::MeetEntity;
 namespace {
 
 constexpr std::size_t fewestDigits = 8;
-
-// Hexadecimal digits in upper case, hyphens left out; absent when there is anything else, or nothing.
-std::optional<std::string> digitsOf(std::string_view text) {
-    std::string digits;
-    for (char const character : text) {
-        if (character == '-') continue;
-        bool const isLower = character >= 'a' && character <= 'f';
-        bool const isDigit = (character >= '0' && character <= '9') || (character >= 'A' && character <= 'F');
-        if (!isLower && !isDigit) return std::nullopt;
-        digits += isLower ? static_cast<char>(character - 'a' + 'A') : character;
-    }
-    return digits.empty() ? std::nullopt : std::optional(digits);
-}
-
-bool isCalled(MeetEntity const& meet, std::string const& digits) {
-    return digitsOf(meet.metId.uuidString()).value_or("").starts_with(digits);
-}
 
 std::size_t sharedLength(std::string_view left, std::string_view right) {
     auto const [end, unused] = std::ranges::mismatch(left, right);
@@ -73,7 +57,7 @@ std::vector<std::string> identifierBeginnings(std::vector<MeetEntity> const& mee
 
 MeetEntity meetCalled(std::string_view beginning, MeetsOfDay const& day, Invocation const& invocation,
                       MeetWords const& words) {
-    auto const digits = digitsOf(beginning);
+    auto const digits = identifierDigits(beginning);
     if (!digits) throw CommandError::wrongUse(Texts::notAnIdentifier(beginning));
     std::vector<MeetEntity> candidates;
     std::ranges::copy_if(day.meetings, std::back_inserter(candidates),

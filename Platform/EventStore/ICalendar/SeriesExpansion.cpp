@@ -57,16 +57,28 @@ bool SeriesExpansion::Names::contains(Instance const& instance) const {
 }
 
 SeriesExpansion::SeriesExpansion(Series const& series, ExpansionWindow window, EventZone const& viewer,
-                                 ExpansionLimits const& limits, Expansion& result)
+                                 ExpansionLimits const& limits, Expansion& result,
+                                 std::vector<Omission>* omissions)
     : series(series),
       window(window),
       viewer(viewer),
       limits(limits),
       result(result),
+      omissions(omissions),
       steps(limits.stepsPerSeries) {}
 
 void SeriesExpansion::run() {
-    if (series.isCancelled() || !series.mayTouch(window.firstSecond, window.lastSecond)) return;
+    if (!series.mayTouch(window.firstSecond, window.lastSecond)) return;
+    if (!series.isCancelled()) {
+        addSeries();
+    } else if (omissions != nullptr) {
+        auto const first = std::ssize(result.occurrences);
+        addSeries();
+        omitAllSince(first);
+    }
+}
+
+void SeriesExpansion::addSeries() {
     auto const first = std::ssize(result.occurrences);
     if (series.master()) addMaster();
     if (hasCutRule) {
@@ -93,13 +105,12 @@ void SeriesExpansion::addMaster() {
         auto const shiftedLength = shift.length.days * secondsPerDay + shift.length.seconds;
         widening = std::max(widening, std::abs(shift.distance) + shiftedLength);
     }
-    Names replaced;
-    for (auto const& event : series.overrides())
-        replaced.add(*event.component->recurrenceId, event, *this);
-    replaced.sort();
-
+    auto const replaced = namesOf(series.overrides());
     for (auto const& instance : instances(length, widening)) {
-        if (replaced.contains(instance)) continue;
+        if (replaced.contains(instance)) {
+            if (omissions != nullptr) omitReplaced(instance, length);
+            continue;
+        }
         auto const next = std::ranges::upper_bound(moves, instance.instant, {}, &Shift::instant);
         if (next == moves.begin()) {
             addInstance(instance, length);
@@ -107,6 +118,58 @@ void SeriesExpansion::addMaster() {
             addShifted(instance, *std::prev(next));
         }
     }
+}
+
+SeriesExpansion::Names SeriesExpansion::namesOf(std::vector<ClockedEvent> const& overrides) const {
+    Names names;
+    for (auto const& event : overrides)
+        names.add(*event.component->recurrenceId, event, *this);
+    names.sort();
+    return names;
+}
+
+// A cancelled event has said so for each of its occurrences.
+void SeriesExpansion::omitAllSince(std::ptrdiff_t first) {
+    auto const& cause = *series.master();
+    auto const begin = result.occurrences.begin() + first;
+    for (auto occurrence = begin; occurrence != result.occurrences.end(); ++occurrence) {
+        omissions->push_back({.reason = Omission::Reason::cancelledEvent,
+                              .occurrence = std::move(*occurrence),
+                              .cause = cause.component,
+                              .file = cause.clocks->file,
+                              .movedTo = std::nullopt});
+    }
+    result.occurrences.erase(begin, result.occurrences.end());
+}
+
+// An override that leaves its occurrence where it was omits nothing.
+void SeriesExpansion::omitReplaced(Instance const& instance, CalendarDuration length) {
+    for (auto const& event : series.overrides()) {
+        auto const& component = *event.component;
+        if (!namesOf({event}).contains(instance)) continue;
+        if (component.status == EventStatus::cancelled) {
+            omit(Omission::Reason::cancelledOccurrence, instance, length, event);
+            return;
+        }
+        auto const start = event.instant(component.start, viewer);
+        if (start == instance.instant) return;
+        omit(Omission::Reason::movedOccurrence, instance, length, event,
+             Foundation::Date{.secondsSince1970 = static_cast<double>(start)});
+        return;
+    }
+}
+
+void SeriesExpansion::omit(Omission::Reason reason, Instance const& instance, CalendarDuration length,
+                           ClockedEvent const& cause, std::optional<Foundation::Date> movedTo) {
+    auto const placement = placementInWindow(*series.master(), instance.local, instance.instant,
+                                             endOf(instance, length), length);
+    if (!placement || std::ssize(*omissions) >= limits.occurrencesPerSeries) return;
+    omissions->push_back(
+        {.reason = reason,
+         .occurrence = occurrence(*series.master(), *placement, keyOfInstance(instance.local)),
+         .cause = cause.component,
+         .file = cause.clocks->file,
+         .movedTo = movedTo});
 }
 
 // The overrides that stand for all that follows them, by where they begin.
@@ -184,7 +247,7 @@ std::vector<SeriesExpansion::Instance> SeriesExpansion::instances(CalendarDurati
     std::ranges::sort(found, {}, order);
     auto const doubles = std::ranges::unique(found, {}, identity);
     found.erase(doubles.begin(), doubles.end());
-    removeExceptions(found, from, to);
+    removeExceptions(found, length, from, to);
     return found;
 }
 
@@ -219,7 +282,8 @@ void SeriesExpansion::addRuleTimes(std::vector<std::int64_t>& times, std::int64_
     }
 }
 
-void SeriesExpansion::removeExceptions(std::vector<Instance>& found, std::int64_t from, std::int64_t to) {
+void SeriesExpansion::removeExceptions(std::vector<Instance>& found, CalendarDuration length,
+                                       std::int64_t from, std::int64_t to) {
     auto const& master = *series.master();
     auto const& event = *master.component;
     Names names;
@@ -250,24 +314,37 @@ void SeriesExpansion::removeExceptions(std::vector<Instance>& found, std::int64_
     }
     std::ranges::sort(times);
     std::erase_if(found, [&](Instance const& instance) {
-        return names.contains(instance) || std::ranges::binary_search(times, instance.local);
+        bool const isNamed = names.contains(instance);
+        bool const isExcluded = isNamed || std::ranges::binary_search(times, instance.local);
+        if (isExcluded && omissions != nullptr) {
+            omit(isNamed ? Omission::Reason::excludedDate : Omission::Reason::excludedByRule, instance,
+                 length, master);
+        }
+        return isExcluded;
     });
 }
 
 void SeriesExpansion::addInstance(Instance const& instance, CalendarDuration length) {
+    addOccurrence(*series.master(), instance.local, instance.instant, endOf(instance, length), length,
+                  keyOfInstance(instance.local));
+}
+
+std::int64_t SeriesExpansion::endOf(Instance const& instance, CalendarDuration length) const {
     auto const& master = *series.master();
     auto const& clock = master.clock(viewer);
-    auto end = endInstant(instance.local, instance.instant, length, clock);
-    if (instance.period != nullptr && !master.component->isAllDay()) {
-        auto const& period = *instance.period;
-        end = period.end ? instantOfName(*period.end, master)
-                         : endInstant(instance.local, instance.instant, *period.duration, clock);
-    }
-    addOccurrence(master, instance.local, instance.instant, end, length, keyOfInstance(instance.local));
+    if (instance.period == nullptr || master.component->isAllDay())
+        return endInstant(instance.local, instance.instant, length, clock);
+    auto const& period = *instance.period;
+    return period.end ? instantOfName(*period.end, master)
+                      : endInstant(instance.local, instance.instant, *period.duration, clock);
 }
 
 void SeriesExpansion::addShifted(Instance const& instance, Shift const& shift) {
-    if (shift.event.component->status == EventStatus::cancelled) return;
+    if (shift.event.component->status == EventStatus::cancelled) {
+        if (omissions != nullptr)
+            omit(Omission::Reason::cancelledOccurrence, instance, shift.length, shift.event);
+        return;
+    }
     auto const& start = shift.event.component->start;
     auto const& masterStart = series.master()->component->start;
     auto const& clock = shift.event.clock(viewer);
@@ -306,25 +383,13 @@ void SeriesExpansion::addOverrides() {
     }
 }
 
-// Adds what overlaps the window. What lasts "for ever" ends with the last day that every clock can name.
+// Adds what overlaps the window.
 void SeriesExpansion::addOccurrence(ClockedEvent const& event, std::int64_t startLocal, std::int64_t start,
                                     std::int64_t end, CalendarDuration length,
                                     std::optional<std::string> key) {
-    bool const isAllDay = event.component->isAllDay();
-    auto const firstDay = isAllDay ? dayOf(startLocal) : 0;
-    auto endDay = isAllDay ? firstDay + length.days : 0;
-    if (isAllDay && endDay > latestDayShown && firstDay < latestDayShown) {
-        endDay = latestDayShown;
-        end = viewer.instant(endDay * secondsPerDay);
-    } else if (!isAllDay && start <= latestShown) {
-        end = std::min(end, latestShown);
-    }
-    auto const startDate = static_cast<double>(start);
-    auto const endDate = static_cast<double>(end);
-    bool const overlaps = start == end ? startDate >= window.from && startDate < window.to
-                                       : startDate < window.to && endDate > window.from;
-    if (!overlaps) return;
-    if (start < earliestShown || end > latestShown) {
+    auto const placement = placementInWindow(event, startLocal, start, end, length);
+    if (!placement) return;
+    if (placement->start < earliestShown || placement->end > latestShown) {
         report(Problem::Effect::skipped,
                "what of it lies on the first or last day of the years 1 to 9999 is not shown");
         return;
@@ -335,15 +400,40 @@ void SeriesExpansion::addOccurrence(ClockedEvent const& event, std::int64_t star
         return;
     }
     ++added;
-    result.occurrences.push_back({.event = event.component,
-                                  .file = event.clocks->file,
-                                  .master = series.master() ? series.master()->component : nullptr,
-                                  .start = {.secondsSince1970 = startDate},
-                                  .end = {.secondsSince1970 = endDate},
-                                  .isAllDay = isAllDay,
-                                  .firstDay = civilDays(firstDay),
-                                  .endDay = civilDays(endDay),
-                                  .key = std::move(key)});
+    result.occurrences.push_back(occurrence(event, *placement, std::move(key)));
+}
+
+// What lasts "for ever" ends with the last day that every clock can name.
+std::optional<SeriesExpansion::Placement>
+SeriesExpansion::placementInWindow(ClockedEvent const& event, std::int64_t startLocal, std::int64_t start,
+                                   std::int64_t end, CalendarDuration length) const {
+    bool const isAllDay = event.component->isAllDay();
+    auto const firstDay = isAllDay ? dayOf(startLocal) : 0;
+    auto endDay = isAllDay ? firstDay + length.days : 0;
+    if (isAllDay && endDay > latestDayShown && firstDay < latestDayShown) {
+        endDay = latestDayShown;
+        end = viewer.instant(endDay * secondsPerDay);
+    } else if (!isAllDay && start <= latestShown) {
+        end = std::min(end, latestShown);
+    }
+    auto const startDate = static_cast<double>(start);
+    bool const overlaps = start == end ? startDate >= window.from && startDate < window.to
+                                       : startDate<window.to&& static_cast<double>(end)> window.from;
+    if (!overlaps) return std::nullopt;
+    return Placement{.start = start, .end = end, .firstDay = firstDay, .endDay = endDay};
+}
+
+Occurrence SeriesExpansion::occurrence(ClockedEvent const& event, Placement const& placement,
+                                       std::optional<std::string> key) const {
+    return {.event = event.component,
+            .file = event.clocks->file,
+            .master = series.master() ? series.master()->component : nullptr,
+            .start = {.secondsSince1970 = static_cast<double>(placement.start)},
+            .end = {.secondsSince1970 = static_cast<double>(placement.end)},
+            .isAllDay = event.component->isAllDay(),
+            .firstDay = civilDays(placement.firstDay),
+            .endDay = civilDays(placement.endDay),
+            .key = std::move(key)};
 }
 
 std::optional<std::string> SeriesExpansion::keyOfInstance(std::int64_t local) const {

@@ -3,28 +3,13 @@
 #include "Platform/EventStore/ICalendar/CivilDays.h"
 #include "Platform/EventStore/ICalendar/Series.h"
 #include "Platform/EventStore/ICalendar/SeriesExpansion.h"
+#include "Platform/EventStore/ICalendar/SeriesGathering.h"
 
 #include <algorithm>
-#include <cmath>
-#include <unordered_map>
 #include <utility>
 
 namespace Platform::ICalendar {
 namespace {
-
-// Absent when an end is not a number.
-std::optional<ExpansionWindow> windowOf(Foundation::Date from, Foundation::Date to) {
-    if (std::isnan(from.secondsSince1970) || std::isnan(to.secondsSince1970)) return std::nullopt;
-    auto const clamped = [](double seconds) {
-        return std::clamp(seconds, static_cast<double>(firstSecond - secondsPerDay),
-                          static_cast<double>(lastSecond + secondsPerDay));
-    };
-    return ExpansionWindow{.from = from.secondsSince1970,
-                           .to = to.secondsSince1970,
-                           .firstSecond =
-                               static_cast<std::int64_t>(std::floor(clamped(from.secondsSince1970))),
-                           .lastSecond = static_cast<std::int64_t>(std::ceil(clamped(to.secondsSince1970)))};
-}
 
 // Equal starts stay in the order in which they were found.
 void sortByStart(std::vector<Occurrence>& occurrences) {
@@ -64,34 +49,25 @@ void reportUnknownZones(FileClocks const& clocks, std::vector<Problem>& problems
 } // namespace
 
 struct SeriesSet::Contents {
+    Contents(std::vector<std::shared_ptr<CalendarFile const>> given, ZoneCatalog& zones)
+        : files(std::move(given)),
+          gathered(files, zones) {}
+
     std::vector<std::shared_ptr<CalendarFile const>> files;
-    std::vector<FileClocks> clocks; // One a file; series point to them.
-    std::vector<Series> series;     // In the order in which the files first name them.
-    std::unordered_map<std::string_view, std::size_t> indices;
+    SeriesGathering gathered;
     std::vector<Problem> problems;
 
     [[nodiscard]] Series const* find(std::string_view uid) const {
-        auto const entry = indices.find(uid);
-        return entry == indices.end() ? nullptr : &series[entry->second];
+        auto const entry = gathered.indices.find(uid);
+        return entry == gathered.indices.end() ? nullptr : &gathered.series[entry->second];
     }
 };
 
 SeriesSet::SeriesSet(std::vector<std::shared_ptr<CalendarFile const>> files,
                      std::shared_ptr<ZoneCatalog> zones) {
-    auto made = std::make_unique<Contents>();
-    made->files = std::move(files);
-    made->clocks.reserve(made->files.size());
-    for (auto const& file : made->files) {
-        auto const& clocks = made->clocks.emplace_back(*file, *zones);
+    auto made = std::make_unique<Contents>(std::move(files), *zones);
+    for (auto const& clocks : made->gathered.clocks)
         reportUnknownZones(clocks, made->problems);
-        for (auto const& event : file->events) {
-            auto const [entry, isNew] = made->indices.try_emplace(event.uid, made->series.size());
-            if (isNew) made->series.emplace_back();
-            made->series[entry->second].add({.component = &event, .clocks = &clocks});
-        }
-    }
-    for (auto& series : made->series)
-        series.settle();
     contents = std::move(made);
 }
 
@@ -102,10 +78,10 @@ SeriesSet& SeriesSet::operator=(SeriesSet&&) noexcept = default;
 Expansion SeriesSet::occurrences(Foundation::Date from, Foundation::Date to,
                                  Foundation::TimeZone const& viewer, ExpansionLimits const& limits) const {
     Expansion result{.occurrences = {}, .problems = {}, .steps = 0};
-    auto const window = windowOf(from, to);
+    auto const window = expansionWindow(from, to);
     if (!window) return result;
     EventZone const viewerZone(viewer);
-    for (auto const& series : contents->series) {
+    for (auto const& series : contents->gathered.series) {
         SeriesExpansion(series, *window, viewerZone, limits, result).run();
     }
     sortByStart(result.occurrences);
@@ -116,7 +92,7 @@ Expansion SeriesSet::occurrencesOfSeries(std::string_view uid, Foundation::Date 
                                          Foundation::TimeZone const& viewer,
                                          ExpansionLimits const& limits) const {
     Expansion result{.occurrences = {}, .problems = {}, .steps = 0};
-    auto const window = windowOf(from, to);
+    auto const window = expansionWindow(from, to);
     auto const* const series = contents->find(uid);
     if (!window || series == nullptr) return result;
     SeriesExpansion(*series, *window, EventZone(viewer), limits, result).run();
@@ -155,8 +131,8 @@ EventComponent const* SeriesSet::master(std::string_view uid) const {
 
 std::vector<std::string_view> SeriesSet::uids() const {
     std::vector<std::string_view> names;
-    names.reserve(contents->series.size());
-    for (auto const& series : contents->series)
+    names.reserve(contents->gathered.series.size());
+    for (auto const& series : contents->gathered.series)
         names.emplace_back(series.uid());
     return names;
 }

@@ -1,0 +1,9 @@
+#pragma once
+
+#include "Applications/Companion/CommandTable.h"
+
+namespace Companion {
+
+Command explainCommand();
+
+} // namespace Companion

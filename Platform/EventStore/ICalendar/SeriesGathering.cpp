@@ -1,0 +1,20 @@
+#include "Platform/EventStore/ICalendar/SeriesGathering.h"
+
+namespace Platform::ICalendar {
+
+SeriesGathering::SeriesGathering(std::vector<std::shared_ptr<CalendarFile const>> const& files,
+                                 ZoneCatalog& zones) {
+    clocks.reserve(files.size()); // The series keep pointers into it.
+    for (auto const& file : files) {
+        auto const& clock = clocks.emplace_back(*file, zones);
+        for (auto const& event : file->events) {
+            auto const [entry, isNew] = indices.try_emplace(event.uid, series.size());
+            if (isNew) series.emplace_back();
+            series[entry->second].add({.component = &event, .clocks = &clock});
+        }
+    }
+    for (auto& one : series)
+        one.settle();
+}
+
+} // namespace Platform::ICalendar

@@ -1,0 +1,216 @@
+#include "PrivateHome.h"
+
+#include "Foundation/TimeZone.h"
+#include "Samples/SampleFolder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <sstream>
+
+namespace {
+
+namespace JSON = Foundation::JSON;
+using testing::HasSubstr;
+
+JSON::Array const& list(JSON::Value const& value, std::string_view name) {
+    return std::get<JSON::Array>(value.member(name)->storage);
+}
+
+std::string member(JSON::Value const& value, std::string_view name) {
+    auto const* const found = value.member(name);
+    return found == nullptr ? "" : JSON::text(*found).value_or("?");
+}
+
+// The line of a file, from 1.
+std::string lineOf(std::string const& content, std::int64_t number) {
+    std::istringstream lines(content);
+    std::string line;
+    for (; number > 0; --number)
+        std::getline(lines, line);
+    return line;
+}
+
+class ExplainJourneys : public testing::Test {
+protected:
+    [[nodiscard]] JSON::Value explained(std::vector<std::string> words) const {
+        words.insert(words.begin(), {"explain", "--at", "2026-03-11T11:00:00"});
+        words.emplace_back("--json");
+        return JSON::parse(home.outputOf(words)).value();
+    }
+
+    // The rule for the meet of that title.
+    [[nodiscard]] std::string rule(std::string const& title,
+                                   std::vector<std::string> const& words = {}) const {
+        auto const page = explained(words);
+        for (auto const& meet : list(page, "meets"))
+            if (member(*meet.member("meet"), "metName") == title) return member(meet, "rule");
+        return "not there";
+    }
+
+    void add(std::string const& calendar, std::string const& title, std::string const& start,
+             std::string const& end, std::string const& more = "") const {
+        home.write(home.calendars() / calendar / (title + ".ics"),
+                   calendarFile(event(title, title, start, end, more)));
+    }
+
+    PrivateHome home;
+};
+
+TEST_F(ExplainJourneys, everyRuleIsToldByItsName) {
+    add("work", "Review", ":20260311T130000Z", ":20260311T140000Z");
+    add("work", "Fair", ";VALUE=DATE:20260311", ";VALUE=DATE:20260312");
+    add("work", "Early", ":20260311T080000Z", ":20260311T090000Z");
+    add("work", "Night", ":20260310T210000Z", ":20260311T030000Z");
+    add("secret", "Surprise", ":20260311T150000Z", ":20260311T160000Z");
+    add("work", "Gym", ":20260310T160000Z", ":20260310T170000Z",
+        "RRULE:FREQ=DAILY;COUNT=5\r\nEXDATE:20260311T160000Z\r\n");
+    add("work", "Off", ":20260311T170000Z", ":20260311T180000Z", "STATUS:CANCELLED\r\n");
+    home.write(home.calendars() / "work" / "choir.ics",
+               calendarFile(event("choir", "Choir", ":20260310T180000Z", ":20260310T190000Z",
+                                  "RRULE:FREQ=DAILY;COUNT=5\r\n") +
+                            event("choir", "Choir", ":20260312T200000Z", ":20260312T210000Z",
+                                  "RECURRENCE-ID:20260311T180000Z\r\n")));
+    home.setUp();
+    auto const calendars = JSON::parse(home.outputOf({"calendars", "list", "--json"})).value();
+    for (auto const& account : list(calendars, "accounts"))
+        for (auto const& calendar : list(account, "eacCalendars"))
+            if (member(calendar, "eciTitle") == "secret")
+                (void)home.outputOf({"calendars", "hide", member(calendar, "eciId")});
+
+    EXPECT_EQ(rule("Review"), "card");
+    EXPECT_EQ(rule("Fair"), "allDayRow");
+    EXPECT_EQ(rule("Fair", {"--family", "small"}), "noAllDaySection");
+    EXPECT_EQ(rule("Early"), "ended");
+    EXPECT_EQ(rule("Night"), "startsOnAnotherDay");
+    EXPECT_EQ(rule("Surprise"), "hiddenCalendar");
+    EXPECT_EQ(rule("Gym"), "excludedDate");
+    EXPECT_EQ(rule("Off"), "cancelledEvent");
+    EXPECT_EQ(rule("Choir"), "movedOccurrence");
+    EXPECT_EQ(rule("Gym", {"--offset", "1"}), "card");
+    EXPECT_EQ(rule("Gym", {"--offset", "-1"}), "card");
+}
+
+TEST_F(ExplainJourneys, theOutermostDaysEndAtThisMoment) {
+    // Ten days ahead the widget's window ends at this time of day.
+    add("work", "Breakfast", ":20260321T080000Z", ":20260321T090000Z");
+    add("work", "Dinner", ":20260321T180000Z", ":20260321T190000Z");
+    home.setUp();
+    EXPECT_EQ(rule("Breakfast", {"--offset", "10"}), "card");
+    EXPECT_EQ(rule("Dinner", {"--offset", "10"}), "outsideReach");
+}
+
+TEST_F(ExplainJourneys, aDayBeyondTheButtonsIsSaidToBe) {
+    add("work", "Far", ":20260401T080000Z", ":20260401T090000Z");
+    home.setUp();
+    auto const page = explained({"--day", "2026-04-01"});
+    EXPECT_EQ(member(page, "dayRule"), "beyondButtons");
+    ASSERT_EQ(list(page, "meets").size(), 1U);
+    EXPECT_EQ(*list(page, "meets").front().member("isShown"), JSON::Value(false));
+}
+
+TEST_F(ExplainJourneys, withoutTheAccountOrAccessNothingIsShown) {
+    add("work", "Review", ":20260311T130000Z", ":20260311T140000Z");
+    home.setUp();
+    home.write(home.container() / "enabledCalendarAccounts.json", "[]");
+    EXPECT_EQ(member(explained({}), "dayRule"), "accountNotEnabled");
+    EXPECT_EQ(rule("Review"), "accountNotEnabled");
+    home.write(home.container() / "enabledCalendarAccounts.json", R"(["eventKit"])");
+    (void)home.outputOf({"access", "deny"});
+    auto const page = explained({});
+    EXPECT_EQ(member(page, "dayRule"), "accessDenied");
+    EXPECT_TRUE(list(page, "meets").empty());
+    EXPECT_THAT(home.outputOf({"explain"}), HasSubstr("Nothing of the day is shown"));
+}
+
+TEST_F(ExplainJourneys, aNameFindsAMeetByTitleOrIdAndElsewhere) {
+    add("work", "Review of plans", ":20260311T130000Z", ":20260311T140000Z");
+    add("work", "Party", ":20260314T130000Z", ":20260314T140000Z");
+    home.setUp();
+    auto const byTitle = explained({"REVIEW"});
+    ASSERT_EQ(list(byTitle, "meets").size(), 1U);
+    auto const id = member(*list(byTitle, "meets").front().member("meet"), "metId");
+    EXPECT_EQ(explained({id.substr(0, 8)}), byTitle);
+    auto const elsewhere = explained({"party"});
+    EXPECT_TRUE(list(elsewhere, "meets").empty());
+    ASSERT_EQ(list(elsewhere, "otherDays").size(), 1U);
+    EXPECT_THAT(home.outputOf({"explain", "party", "--at", "2026-03-11T11:00:00"}),
+                HasSubstr("Saturday 2026-03-14, 02:00 p.m. – 03:00 p.m.  Party\n"));
+}
+
+TEST_F(ExplainJourneys, whatIsNowhereIsSaidWithWhatCouldNotBeRead) {
+    home.write(home.calendars() / "work" / "broken.ics",
+               calendarFile("BEGIN:VEVENT\r\nUID:b\r\nSUMMARY:Broken\r\nDTSTART:nonsense\r\nEND:VEVENT\r\n"));
+    home.setUp();
+    auto const result = home.quillora({"explain", "Broken", "--at", "2026-03-11T11:00:00"});
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_EQ(result.output, "");
+    EXPECT_THAT(result.errors, HasSubstr("broken.ics:"));
+    EXPECT_THAT(result.errors, HasSubstr("no meet is called \"Broken\", neither on Wednesday 2026-03-11"));
+}
+
+TEST_F(ExplainJourneys, aPageTellsPlaceAndRule) {
+    add("work", "Review", ":20260311T130000Z", ":20260311T140000Z");
+    home.setUp();
+    auto const page = home.outputOf({"explain", "--at", "2026-03-11T11:00:00"});
+    EXPECT_THAT(page, HasSubstr("Wednesday 2026-03-11, as a widget of the size \"large\" shows it\n"));
+    EXPECT_THAT(page, HasSubstr("  02:00 p.m.  Review\n  Shown: card 1 from the top.\n"));
+    EXPECT_THAT(page, HasSubstr((home.calendars() / "work" / "Review.ics").string() + ", line 4\n"));
+}
+
+// What a face has, and what the explanations of the same day say that it has.
+struct Tally {
+    std::vector<std::string> cards;
+    std::vector<std::string> bars;
+    std::int64_t more = 0;
+    bool operator==(Tally const&) const = default;
+};
+
+Tally tallyOfFace(JSON::Value const& day) {
+    Tally tally;
+    for (auto const& row : list(*day.member("face"), "rows")) {
+        if (member(row, "kind") == "card") tally.cards.push_back(member(row, "name"));
+        if (member(row, "kind") == "bar") tally.bars.push_back(member(row, "name"));
+        if (member(row, "kind") == "more") tally.more = JSON::integer(*row.member("count")).value();
+    }
+    return tally;
+}
+
+Tally tallyOfExplanations(JSON::Value const& page) {
+    Tally tally;
+    for (auto const& meet : list(page, "meets")) {
+        auto const name = member(*meet.member("meet"), "metName");
+        if (member(meet, "rule") == "card") tally.cards.push_back(name);
+        if (member(meet, "rule") == "allDayRow") tally.bars.push_back(name);
+        if (member(meet, "rule") == "didNotFit") ++tally.more;
+    }
+    return tally;
+}
+
+TEST_F(ExplainJourneys, onTheSamplesItSaysWhatTheFaceShows) {
+    Samples::SampleRequest const request = {.day = std::chrono::local_days(std::chrono::year(2026) / 3 / 11),
+                                            .zone = Foundation::TimeZone::named("Europe/Berlin").value(),
+                                            .archivedEvents = 200};
+    ASSERT_EQ(Samples::writeSampleCalendars(request, home.calendars()), std::nullopt);
+    home.setUp();
+    std::size_t explainedMeets = 0;
+    for (auto const* offset : {"-10", "-3", "-1", "0", "1", "4", "10"}) {
+        for (auto const* family : {"small", "medium", "large"}) {
+            std::vector<std::string> const words = {"--offset", offset, "--family", family};
+            auto const page = explained(words);
+            auto day = words;
+            day.insert(day.end(), {"--at", "2026-03-11T11:00:00"});
+            EXPECT_EQ(tallyOfExplanations(page), tallyOfFace(home.dayJSON(day))) << offset << " " << family;
+            for (auto const& meet : list(page, "meets")) {
+                auto const line = JSON::integer(*meet.member("line")).value();
+                EXPECT_EQ(lineOf(home.contentOf(member(meet, "file")), line), "BEGIN:VEVENT\r")
+                    << member(meet, "file") << " " << line;
+                ++explainedMeets;
+            }
+        }
+    }
+    EXPECT_GT(explainedMeets, 60U);
+}
+
+} // namespace
