@@ -1,0 +1,10 @@
+#pragma once
+
+#include <string>
+
+namespace Manual {
+
+/// The completion for fish.
+std::string fishCompletion();
+
+} // namespace Manual
