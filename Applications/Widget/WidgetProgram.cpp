@@ -1,6 +1,6 @@
 #include "Applications/Widget/WidgetProgram.h"
 
-#include "Applications/Widget/EntryChanges.h"
+#include "Applications/Watching/EntryChanges.h"
 #include "Applications/Widget/FaceContent.h"
 #include "Applications/Widget/FirstFrame.h"
 #include "Applications/Widget/MeetPage.h"
@@ -52,7 +52,7 @@ WidgetProgram::WidgetProgram(Foundation::Environment const& environment, WidgetO
                .show = [this](Entry const& entry, Platform::EntryKind kind) { show(entry, kind); },
                .nextChange =
                    [this](Entry const& entry, Foundation::Date now) {
-                       return nextChange(entry, now, services.region()->currentCalendar());
+                       return Watching::nextChange(entry, now, services.region()->currentCalendar());
                    },
            }) {}
 

@@ -2,11 +2,11 @@
 
 #include "Tests/EventStore/TemporaryFolder.h"
 
+#include "Applications/Watching/EntryChanges.h"
 #include "Applications/Watching/WatchedPlaces.h"
 #include "Applications/Widget/CalendarHealth.h"
 #include "Applications/Widget/DayPresses.h"
 #include "Applications/Widget/DesktopLooks.h"
-#include "Applications/Widget/EntryChanges.h"
 #include "Applications/Widget/FaceContent.h"
 #include "Applications/Widget/Notices.h"
 #include "Foundation/DateFormatting.h"
@@ -69,7 +69,7 @@ ScheduleWidgetEntry entryAt(char const* date, std::vector<MeetEntity> meetings) 
 }
 
 std::string nextChangeText(ScheduleWidgetEntry const& entry, char const* now, Calendar const& calendar) {
-    return Foundation::iso8601(Widget::nextChange(entry, moment(now), calendar));
+    return Foundation::iso8601(Watching::nextChange(entry, moment(now), calendar));
 }
 
 TEST(EntryChangesTests, emptyDayChangesAtMidnightOfTheCalendar) {

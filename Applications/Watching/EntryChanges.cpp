@@ -1,9 +1,9 @@
-#include "Applications/Widget/EntryChanges.h"
+#include "Applications/Watching/EntryChanges.h"
 
 #include <algorithm>
 #include <chrono>
 
-namespace Widget {
+namespace Watching {
 
 Foundation::Date nextChange(WidgetExtension::ScheduleWidgetEntry const& entry, Foundation::Date now,
                             Foundation::Calendar const& calendar) {
@@ -20,4 +20,4 @@ Foundation::Date nextChange(WidgetExtension::ScheduleWidgetEntry const& entry, F
     return change;
 }
 
-} // namespace Widget
+} // namespace Watching
