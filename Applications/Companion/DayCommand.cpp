@@ -4,16 +4,21 @@
 #include "Applications/Companion/DayJSON.h"
 #include "Applications/Companion/DayWithBackend.h"
 #include "Applications/Companion/FaceText.h"
+#include "Applications/Companion/FollowedLines.h"
+#include "Applications/Companion/LiveTexts.h"
 #include "Applications/Companion/OutputFile.h"
 #include "Applications/Companion/PictureStyle.h"
 #include "Applications/Companion/PlainJSON.h"
 #include "Applications/Companion/ShownDay.h"
+#include "Applications/Companion/StatusBarLine.h"
 #include "Applications/Companion/Support.h"
 #include "Applications/Companion/Texts.h"
 #include "CalendarProviders/EnabledCalendarAccountsStore.h"
 #include "Platform/Clock/Clock.h"
 #include "Platform/Face/FacePainter.h"
 #include "Platform/Face/FacePicture.h"
+#include "WidgetExtension/QuilloraWidgetBundle.h"
+#include "WidgetExtension/ScheduleWidgetDayOffsetStore.h"
 
 #include <array>
 #include <charconv>
@@ -36,6 +41,7 @@ struct DayRequest {
     double scale;
     bool writesText;
     bool writesJSON;
+    bool writesStatusBar;
 };
 
 std::optional<Platform::ColorScheme> requestedScheme(ArgumentValues const& values) {
@@ -59,8 +65,9 @@ bool goesToStandardOutput(ArgumentValues const& values, std::string_view option)
     return values.option(option) == standardOutput;
 }
 
-void checkOutputs(ArgumentValues const& values, bool writesText, bool writesJSON) {
-    int onStandardOutput = (writesText ? 1 : 0) + (writesJSON ? 1 : 0);
+void checkOutputs(ArgumentValues const& values, DayRequest const& request) {
+    int onStandardOutput =
+        (request.writesText ? 1 : 0) + (request.writesJSON ? 1 : 0) + (request.writesStatusBar ? 1 : 0);
     for (auto const* option : pictureOptions) {
         auto const path = values.option(option);
         if (!path) continue;
@@ -78,6 +85,7 @@ DayRequest requestOf(Invocation const& invocation) {
     Foundation::Calendar const calendar(Foundation::TimeZone::current(invocation.environment));
     bool const drawsPictures = values.has("--png") || values.has("--svg") || values.has("--pdf");
     bool const writesJSON = values.has("--json");
+    bool const writesStatusBar = values.has("--waybar");
     DayRequest request{
         .at = std::nullopt,
         .day = dayChoice(values),
@@ -85,11 +93,12 @@ DayRequest requestOf(Invocation const& invocation) {
             *Foundation::fromRawValue<Platform::WidgetFamily>(values.option("--family").value_or("large")),
         .scheme = requestedScheme(values),
         .scale = requestedScale(values),
-        .writesText = values.has("--text") || (!drawsPictures && !writesJSON),
+        .writesText = values.has("--text") || (!drawsPictures && !writesJSON && !writesStatusBar),
         .writesJSON = writesJSON,
+        .writesStatusBar = writesStatusBar,
     };
     if (auto const text = values.option("--at")) request.at = moment("--at", *text, calendar);
-    checkOutputs(values, request.writesText, request.writesJSON);
+    checkOutputs(values, request);
     return request;
 }
 
@@ -132,8 +141,49 @@ void reportHints(Invocation const& invocation, Composition::LiveServices& servic
     }
 }
 
+FollowedPage sameText(std::string const& text) {
+    return {.text = text, .essence = text};
+}
+
+// Nobody who is told of each change needs to know when to ask again. A day's date moves with the clock, which
+// is no change of the day.
+FollowedPage followedJSON(WidgetExtension::ScheduleWidgetView const& view) {
+    auto const layout = view.layout();
+    auto timeless = view.entry;
+    timeless.date = view.calendar.startOfDay(view.calendar.day(timeless.date));
+    return {.text = plainJSON(dayJSON(view.entry, {}, layout)) + "\n",
+            .essence = plainJSON(dayJSON(timeless, {}, layout))};
+}
+
+// A view for who follows the day; pages of text are parted by a blank line.
+FollowedPage followedPage(WidgetExtension::ScheduleWidgetView const& view, Invocation const& invocation,
+                          DayRequest const& request) {
+    if (request.writesStatusBar) return sameText(plainJSON(statusBarLine(view)) + "\n");
+    if (request.writesJSON) return followedJSON(view);
+    return sameText(faceText(view.layout(), {.showsColors = invocation.console.showsColors(),
+                                             .columns = invocation.console.columns()}) +
+                    "\n");
+}
+
+void checkReach(std::optional<std::int64_t> offset) {
+    constexpr auto furthest = WidgetExtension::ScheduleWidgetDayOffsetStore::maxOffset;
+    if (offset && (*offset < -furthest || *offset > furthest))
+        throw CommandError::wrongUse(Texts::beyondTheButtons(*offset, furthest));
+}
+
+ExitCode follow(Invocation const& invocation, DayRequest const& request) {
+    checkReach(request.day.offset);
+    auto const live = liveServices(invocation);
+    printFollowing(invocation, *live, request.day.offset, request.family,
+                   [&](WidgetExtension::ScheduleWidgetView const& view) {
+                       return followedPage(view, invocation, request);
+                   });
+    return ExitCode::done;
+}
+
 ExitCode run(Invocation const& invocation) {
     auto const request = requestOf(invocation);
+    if (invocation.values.has("--follow")) return follow(invocation, request);
     auto const live = liveServices(invocation, request.at);
     Foundation::TaskLoop loop;
     auto services = live->scheduleWidgetServices(loop.executor());
@@ -152,6 +202,11 @@ ExitCode run(Invocation const& invocation) {
 
     if (drawsPictures) writePictures(invocation, services, layout, request.scale);
     if (request.writesJSON) invocation.console.writeLine(plainJSON(dayJSON(day.entry, day.policy, layout)));
+    if (request.writesStatusBar) {
+        WidgetExtension::QuilloraWidgetBundle const bundle(services);
+        auto const view = bundle.body().front().content(day.entry, request.family, scheme);
+        invocation.console.writeLine(plainJSON(statusBarLine(view)));
+    }
     if (request.writesText) {
         invocation.console.write(faceText(layout, {.showsColors = invocation.console.showsColors(),
                                                    .columns = invocation.console.columns()}));
@@ -167,43 +222,49 @@ Command dayCommand() {
         .path = "day",
         .summary = Texts::text("day-summary"),
         .description = Texts::text("day-description"),
-        .options = withDayChoice({{.name = "--family",
-                                   .valueName = "FAMILY",
-                                   .help = Texts::text("day-option-family"),
-                                   .choices = {"small", "medium", "large"}},
-                                  {.name = "--at",
-                                   .valueName = "MOMENT",
-                                   .help = Texts::text("day-option-at"),
-                                   .kind = ValueKind::moment},
-                                  {.name = "--with-backend", .help = Texts::text("day-option-with-backend")},
-                                  {.name = "--text", .help = Texts::text("day-option-text")},
-                                  {.name = "--json", .help = Texts::text("day-option-json")},
-                                  {.name = "--png",
-                                   .valueName = "FILE",
-                                   .help = Texts::text("day-option-png"),
-                                   .kind = ValueKind::file},
-                                  {.name = "--svg",
-                                   .valueName = "FILE",
-                                   .help = Texts::text("day-option-svg"),
-                                   .kind = ValueKind::file},
-                                  {.name = "--pdf",
-                                   .valueName = "FILE",
-                                   .help = Texts::text("day-option-pdf"),
-                                   .kind = ValueKind::file},
-                                  {.name = "--scheme",
-                                   .valueName = "SCHEME",
-                                   .help = Texts::text("day-option-scheme"),
-                                   .choices = {"light", "dark"}},
-                                  {.name = "--scale",
-                                   .valueName = "S",
-                                   .help = Texts::text("day-option-scale"),
-                                   .kind = ValueKind::number}}),
+        .options =
+            withDayChoice({{.name = "--family",
+                            .valueName = "FAMILY",
+                            .help = Texts::text("day-option-family"),
+                            .choices = {"small", "medium", "large"}},
+                           {.name = "--at",
+                            .valueName = "MOMENT",
+                            .help = Texts::text("day-option-at"),
+                            .kind = ValueKind::moment},
+                           {.name = "--with-backend", .help = Texts::text("day-option-with-backend")},
+                           {.name = "--text", .help = Texts::text("day-option-text")},
+                           {.name = "--json", .help = Texts::text("day-option-json")},
+                           {.name = "--waybar", .help = Texts::text("day-option-waybar")},
+                           {.name = "--follow",
+                            .help = Texts::text("day-option-follow"),
+                            .excludes = {"--day", "--at", "--with-backend", "--png", "--svg", "--pdf"}},
+                           {.name = "--png",
+                            .valueName = "FILE",
+                            .help = Texts::text("day-option-png"),
+                            .kind = ValueKind::file},
+                           {.name = "--svg",
+                            .valueName = "FILE",
+                            .help = Texts::text("day-option-svg"),
+                            .kind = ValueKind::file},
+                           {.name = "--pdf",
+                            .valueName = "FILE",
+                            .help = Texts::text("day-option-pdf"),
+                            .kind = ValueKind::file},
+                           {.name = "--scheme",
+                            .valueName = "SCHEME",
+                            .help = Texts::text("day-option-scheme"),
+                            .choices = {"light", "dark"}},
+                           {.name = "--scale",
+                            .valueName = "S",
+                            .help = Texts::text("day-option-scale"),
+                            .kind = ValueKind::number}}),
         .examples = {{"quillora day", Texts::text("day-example-1")},
                      {"quillora day --offset 1", Texts::text("day-example-2")},
                      {"quillora day --day 2026-03-11 --json", Texts::text("day-example-3")},
                      {"quillora day --with-backend", Texts::text("day-example-5")},
                      {"quillora day --family medium --scheme dark --png day.png",
-                      Texts::text("day-example-4")}},
+                      Texts::text("day-example-4")},
+                     {"quillora day --waybar --follow", Texts::text("day-example-follow")}},
         .run = run,
     };
 }

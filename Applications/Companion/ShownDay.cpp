@@ -1,9 +1,9 @@
 #include "Applications/Companion/ShownDay.h"
 
 #include "Applications/Companion/CommandError.h"
+#include "Applications/Companion/StoredOffset.h"
 #include "Applications/Companion/Support.h"
 #include "Applications/Companion/Texts.h"
-#include "Applications/Companion/UnsavedFiles.h"
 #include "Foundation/FatalError.h"
 #include "Platform/Clock/FixedClock.h"
 #include "WidgetExtension/QuilloraWidgetBundle.h"
@@ -32,19 +32,12 @@ ShownDay timelineOf(ScheduleWidgetServices const& services, Foundation::TaskLoop
     return {.entry = std::move(timeline->entries.front()), .policy = timeline->policy};
 }
 
-ScheduleWidgetServices withOffset(ScheduleWidgetServices services, std::int64_t offset) {
-    auto const files = std::make_shared<UnsavedFiles>(services.files);
-    DayOffsetStore::save(*files, offset);
-    services.files = files;
-    return services;
-}
-
 ShownDay distantDay(ScheduleWidgetServices const& services, Foundation::TaskLoop& loop, std::int64_t offset) {
     auto const now = services.clock->now();
     auto const date = services.region->currentCalendar().dateByAddingDays(offset, now);
     if (!date) throw CommandError::wrongUse(Texts::noSuchDay(offset));
 
-    auto there = withOffset(services, 0);
+    auto there = withStoredOffset(services, 0);
     there.clock = std::make_shared<Platform::FixedClock>(*date);
     auto day = timelineOf(there, loop);
     day.entry.dayOffset = offset;
@@ -88,7 +81,8 @@ ShownDay shownDay(ScheduleWidgetServices const& services, Foundation::TaskLoop& 
                   std::optional<std::int64_t> offset) {
     if (!offset) return timelineOf(services, loop);
     bool const isInReach = *offset >= -DayOffsetStore::maxOffset && *offset <= DayOffsetStore::maxOffset;
-    return isInReach ? timelineOf(withOffset(services, *offset), loop) : distantDay(services, loop, *offset);
+    return isInReach ? timelineOf(withStoredOffset(services, *offset), loop)
+                     : distantDay(services, loop, *offset);
 }
 
 Platform::FaceLayout faceOf(ScheduleWidgetServices const& services, ShownDay const& day,

@@ -30,6 +30,11 @@ gboolean callForDescriptor(gint, GIOCondition, gpointer handler) noexcept {
     return callAndKeep(handler);
 }
 
+// Such a source calls its function with two more arguments than the type of all of them tells.
+GSourceFunc functionForDescriptor() {
+    return reinterpret_cast<GSourceFunc>(reinterpret_cast<void (*)()>(callForDescriptor)); // NOLINT
+}
+
 _GSource* attach(GSource* source, GSourceFunc function, Handler handler) {
     g_source_set_callback(source, function, new Handler(std::move(handler)), deleteHandler);
     g_source_attach(source, nullptr);
@@ -40,9 +45,13 @@ _GSource* attach(GSource* source, GSourceFunc function, Handler handler) {
 
 GLibSource GLibSource::watchingDescriptor(int descriptor, std::function<void()> handler) {
     return GLibSource(
-        attach(g_unix_fd_source_new(descriptor, G_IO_IN),
-               reinterpret_cast<GSourceFunc>(reinterpret_cast<void (*)()>(callForDescriptor)), // NOLINT
-               std::move(handler)));
+        attach(g_unix_fd_source_new(descriptor, G_IO_IN), functionForDescriptor(), std::move(handler)));
+}
+
+GLibSource GLibSource::whenHungUp(int descriptor, std::function<void()> handler) {
+    auto const conditions = static_cast<GIOCondition>(G_IO_ERR | G_IO_HUP);
+    return GLibSource(
+        attach(g_unix_fd_source_new(descriptor, conditions), functionForDescriptor(), std::move(handler)));
 }
 
 GLibSource GLibSource::afterDelay(unsigned milliseconds, std::function<void()> handler) {

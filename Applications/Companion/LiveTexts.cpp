@@ -1,0 +1,11 @@
+#include "Applications/Companion/LiveTexts.h"
+
+#include "Applications/Companion/TextLookup.h"
+
+namespace Companion::Texts {
+
+std::string beyondTheButtons(std::int64_t offset, std::int64_t furthest) {
+    return text("beyond-the-buttons", std::to_string(offset), std::to_string(furthest));
+}
+
+} // namespace Companion::Texts

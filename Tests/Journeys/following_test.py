@@ -1,0 +1,201 @@
+#!/usr/bin/env python3
+"""Follows a day with the real program: its lines, and a status bar's.
+
+Usage: following_test.py QUILLORA
+"""
+
+import datetime
+import json
+import os
+import select
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+QUILLORA = sys.argv[1]
+PATIENCE = 120  # Seconds, for a loaded machine under a sanitizer; nothing here waits without a condition.
+
+
+def event(uid, title, start, end):
+    form = "%Y%m%dT%H%M%SZ"
+    lines = [
+        "BEGIN:VCALENDAR", "VERSION:2.0", "PRODID:-//Test//EN", "BEGIN:VEVENT", f"UID:{uid}", "DTSTAMP:20260101T000000Z",
+        f"SUMMARY:{title}", f"DTSTART:{start.strftime(form)}", f"DTEND:{end.strftime(form)}", "END:VEVENT", "END:VCALENDAR", "",
+    ]
+    return "\r\n".join(lines)
+
+
+class Home:
+    """A person's home of the test's own. It lies in a zone where it is about noon, so that no day ends meanwhile."""
+
+    def __init__(self):
+        self.folder = tempfile.mkdtemp(prefix="quillora-following-")
+        offset = 12 - datetime.datetime.now(datetime.timezone.utc).hour
+        self.environment = {
+            "PATH": "/usr/bin:/bin", "HOME": self.folder, "LANG": "C.UTF-8", "TERM": "xterm",
+            "TZ": f"<T>{-offset:+d}", "TMPDIR": self.folder, **{
+                name: os.path.join(self.folder, place) for name, place in (
+                    ("XDG_CONFIG_HOME", "config"), ("XDG_DATA_HOME", "data"), ("XDG_CACHE_HOME", "cache"), ("XDG_RUNTIME_DIR", "run"))},
+            **{name: value for name, value in os.environ.items() if name.endswith("SAN_OPTIONS")},
+        }
+        self.calendar = os.path.join(self.folder, "calendars", "work")
+        os.makedirs(self.calendar)
+        os.makedirs(os.path.join(self.folder, "run"))
+        self.now = datetime.datetime.now(datetime.timezone.utc)
+        self.write("first", "First & <foremost>", 1)
+        self.run("setup", "--yes", "--keychain", "file")
+        self.run("sources", "add", os.path.join(self.folder, "calendars"))
+
+    def write(self, name, title, hours):
+        start = self.now + datetime.timedelta(hours=hours)
+        path = os.path.join(self.calendar, name + ".ics")
+        with open(path + ".tmp", "w", encoding="utf-8", newline="") as file:
+            file.write(event(name, title, start, start + datetime.timedelta(minutes=30)))
+        os.rename(path + ".tmp", path)
+
+    def run(self, *words):
+        return subprocess.run([QUILLORA, *words], env=self.environment, check=True, capture_output=True, text=True).stdout
+
+    def calendar_identifier(self):
+        accounts = json.loads(self.run("calendars", "list", "--json"))["accounts"]
+        return next(c["eciId"] for a in accounts for c in a["eacCalendars"] if c["eciTitle"] == "work")
+
+    def remove(self):
+        shutil.rmtree(self.folder, ignore_errors=True)
+
+
+class Follower:
+    """A program that prints lines until it is ended."""
+
+    def __init__(self, home, *words):
+        self.process = subprocess.Popen(
+            [QUILLORA, "day", "--follow", *words], env=home.environment, stdin=subprocess.DEVNULL,
+            stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+        self.bytes = b""
+
+    def line(self):
+        end = time.monotonic() + PATIENCE
+        while b"\n" not in self.bytes:
+            if not select.select([self.process.stdout], [], [], max(0, end - time.monotonic()))[0]:
+                raise AssertionError(f"no further line; so far {self.bytes!r}")
+            more = os.read(self.process.stdout.fileno(), 65536)
+            if not more:
+                raise AssertionError("it ended: " + self.process.stderr.read().decode())
+            self.bytes += more
+        line, _, self.bytes = self.bytes.partition(b"\n")
+        return line.decode()
+
+    def line_where(self, holds):
+        while True:
+            line = json.loads(self.line())
+            if holds(line):
+                return line
+
+    def end(self, number):
+        self.process.send_signal(number)
+        return self.process.wait(PATIENCE)
+
+    def switches(self):
+        """How often its threads went to sleep so far."""
+        count = 0
+        folder = f"/proc/{self.process.pid}/task"
+        for task in os.listdir(folder):
+            with open(f"{folder}/{task}/status", encoding="utf-8") as status:
+                count += sum(int(line.split()[1]) for line in status if "ctxt_switches" in line)
+        return count
+
+    def stop(self):
+        if self.process.poll() is None:
+            self.process.kill()
+        self.process.wait()
+        self.process.stdout.close()
+        self.process.stderr.close()
+
+
+def names(day):
+    return [meeting["metName"] for meeting in day["meetings"]]
+
+
+class Following(unittest.TestCase):
+    def setUp(self):
+        self.home = Home()
+        self.addCleanup(self.home.remove)
+
+    def follower(self, *words):
+        follower = Follower(self.home, *words)
+        self.addCleanup(follower.stop)
+        return follower
+
+    def test_everyKindOfChangeIsALineOfItsOwn(self):
+        follower = self.follower("--json")
+        self.assertEqual(names(json.loads(follower.line())), ["First & <foremost>"])
+        self.home.write("second", "Second", 2)
+        follower.line_where(lambda day: "Second" in names(day))
+        self.home.run("calendars", "hide", self.home.calendar_identifier())
+        follower.line_where(lambda day: names(day) == [])
+        self.home.run("calendars", "show", self.home.calendar_identifier())
+        follower.line_where(lambda day: len(names(day)) == 2)
+        self.home.run("next")
+        follower.line_where(lambda day: day["dayOffset"] == 1)
+        self.assertEqual(follower.end(signal.SIGTERM), 0)
+        self.assertEqual(follower.process.stderr.read(), b"")
+
+    def test_anotherDayStaysThatDay(self):
+        follower = self.follower("--json", "--offset", "1")
+        self.assertEqual(json.loads(follower.line())["dayOffset"], 1)
+        self.home.run("previous")
+        self.home.write("tomorrow", "Tomorrow", 24)
+        day = follower.line_where(lambda day: names(day) == ["Tomorrow"])
+        self.assertEqual(day["dayOffset"], 1)
+        self.assertEqual(follower.end(signal.SIGINT), 0)
+
+    def test_aStatusBarsLine(self):
+        follower = self.follower("--waybar")
+        line = json.loads(follower.line())
+        self.assertEqual(sorted(line), ["class", "text", "tooltip"])
+        self.assertEqual(line["class"], "next")
+        self.assertTrue(line["text"].endswith("First &amp; &lt;foremost&gt;"), line["text"])
+        self.assertIn("First &amp; &lt;foremost&gt;", line["tooltip"])
+        self.home.write("first", "Running", 0)
+        self.assertEqual(follower.line_where(lambda line: "Running" in line["text"])["class"], "now")
+        os.remove(os.path.join(self.home.calendar, "first.ics"))
+        follower.line_where(lambda line: line["class"] == "free")
+        self.home.run("access", "deny")
+        follower.line_where(lambda line: line["class"] == "denied")
+
+    def test_aReaderThatGoesAwayEndsIt(self):
+        follower = self.follower("--json")
+        follower.line()
+        follower.process.stdout.close()
+        self.assertEqual(follower.process.wait(PATIENCE), 0)
+        self.assertEqual(follower.process.stderr.read(), b"")
+
+    def test_anIdleFollowerDoesNotWake(self):
+        follower = self.follower("--json")
+        follower.line()
+        end = time.monotonic() + PATIENCE
+        while True:
+            before = follower.switches()
+            time.sleep(2)
+            if follower.switches() == before:
+                return
+            self.assertLess(time.monotonic(), end, "it woke within each two seconds")
+
+    def test_aFullDiskIsAnError(self):
+        with open("/dev/full", "wb") as full:
+            done = subprocess.run([QUILLORA, "day", "--follow"], env=self.home.environment, stdout=full, stderr=subprocess.PIPE, timeout=PATIENCE)
+        self.assertEqual(done.returncode, 1)
+        self.assertIn(b"standard output could not be written", done.stderr)
+
+    def test_whatCannotBeFollowedIsRefused(self):
+        for words in (["--day", "2026-03-11"], ["--at", "2026-03-11"], ["--png", "x.png"], ["--offset", "11"], ["--json", "--waybar"]):
+            done = subprocess.run([QUILLORA, "day", "--follow", *words], env=self.home.environment, capture_output=True, timeout=PATIENCE)
+            self.assertEqual(done.returncode, 2, words)
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1], verbosity=1)
