@@ -5,6 +5,7 @@
 #include "Applications/Companion/DayWithBackend.h"
 #include "Applications/Companion/FaceText.h"
 #include "Applications/Companion/FollowedLines.h"
+#include "Applications/Companion/LiveDay.h"
 #include "Applications/Companion/LiveTexts.h"
 #include "Applications/Companion/OutputFile.h"
 #include "Applications/Companion/PictureStyle.h"
@@ -183,6 +184,7 @@ ExitCode follow(Invocation const& invocation, DayRequest const& request) {
 
 ExitCode run(Invocation const& invocation) {
     auto const request = requestOf(invocation);
+    if (invocation.values.has("--live")) return showLiveDay(invocation, request.family);
     if (invocation.values.has("--follow")) return follow(invocation, request);
     auto const live = liveServices(invocation, request.at);
     Foundation::TaskLoop loop;
@@ -238,6 +240,10 @@ Command dayCommand() {
                            {.name = "--follow",
                             .help = Texts::text("day-option-follow"),
                             .excludes = {"--day", "--at", "--with-backend", "--png", "--svg", "--pdf"}},
+                           {.name = "--live",
+                            .help = Texts::text("day-option-live"),
+                            .excludes = {"--offset", "--day", "--at", "--with-backend", "--text", "--json",
+                                         "--waybar", "--follow", "--png", "--svg", "--pdf"}},
                            {.name = "--png",
                             .valueName = "FILE",
                             .help = Texts::text("day-option-png"),
@@ -264,7 +270,8 @@ Command dayCommand() {
                      {"quillora day --with-backend", Texts::text("day-example-5")},
                      {"quillora day --family medium --scheme dark --png day.png",
                       Texts::text("day-example-4")},
-                     {"quillora day --waybar --follow", Texts::text("day-example-follow")}},
+                     {"quillora day --waybar --follow", Texts::text("day-example-follow")},
+                     {"quillora day --live", Texts::text("day-example-live")}},
         .run = run,
     };
 }

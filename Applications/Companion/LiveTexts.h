@@ -7,5 +7,7 @@
 namespace Companion::Texts {
 
 std::string beyondTheButtons(std::int64_t offset, std::int64_t furthest);
+std::string liveNeedsTerminal();
+std::string liveKeys();
 
 } // namespace Companion::Texts

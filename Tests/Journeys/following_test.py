@@ -1,18 +1,22 @@
 #!/usr/bin/env python3
-"""Follows a day with the real program: its lines, and a status bar's.
+"""Follows a day with the real program: its lines, a status bar's, and the view that fills a terminal.
 
 Usage: following_test.py QUILLORA
 """
 
 import datetime
+import fcntl
 import json
 import os
+import pty
 import select
 import shutil
 import signal
+import struct
 import subprocess
 import sys
 import tempfile
+import termios
 import time
 import unittest
 
@@ -195,6 +199,130 @@ class Following(unittest.TestCase):
         for words in (["--day", "2026-03-11"], ["--at", "2026-03-11"], ["--png", "x.png"], ["--offset", "11"], ["--json", "--waybar"]):
             done = subprocess.run([QUILLORA, "day", "--follow", *words], env=self.home.environment, capture_output=True, timeout=PATIENCE)
             self.assertEqual(done.returncode, 2, words)
+
+
+class Screen:
+    """The program on a terminal of its own."""
+
+    def __init__(self, home, columns=80):
+        self.terminal, self.end = pty.openpty()
+        self.resize(columns)
+        self.before = termios.tcgetattr(self.end)
+        self.process = subprocess.Popen(
+            [QUILLORA, "day", "--live"], env=home.environment, stdin=self.end, stdout=self.end, stderr=self.end, start_new_session=True,
+            preexec_fn=lambda: fcntl.ioctl(0, termios.TIOCSCTTY, 0))
+        self.seen = b""
+
+    def resize(self, columns):
+        fcntl.ioctl(self.end, termios.TIOCSWINSZ, struct.pack("HHHH", 24, columns, 0, 0))
+
+    def read_until(self, text):
+        end = time.monotonic() + PATIENCE
+        while text not in self.seen:
+            if select.select([self.terminal], [], [], max(0, end - time.monotonic()))[0]:
+                self.seen += os.read(self.terminal, 65536)
+            elif time.monotonic() >= end:
+                raise AssertionError(f"{text!r} did not come, but {self.seen!r}")
+        self.seen = self.seen.partition(text)[2]
+
+    def press(self, keys):
+        os.write(self.terminal, keys)
+
+    def close(self):
+        if self.process.poll() is None:
+            self.process.kill()
+        self.process.wait()
+        os.close(self.terminal)
+        os.close(self.end)
+
+
+LEAVE = b"\x1b[?25h\x1b[?1049l"
+
+
+class Live(unittest.TestCase):
+    def setUp(self):
+        self.home = Home()
+        self.addCleanup(self.home.remove)
+
+    def screen(self, **more):
+        screen = Screen(self.home, **more)
+        self.addCleanup(screen.close)
+        screen.read_until(b"foremost")
+        return screen
+
+    def offset(self):
+        return json.loads(self.home.run("day", "--json"))["dayOffset"]
+
+    def heading(self):
+        return self.home.run("day").split("\n")[0].encode()
+
+    def test_keysMoveTheDay(self):
+        screen = self.screen()
+        for keys, offset in ((b"n", 1), (b"\x1b[C", 2), (b"p", 1), (b"\x1b[D", 0), (b"\x1bOD", -1), (b"t", 0), (b"l", 1), (b"\x1b[H", 0)):
+            screen.press(keys)
+            end = time.monotonic() + PATIENCE
+            while self.offset() != offset:
+                self.assertLess(time.monotonic(), end, keys)
+            screen.read_until(self.heading())
+
+    def test_qGivesTheTerminalBack(self):
+        screen = self.screen()
+        screen.press(b"q")
+        screen.read_until(LEAVE)
+        self.assertEqual(screen.process.wait(PATIENCE), 0)
+        self.assertEqual(termios.tcgetattr(screen.end), screen.before)
+
+    def test_everySignalGivesTheTerminalBack(self):
+        for number, code in ((signal.SIGINT, 0), (signal.SIGTERM, 0), (signal.SIGHUP, 0), (signal.SIGQUIT, None), (signal.SIGABRT, None)):
+            screen = self.screen()
+            self.assertNotEqual(termios.tcgetattr(screen.end), screen.before)
+            screen.process.send_signal(number)
+            screen.read_until(LEAVE)
+            ended = screen.process.wait(PATIENCE)
+            self.assertEqual(ended, -number if code is None else code, number)
+            self.assertEqual(termios.tcgetattr(screen.end), screen.before, number)
+
+    def test_controlCEndsIt(self):
+        screen = self.screen()
+        screen.press(b"\x03")
+        screen.read_until(LEAVE)
+        self.assertEqual(screen.process.wait(PATIENCE), 0)
+
+    def test_itFollowsTheCalendars(self):
+        screen = self.screen()
+        self.home.write("second", "Second meet", 2)
+        screen.read_until(b"Second meet")
+
+    def test_itFitsATerminalThatChanges(self):
+        self.home.write("long", "A title that is much too long for a narrow terminal", 3)
+        screen = self.screen()
+        screen.read_until(b"much too long for a narrow terminal")
+        screen.resize(40)
+        screen.process.send_signal(signal.SIGWINCH)
+        screen.read_until("…".encode())
+
+    def test_coloursAreLeftOutOnRequest(self):
+        screen = self.screen()
+        self.home.write("second", "Coloured", 2)
+        screen.read_until(b"\x1b[38;2;")
+        self.home.environment["NO_COLOR"] = "1"
+        plain = self.screen()
+        plain.press(b"q")
+        plain.read_until(LEAVE)
+        self.home.write("third", "Plain", 3)
+        other = Screen(self.home)
+        self.addCleanup(other.close)
+        other.read_until(b"\x1b[?7l")
+        seen = b""
+        while b"Plain" not in seen:
+            seen += os.read(other.terminal, 65536)
+        self.assertNotIn(b"\x1b[38;2;", seen)
+        self.assertNotIn(b"\x1b[1m", seen)
+
+    def test_withoutATerminalItIsRefused(self):
+        done = subprocess.run([QUILLORA, "day", "--live"], env=self.home.environment, stdin=subprocess.DEVNULL, capture_output=True, timeout=PATIENCE)
+        self.assertEqual(done.returncode, 2)
+        self.assertIn(b"--live needs a terminal", done.stderr)
 
 
 if __name__ == "__main__":
