@@ -54,7 +54,7 @@ std::string programSummary() {
 }
 
 std::vector<ManualEntry> exitStatuses() {
-    return {{"0", exitDone()}, {"1", exitFailed()}, {"2", exitWrongUse()}};
+    return {{"0", exitDone()}, {"1", exitFailed()}, {"2", exitWrongUse()}, {"130", exitInterrupted()}};
 }
 
 std::vector<ManualEntry> environmentVariables() {

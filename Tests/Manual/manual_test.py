@@ -117,7 +117,7 @@ class BashCompletion(unittest.TestCase):
         with tempfile.TemporaryDirectory() as folder:
             open(os.path.join(folder, "a b.ics"), "w", encoding="utf-8").close()
             os.mkdir(os.path.join(folder, "a c"))
-            self.assertEqual(completed(f"quillora occurrences {folder}/a"), sorted([f"{folder}/a b.ics", f"{folder}/a c"]))
+            self.assertEqual(sorted(completed(f"quillora occurrences {folder}/a")), [f"{folder}/a b.ics", f"{folder}/a c"])
             self.assertEqual(completed(f"quillora sources add {folder}/a"), [f"{folder}/a c"])
 
     def test_calendarsAndSourcesAreThePersonsOwn(self):
