@@ -11,9 +11,11 @@
 #include "WidgetExtension/ScheduleDayStep.h"
 #include "WidgetExtension/ScheduleWidgetDayOffsetStore.h"
 
+#include <algorithm>
 #include <csignal>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <unistd.h>
 
 namespace Companion {
@@ -22,6 +24,22 @@ namespace DayOffsetStore = WidgetExtension::ScheduleWidgetDayOffsetStore;
 using Platform::TerminalKey;
 
 namespace {
+
+// As many lines of a face as leave room for a blank one and for the keys.
+std::string pageAboveKeys(std::string_view face, std::size_t rows) {
+    std::string page;
+    for (std::size_t row = 2; row < rows && !face.empty(); ++row) {
+        auto const end = std::min(face.find('\n'), face.size() - 1) + 1;
+        page += face.substr(0, end);
+        face.remove_prefix(end);
+    }
+    return page + (rows > 1 ? "\n" : "") + Texts::liveKeys();
+}
+
+bool canMoveItsCursor(Foundation::Environment const& environment) {
+    auto const terminal = environment.value("TERM").value_or("");
+    return !terminal.empty() && terminal != "dumb";
+}
 
 class LiveDay {
 public:
@@ -44,8 +62,9 @@ public:
 private:
     void draw(WidgetExtension::ScheduleWidgetView const& view) {
         auto const size = terminal.size();
-        auto page = faceText(view.layout(), {.showsColors = console.showsColors(), .columns = size.columns});
-        terminal.show(page + "\n" + Texts::liveKeys());
+        auto const page =
+            faceText(view.layout(), {.showsColors = console.showsColors(), .columns = size.columns});
+        terminal.show(pageAboveKeys(page, size.rows));
     }
 
     void takeKeys() {
@@ -62,6 +81,10 @@ private:
         if (key.kind == TerminalKey::Kind::left || key.character == 'p' || key.character == 'h') step(-1);
         if (key.kind == TerminalKey::Kind::right || key.character == 'n' || key.character == 'l') step(1);
         if (key.kind == TerminalKey::Kind::home || key.character == 't') goToToday();
+        if (key.character == suspension) {
+            terminal.suspend();
+            follower.showAgain();
+        }
         if (key.character == 'q' || key.character == endOfTransmission) follower.quit();
     }
 
@@ -79,7 +102,9 @@ private:
         follower.reload();
     }
 
+    // What Ctrl-D and Ctrl-Z send.
     static constexpr char endOfTransmission = '\x04';
+    static constexpr char suspension = '\x1a';
 
     Console const& console;
     Composition::LiveServices& live;
@@ -92,6 +117,8 @@ private:
 ExitCode showLiveDay(Invocation const& invocation, Platform::WidgetFamily family) {
     if (::isatty(STDIN_FILENO) != 1 || ::isatty(STDOUT_FILENO) != 1)
         throw CommandError::wrongUse(Texts::liveNeedsTerminal());
+    if (!canMoveItsCursor(invocation.environment))
+        throw CommandError::wrongUse(Texts::liveNeedsAnotherTerminal());
     auto const live = liveServices(invocation);
     {
         // A question for the calendars is asked and answered before the screen is taken.

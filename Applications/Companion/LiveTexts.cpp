@@ -12,6 +12,10 @@ std::string liveNeedsTerminal() {
     return text("live-needs-terminal");
 }
 
+std::string liveNeedsAnotherTerminal() {
+    return text("live-needs-another-terminal");
+}
+
 std::string liveKeys() {
     return text("live-keys");
 }

@@ -8,6 +8,7 @@ namespace Companion::Texts {
 
 std::string beyondTheButtons(std::int64_t offset, std::int64_t furthest);
 std::string liveNeedsTerminal();
+std::string liveNeedsAnotherTerminal();
 std::string liveKeys();
 
 } // namespace Companion::Texts

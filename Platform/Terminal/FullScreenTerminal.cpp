@@ -63,7 +63,8 @@ void releaseDeadlySignals() {
         ::sigaction(deadly[index], &former.actions[index], nullptr);
 }
 
-// Keys one by one and unseen. Ctrl-C still interrupts; Ctrl-Z would leave a screen that nobody gives back.
+// Keys one by one and unseen. Ctrl-C still interrupts; Ctrl-Z comes as a key, since the screen has to be
+// given back first.
 termios keyModes(termios modes) {
     modes.c_lflag &= ~static_cast<tcflag_t>(ICANON | ECHO);
     modes.c_cc[VMIN] = 0;
@@ -127,6 +128,12 @@ struct FullScreenTerminal::State {
     int input;
     int output;
     std::string bytes;
+
+    void takeOver() const {
+        auto const wanted = keyModes(former.modes);
+        ::tcsetattr(input, TCSADRAIN, &wanted);
+        writeAll(output, enter);
+    }
 };
 
 FullScreenTerminal::FullScreenTerminal(int input, int output)
@@ -138,14 +145,19 @@ FullScreenTerminal::FullScreenTerminal(int input, int output)
     former.output = output;
     former.modes = modes;
     catchDeadlySignals();
-    auto const wanted = keyModes(modes);
-    ::tcsetattr(input, TCSADRAIN, &wanted);
-    writeAll(output, enter);
+    state->takeOver();
 }
 
 FullScreenTerminal::~FullScreenTerminal() {
     releaseDeadlySignals();
     giveBack();
+}
+
+void FullScreenTerminal::suspend() {
+    giveBack();
+    // All of the terminal's foreground, as Ctrl-Z would have it. The process stands still within this call.
+    ::kill(0, SIGTSTP);
+    state->takeOver();
 }
 
 FullScreenTerminal::Size FullScreenTerminal::size() const {

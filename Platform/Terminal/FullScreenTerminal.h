@@ -38,6 +38,11 @@ public:
     FullScreenTerminal& operator=(FullScreenTerminal const&) = delete;
     ~FullScreenTerminal();
 
+    /// Gives the terminal back and stops the process, as Ctrl-Z does elsewhere; that comes as the key '\x1a'
+    /// here. Returns with the terminal taken again and empty, once the process is continued. For the main
+    /// thread.
+    void suspend();
+
     /// 80 × 24 where the terminal does not know.
     [[nodiscard]] Size size() const;
 

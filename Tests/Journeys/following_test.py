@@ -202,28 +202,30 @@ class Following(unittest.TestCase):
 
 
 class Screen:
-    """The program on a terminal of its own."""
+    """The program, or another that runs it, on a terminal of its own."""
 
-    def __init__(self, home, columns=80):
+    def __init__(self, home, columns=80, rows=24, command=(QUILLORA, "day", "--live")):
         self.terminal, self.end = pty.openpty()
-        self.resize(columns)
+        self.resize(columns, rows)
         self.before = termios.tcgetattr(self.end)
         self.process = subprocess.Popen(
-            [QUILLORA, "day", "--live"], env=home.environment, stdin=self.end, stdout=self.end, stderr=self.end, start_new_session=True,
+            command, env=home.environment, stdin=self.end, stdout=self.end, stderr=self.end, start_new_session=True,
             preexec_fn=lambda: fcntl.ioctl(0, termios.TIOCSCTTY, 0))
         self.seen = b""
 
-    def resize(self, columns):
-        fcntl.ioctl(self.end, termios.TIOCSWINSZ, struct.pack("HHHH", 24, columns, 0, 0))
+    def resize(self, columns, rows=24):
+        fcntl.ioctl(self.end, termios.TIOCSWINSZ, struct.pack("HHHH", rows, columns, 0, 0))
 
     def read_until(self, text):
+        """What comes before `text`; both are then done with."""
         end = time.monotonic() + PATIENCE
         while text not in self.seen:
             if select.select([self.terminal], [], [], max(0, end - time.monotonic()))[0]:
                 self.seen += os.read(self.terminal, 65536)
             elif time.monotonic() >= end:
                 raise AssertionError(f"{text!r} did not come, but {self.seen!r}")
-        self.seen = self.seen.partition(text)[2]
+        before, _, self.seen = self.seen.partition(text)
+        return before
 
     def press(self, keys):
         os.write(self.terminal, keys)
@@ -236,7 +238,9 @@ class Screen:
         os.close(self.end)
 
 
+ENTER = b"\x1b[?1049h"
 LEAVE = b"\x1b[?25h\x1b[?1049l"
+KEYS = "← previous   → next   t today   q quit".encode()
 
 
 class Live(unittest.TestCase):
@@ -287,6 +291,58 @@ class Live(unittest.TestCase):
         screen.press(b"\x03")
         screen.read_until(LEAVE)
         self.assertEqual(screen.process.wait(PATIENCE), 0)
+
+    def test_controlZGivesTheTerminalBackAndFgTakesItAgain(self):
+        self.home.environment["PS1"] = "ready> "
+        shell = Screen(self.home, command=("bash", "--norc", "--noprofile", "-i"))
+        self.addCleanup(shell.close)
+        shell.read_until(b"ready> ")
+        shell.press(f"'{QUILLORA}' day --live\n".encode())
+        shell.read_until(ENTER)
+        shell.read_until(b"foremost")
+        for _ in range(2):
+            shell.press(b"\x1a")
+            shell.read_until(LEAVE)
+            shell.read_until(b"Stopped")
+            shell.read_until(b"ready> ")
+            shell.press(b"fg\n")
+            shell.read_until(ENTER)
+            shell.read_until(b"foremost")
+            shell.read_until(KEYS)
+        shell.press(b"n")
+        shell.read_until(KEYS)
+        shell.press(b"q")
+        shell.read_until(LEAVE)
+        shell.read_until(b"ready> ")
+        self.assertEqual(self.offset(), 1)
+        shell.press(b"echo code=$?\n")
+        shell.read_until(b"code=0\r\n")
+
+    def test_theKeysAreNamedHoweverLowTheTerminalIs(self):
+        for hour in range(2, 8):
+            self.home.write(f"more{hour}", f"Meet {hour}", hour)
+        for rows in (24, 6, 3, 2, 1):
+            screen = Screen(self.home, rows=rows)
+            self.addCleanup(screen.close)
+            screen.read_until(b"\x1b[J")  # The keys alone, before the day is known.
+            frame = screen.read_until(b"\x1b[J")
+            self.assertIn(KEYS, frame)
+            self.assertLess(frame.count(b"\r\n"), rows)
+            screen.press(b"q")
+            screen.read_until(LEAVE)
+
+    def test_itSpeaksThePersonsLanguage(self):
+        self.home.environment["LANG"] = "es_ES.UTF-8"
+        self.screen().read_until("← anterior   → siguiente   t hoy   q salir".encode())
+
+    def test_aTerminalWithoutACursorIsRefused(self):
+        for term in ("dumb", ""):
+            self.home.environment["TERM"] = term
+            screen = Screen(self.home)
+            self.addCleanup(screen.close)
+            screen.read_until(b"--live needs a terminal whose cursor can be moved")
+            self.assertEqual(screen.process.wait(PATIENCE), 2)
+            self.assertNotIn(b"\x1b", screen.seen)
 
     def test_itFollowsTheCalendars(self):
         screen = self.screen()
