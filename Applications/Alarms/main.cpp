@@ -2,6 +2,7 @@
 #include "Applications/Alarms/CalendarMeets.h"
 #include "Applications/Alarms/DesktopBell.h"
 #include "Applications/Alarms/Texts.h"
+#include "Applications/Composition/AlarmServiceLock.h"
 #include "Applications/Composition/LiveServices.h"
 #include "Applications/Watching/CalendarWatches.h"
 #include "Applications/Watching/PreferenceWatches.h"
@@ -108,10 +109,9 @@ int run(Foundation::Environment const& environment) {
         fail(Alarms::Texts::noHome());
         return 1;
     }
-    // One for each home, also where no bus runs: two would ring everything twice.
-    auto const lockFile = places->configurationDirectory / ".quillora-alarms.lock";
+    auto const lockFile = Composition::AlarmServiceLock::file(*places);
     auto const unmade = services.files()->createDirectory(places->configurationDirectory);
-    auto const held = Platform::PosixFileLocks().take(lockFile, std::chrono::milliseconds(0));
+    auto const held = Platform::PosixFileLocks().take(lockFile, Composition::AlarmServiceLock::patience);
     if (!held && held.error() == std::errc::timed_out) {
         fail(Alarms::Texts::runsAlready());
         return 0;

@@ -29,6 +29,7 @@ Findings examined(Foundation::Environment const& environment) {
         examineRegistry(services, findings);
         examineCalendars(services, *problems, findings);
         examineSharedFolder(services, findings);
+        examineAlarms(services, findings);
     } else {
         findings.broken("home", Texts::noHome(), Texts::mendHome());
     }

@@ -238,6 +238,42 @@ std::string offsetCannotBeRead(std::string_view path, std::string_view reason) {
     return text("doctor-offset-cannot-be-read", path, told(reason));
 }
 
+std::string nothingIsAnnounced() {
+    return text("doctor-nothing-is-announced");
+}
+
+std::string alarmServiceRuns(std::size_t calendars) {
+    return text("doctor-alarm-service-runs", std::to_string(calendars));
+}
+
+std::string noAlarmServiceRuns(std::size_t calendars) {
+    return text("doctor-no-alarm-service", std::to_string(calendars));
+}
+
+std::string startAlarmsCommand() {
+    return text("doctor-start-alarms-command");
+}
+
+std::string noBusForNotifications() {
+    return text("doctor-no-bus-for-notifications");
+}
+
+std::string noNotificationServer() {
+    return text("doctor-no-notification-server");
+}
+
+std::string notificationServerStarts() {
+    return text("doctor-notification-server-starts");
+}
+
+std::string notificationServerRuns() {
+    return text("doctor-notification-server-runs");
+}
+
+std::string notificationsCommand() {
+    return text("doctor-notifications-command");
+}
+
 std::string noBus() {
     return text("doctor-no-bus");
 }
@@ -326,6 +362,10 @@ std::string addSourceCommand() {
 
 std::string todayCommand() {
     return "quillora today";
+}
+
+std::string addAnnouncedCalendarCommand() {
+    return "quillora alarm calendars add ID";
 }
 
 std::string widgetCommand() {

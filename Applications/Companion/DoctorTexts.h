@@ -86,6 +86,18 @@ std::string offsetCannotBeRead(std::string_view path, std::string_view reason);
 std::string moveAwayCommand(std::string_view file);
 std::string todayCommand();
 
+// Alarms and notifications.
+std::string nothingIsAnnounced();
+std::string alarmServiceRuns(std::size_t calendars);
+std::string noAlarmServiceRuns(std::size_t calendars);
+std::string addAnnouncedCalendarCommand();
+std::string startAlarmsCommand();
+std::string noBusForNotifications();
+std::string noNotificationServer();
+std::string notificationServerStarts();
+std::string notificationServerRuns();
+std::string notificationsCommand();
+
 // Bus, texts, time zone.
 std::string noBus();
 std::string busIsUnreachable();

@@ -13,7 +13,6 @@ namespace Platform {
 
 namespace {
 
-constexpr char const* serverName = "org.freedesktop.Notifications";
 constexpr char const* serverPath = "/org/freedesktop/Notifications";
 constexpr int answerPatience = 10'000;         // Milliseconds.
 constexpr char const* pressAction = "default"; // Stands for a press on the notification itself.

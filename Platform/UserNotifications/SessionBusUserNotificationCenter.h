@@ -17,6 +17,9 @@ struct NotifyingApplication {
 /// default main context. The bus is first contacted when there is something to show, and again after it went.
 class SessionBusUserNotificationCenter final : public UserNotificationCenter {
 public:
+    /// The server's name on the bus.
+    static constexpr char const* serverName = "org.freedesktop.Notifications";
+
     /// Without a bus address nothing can be shown.
     SessionBusUserNotificationCenter(std::optional<std::string> busAddress, NotifyingApplication application);
     SessionBusUserNotificationCenter(SessionBusUserNotificationCenter const&) = delete;

@@ -50,6 +50,10 @@ void BoundedBusConnection::Release::operator()(GMainContext* object) const {
     g_main_context_unref(object);
 }
 
+void BoundedBusConnection::Release::operator()(GVariant* value) const {
+    g_variant_unref(value);
+}
+
 // A main context of its own, so that the exchange can be bounded on whichever thread it runs.
 BoundedBusConnection::BoundedBusConnection(std::string const& address, std::chrono::milliseconds patience)
     : context(g_main_context_new()),
@@ -81,20 +85,33 @@ void BoundedBusConnection::emitSignal(char const* objectPath, char const* interf
 }
 
 std::optional<bool> BoundedBusConnection::hasOwner(char const* name) const {
+    auto const answer = askBus("NameHasOwner", g_variant_new("(s)", name), "(b)");
+    if (!answer) return std::nullopt;
+    gboolean isOwned = FALSE;
+    g_variant_get(answer.get(), "(b)", &isOwned);
+    return isOwned != FALSE;
+}
+
+std::optional<bool> BoundedBusConnection::isStartable(char const* name) const {
+    auto const answer = askBus("ListActivatableNames", nullptr, "(as)");
+    if (!answer) return std::nullopt;
+    gchar const** names = nullptr;
+    g_variant_get(answer.get(), "(^a&s)", &names);
+    bool const isListed = g_strv_contains(names, name) != FALSE;
+    g_free(names);
+    return isListed;
+}
+
+// Null when the bus did not answer. Takes a floating reference to `arguments`, as GLib's own calls do.
+std::unique_ptr<GVariant, BoundedBusConnection::Release>
+BoundedBusConnection::askBus(char const* method, GVariant* arguments, char const* answerType) const {
     GAsyncResult* answered = nullptr;
     g_dbus_connection_call(connection.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus",
-                           "org.freedesktop.DBus", "NameHasOwner", g_variant_new("(s)", name),
-                           G_VARIANT_TYPE("(b)"), G_DBUS_CALL_FLAGS_NONE, -1, cancellable.get(), arrived,
-                           &answered);
+                           "org.freedesktop.DBus", method, arguments, G_VARIANT_TYPE(answerType),
+                           G_DBUS_CALL_FLAGS_NONE, -1, cancellable.get(), arrived, &answered);
     auto const result = await(context.get(), answered);
-    GVariant* const answer = g_dbus_connection_call_finish(connection.get(), result.get(), nullptr);
-    if (answer == nullptr) {
-        return std::nullopt;
-    }
-    gboolean isOwned = FALSE;
-    g_variant_get(answer, "(b)", &isOwned);
-    g_variant_unref(answer);
-    return isOwned != FALSE;
+    return std::unique_ptr<GVariant, Release>(
+        g_dbus_connection_call_finish(connection.get(), result.get(), nullptr));
 }
 
 } // namespace Platform

@@ -8,6 +8,7 @@
 typedef struct _GDBusConnection GDBusConnection;
 typedef struct _GCancellable GCancellable;
 typedef struct _GMainContext GMainContext;
+typedef struct _GVariant GVariant;
 
 namespace Platform {
 
@@ -29,12 +30,19 @@ public:
     /// Whether somebody owns the name; absent when the bus did not answer.
     [[nodiscard]] std::optional<bool> hasOwner(char const* name) const;
 
+    /// Whether the bus can start who owns the name; absent when it did not answer.
+    [[nodiscard]] std::optional<bool> isStartable(char const* name) const;
+
 private:
     struct Release {
         void operator()(GDBusConnection* object) const;
         void operator()(GCancellable* object) const;
         void operator()(GMainContext* context) const;
+        void operator()(GVariant* value) const;
     };
+
+    [[nodiscard]] std::unique_ptr<GVariant, Release> askBus(char const* method, GVariant* arguments,
+                                                            char const* answerType) const;
 
     std::unique_ptr<GMainContext, Release> context;
     std::unique_ptr<GCancellable, Release> cancellable;

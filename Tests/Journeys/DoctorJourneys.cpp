@@ -73,9 +73,9 @@ TEST_F(DoctorJourneys, aPersonReadsLinesAndWhatMendsThem) {
     auto const result = home.quillora({"doctor"});
     EXPECT_EQ(result.exitCode, 1);
     EXPECT_THAT(result.output,
-                HasSubstr("\nBROKEN  mirror     the widget shows no calendars, which is not what is "
+                HasSubstr("\nBROKEN  mirror         the widget shows no calendars, which is not what is "
                           "registered: it was not told\n"
-                          "                   -> quillora providers enable eventKit\n"));
+                          "                       -> quillora providers enable eventKit\n"));
     EXPECT_EQ(result.errors, "quillora: broken: 1; the line below each names what mends it\n");
 }
 

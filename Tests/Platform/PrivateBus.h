@@ -7,7 +7,11 @@
 /// A session bus of the test's own. While it stands it is the process's session bus.
 class PrivateBus {
 public:
-    PrivateBus() : bus(g_test_dbus_new(G_TEST_DBUS_NONE)) { g_test_dbus_up(bus); }
+    /// The bus starts those that a folder's .service files name, if one is given.
+    explicit PrivateBus(std::string const& services = {}) : bus(g_test_dbus_new(G_TEST_DBUS_NONE)) {
+        if (!services.empty()) g_test_dbus_add_service_dir(bus, services.c_str());
+        g_test_dbus_up(bus);
+    }
     ~PrivateBus() {
         if (isUp) g_test_dbus_down(bus);
         g_object_unref(bus);

@@ -19,6 +19,9 @@ void examineCalendars(Composition::LiveServices& services, CalendarProblems cons
 /// folder, offset.
 void examineSharedFolder(Composition::LiveServices& services, Findings& findings);
 
+/// alarms, notifications: the announcements of meets.
+void examineAlarms(Composition::LiveServices& services, Findings& findings);
+
 /// bus, widget, texts, zone. Needs no home.
 void examineSurroundings(Foundation::Environment const& environment, Findings& findings);
 

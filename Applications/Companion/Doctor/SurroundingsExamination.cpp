@@ -4,23 +4,25 @@
 #include "Applications/Companion/Support.h"
 #include "Applications/Composition/BundleSurvey.h"
 #include "Foundation/TimeZone.h"
-#include "Platform/WidgetHost/WidgetPresence.h"
+#include "Platform/WidgetHost/BusNameState.h"
+#include "Platform/WidgetHost/WidgetBus.h"
 
 namespace Companion::Doctor {
 
 namespace {
 
 void examineBus(Foundation::Environment const& environment, Findings& findings) {
-    switch (Platform::widgetPresence(environment)) {
-    case Platform::WidgetPresence::noBus: findings.note("bus", Texts::noBus()); return;
-    case Platform::WidgetPresence::busUnreachable:
+    switch (Platform::busNameState(environment, Platform::WidgetBus::applicationIdentifier)) {
+    case Platform::BusNameState::noBus: findings.note("bus", Texts::noBus()); return;
+    case Platform::BusNameState::busUnreachable:
         findings.broken("bus", Texts::busIsUnreachable(), Texts::mendBus());
         return;
-    case Platform::WidgetPresence::absent:
+    case Platform::BusNameState::absent:
+    case Platform::BusNameState::startable:
         findings.works("bus", Texts::busWorks());
         findings.note("widget", Texts::noWidgetRuns(), Texts::widgetCommand());
         return;
-    case Platform::WidgetPresence::running:
+    case Platform::BusNameState::owned:
         findings.works("bus", Texts::busWorks());
         findings.works("widget", Texts::widgetRuns());
         return;
