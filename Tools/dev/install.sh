@@ -2,7 +2,8 @@ help_install() {
     cat <<'END'
 ./dev install [--prefix DIR]
 
-Builds the release preset and installs it: to /usr/local as root, otherwise to ~/.local.
+Builds the release preset and installs it, to /usr/local as root, otherwise to ~/.local: the programs, the
+manual pages, the completions for bash, zsh and fish, and what a desktop and its session need to know.
 END
 }
 
@@ -15,7 +16,7 @@ dev_install() {
         *) wrong_use "\"$1\" is not an option of install" ;;
     esac
     need build
-    build_preset release quillora quillora-widget
+    build_preset release quillora quillora-widget quillora-alarms quillora_manual_pages
     cmake --install build/release --prefix "$prefix"
     note "Installed under $prefix."
 }
