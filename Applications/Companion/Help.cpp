@@ -93,6 +93,34 @@ std::vector<Command const*> runnableCommands() {
     return commands;
 }
 
+// What stands after a command's path, each option with its value.
+std::vector<std::string> synopsisParts(Command const& command) {
+    if (command.run == nullptr) return {Texts::usageMembers()};
+    std::vector<std::string> parts;
+    auto const add = [&parts](std::string const& part, bool isOptional) {
+        parts.push_back(isOptional ? "[" + part + "]" : part);
+    };
+    for (auto const& argument : command.arguments)
+        add(argumentTerm(argument), argument.count == CommandArgument::Count::atMostOne);
+    for (auto const& option : command.options)
+        add(optionTerm(option), !option.isRequired);
+    return parts;
+}
+
+// The first line stands out, those that continue it are indented further. No part is broken.
+std::string usage(Command const& command) {
+    std::string page;
+    std::string line = std::string(margin, ' ') + "quillora " + command.path;
+    for (auto const& part : synopsisParts(command)) {
+        if (Foundation::Text::terminalWidth(line) + 1 + Foundation::Text::terminalWidth(part) > pageWidth) {
+            page += line + "\n";
+            line = std::string(margin + 3, ' ');
+        }
+        line += " " + part;
+    }
+    return page + line + "\n";
+}
+
 std::string programHelp() {
     std::string page = wrapped(Texts::programDescription(), 0);
     page += "\n" + Texts::usageHeading() + "\n";
@@ -112,22 +140,15 @@ std::string programHelp() {
 
 std::string synopsis(Command const& command) {
     std::string line = "quillora " + command.path;
-    if (command.run == nullptr) return line + " " + Texts::usageMembers();
-    for (auto const& argument : command.arguments) {
-        bool const isOptional = argument.count == CommandArgument::Count::atMostOne;
-        line += isOptional ? " [" + argumentTerm(argument) + "]" : " " + argumentTerm(argument);
-    }
-    for (auto const& option : command.options)
-        line += option.isRequired ? " " + optionTerm(option) : " [" + optionTerm(option) + "]";
+    for (auto const& part : synopsisParts(command))
+        line += " " + part;
     return line;
 }
 
 std::string helpText(Command const* command) {
     if (command == nullptr) return programHelp();
     std::string page = wrapped(command->description, 0);
-    auto usage = wrapped(synopsis(*command), margin + 4);
-    usage.erase(0, 4); // The first line stands out, those that continue it are indented further.
-    page += "\n" + Texts::usageHeading() + "\n" + usage;
+    page += "\n" + Texts::usageHeading() + "\n" + usage(*command);
 
     if (command->run == nullptr)
         page += section(Texts::commandsHeading(), entriesOf(commandsBelow(command->path)));
