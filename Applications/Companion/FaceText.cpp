@@ -27,20 +27,6 @@ std::string padded(std::string const& text, std::size_t columns) {
     return width < columns ? text + padding(columns - width) : text;
 }
 
-// `text` in at most `columns`, the cut marked by "…"; never in the middle of a grapheme cluster.
-std::string cut(std::string const& text, std::size_t columns) {
-    if (Text::terminalWidth(text) <= columns) return text;
-    std::string kept;
-    std::string_view rest = text;
-    while (!rest.empty()) {
-        auto const cluster = rest.substr(0, Text::firstGraphemeLength(rest));
-        if (Text::terminalWidth(kept) + Text::terminalWidth(cluster) + 1 > columns) break;
-        kept += cluster;
-        rest.remove_prefix(cluster.size());
-    }
-    return kept + "…";
-}
-
 int channel(double value) {
     return static_cast<int>(std::lround(std::clamp(value, 0.0, 1.0) * 255));
 }
@@ -90,13 +76,13 @@ public:
         auto const room = style.columns
                               ? std::max(std::min(*style.columns, widestTerminal), barColumns + shortestName)
                               : std::string::npos;
-        line(bar(row.color) + " " + (style.columns ? cut(name, room - barColumns) : name));
+        line(bar(row.color) + " " + (style.columns ? cutToColumns(name, room - barColumns) : name));
     }
 
     void operator()(Platform::SpaceRow const&) { line(""); }
 
     void operator()(Platform::CardRow const& row) {
-        auto const name = cut(Text::neutralized(row.name), columns.name);
+        auto const name = cutToColumns(Text::neutralized(row.name), columns.name);
         auto text = bar(row.color) + " " + padded(row.time, columns.time) + padding(gap);
         if (row.duration) {
             auto const lead = columns.duration - Text::terminalWidth(*row.duration);
@@ -138,6 +124,19 @@ private:
 };
 
 } // namespace
+
+std::string cutToColumns(std::string const& text, std::size_t columns) {
+    if (Text::terminalWidth(text) <= columns) return text;
+    std::string kept;
+    std::string_view rest = text;
+    while (!rest.empty()) {
+        auto const cluster = rest.substr(0, Text::firstGraphemeLength(rest));
+        if (Text::terminalWidth(kept) + Text::terminalWidth(cluster) + 1 > columns) break;
+        kept += cluster;
+        rest.remove_prefix(cluster.size());
+    }
+    return kept + "…";
+}
 
 std::string faceText(Platform::FaceLayout const& layout, FaceTextStyle const& style) {
     FaceTextWriter writer(layout, style);

@@ -15,6 +15,9 @@ struct FaceTextStyle {
     std::optional<std::size_t> columns;
 };
 
+/// `text` in at most `columns`, the cut marked by "…"; never in the middle of a grapheme cluster.
+std::string cutToColumns(std::string const& text, std::size_t columns);
+
 /// The face for a terminal, a row a line, cards in columns. Foreign texts are made harmless: they can
 /// neither break a line nor send an escape sequence. Ends with a line feed.
 std::string faceText(Platform::FaceLayout const& layout, FaceTextStyle const& style);

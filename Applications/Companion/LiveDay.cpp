@@ -5,6 +5,8 @@
 #include "Applications/Companion/LiveTexts.h"
 #include "Applications/Companion/ShownDay.h"
 #include "Applications/Companion/Support.h"
+#include "Applications/Companion/Texts.h"
+#include "Platform/Files/WriteWitness.h"
 #include "Platform/Terminal/FullScreenTerminal.h"
 #include "Platform/WidgetHost/GLibSource.h"
 #include "Platform/WidgetHost/WidgetCenter.h"
@@ -13,10 +15,12 @@
 
 #include <algorithm>
 #include <csignal>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <unistd.h>
+#include <utility>
 
 namespace Companion {
 
@@ -25,15 +29,18 @@ using Platform::TerminalKey;
 
 namespace {
 
-// As many lines of a face as leave room for a blank one and for the keys.
-std::string pageAboveKeys(std::string_view face, std::size_t rows) {
+// As many lines of a face as leave room for what stands below: a line of trouble, empty for none, and the
+// keys.
+std::string pageOf(std::string_view face, std::string const& trouble,
+                   Platform::FullScreenTerminal::Size const& size) {
     std::string page;
-    for (std::size_t row = 2; row < rows && !face.empty(); ++row) {
+    for (std::size_t row = 2; row < size.rows && !face.empty(); ++row) {
         auto const end = std::min(face.find('\n'), face.size() - 1) + 1;
         page += face.substr(0, end);
         face.remove_prefix(end);
     }
-    return page + (rows > 1 ? "\n" : "") + Texts::liveKeys();
+    if (size.rows > 1) page += cutToColumns(trouble, size.columns) + "\n";
+    return page + cutToColumns(Texts::liveKeys(), size.columns);
 }
 
 bool canMoveItsCursor(Foundation::Environment const& environment) {
@@ -64,7 +71,7 @@ private:
         auto const size = terminal.size();
         auto const page =
             faceText(view.layout(), {.showsColors = console.showsColors(), .columns = size.columns});
-        terminal.show(pageAboveKeys(page, size.rows));
+        terminal.show(pageOf(page, trouble, size));
     }
 
     void takeKeys() {
@@ -89,17 +96,34 @@ private:
     }
 
     void step(std::int64_t days) {
+        auto const files = std::make_shared<Platform::WriteWitness const>(live.files());
+        auto const before = DayOffsetStore::load(*files);
         std::int64_t unused = 0;
         // From such a day, which only another program can have written, there is no further step.
-        if (__builtin_add_overflow(DayOffsetStore::load(*live.files()), days, &unused)) return;
-        Foundation::runTask(WidgetExtension::stepScheduleDay(live.files(), live.widgetCenter(), days));
-        follower.reload();
+        if (__builtin_add_overflow(before, days, &unused)) {
+            tell(Texts::storedDayIsOutOfRange(before));
+            return;
+        }
+        Foundation::runTask(WidgetExtension::stepScheduleDay(files, live.widgetCenter(), days));
+        showMoved(*files);
     }
 
     void goToToday() {
-        DayOffsetStore::save(*live.files(), 0);
+        Platform::WriteWitness const files(live.files());
+        DayOffsetStore::save(files, 0);
         live.widgetCenter()->reloadAllTimelines();
+        showMoved(files);
+    }
+
+    void showMoved(Platform::WriteWitness const& files) {
+        tell(files.lastFailure() ? Texts::dayNotSaved(whyNotKept(files)) : std::string());
         follower.reload();
+    }
+
+    void tell(std::string text) {
+        if (text == trouble) return;
+        trouble = std::move(text);
+        follower.showAgain();
     }
 
     // What Ctrl-D and Ctrl-Z send.
@@ -109,6 +133,7 @@ private:
     Console const& console;
     Composition::LiveServices& live;
     Platform::FullScreenTerminal terminal;
+    std::string trouble; // Why the last key did not do what it says.
     DayFollower follower;
 };
 

@@ -318,6 +318,20 @@ class Live(unittest.TestCase):
         shell.press(b"echo code=$?\n")
         shell.read_until(b"code=0\r\n")
 
+    def test_aDayThatCannotBeKeptIsSaidSo(self):
+        screen = self.screen()
+        stored = os.path.join(self.home.folder, "data", "group.quillora", "scheduleWidgetDayOffset.json")
+        os.makedirs(stored)
+        screen.press(b"n")
+        screen.read_until(b"the day could not be saved and stays as it was")
+        os.rmdir(stored)
+        screen.press(b"n")
+        screen.read_until(b"\x1b[J")
+        end = time.monotonic() + PATIENCE
+        while self.offset() != 1:
+            self.assertLess(time.monotonic(), end)
+        screen.read_until(self.heading())
+
     def test_theKeysAreNamedHoweverLowTheTerminalIs(self):
         for hour in range(2, 8):
             self.home.write(f"more{hour}", f"Meet {hour}", hour)
