@@ -79,7 +79,9 @@ public:
     /// The event, or the first occurrence of the series; absent when the store has none of that identifier.
     virtual std::optional<EKEvent> eventWithIdentifier(std::string_view identifier) = 0;
 
-    /// Stores `event` and fills in what the store assigns (identifiers). Throws EKError.
+    /// Stores `event` and fills in what the store assigns (identifiers). One whose `calendar` is not that of
+    /// its identifier moves there and is found by another identifier from then on; a series does so as a
+    /// whole, with `futureEvents` from its first occurrence. Throws EKError.
     virtual void save(EKEvent& event, EKSpan span) = 0;
 
     /// Deletes the event, or as much of its series as `span` says. Throws EKError.

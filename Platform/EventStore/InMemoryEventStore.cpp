@@ -122,7 +122,7 @@ void InMemoryEventStore::save(EKEvent& event, EKSpan span) {
         return;
     }
     if (found->calendar && found->calendar->calendarIdentifier != event.calendar->calendarIdentifier)
-        throw EKError("An event cannot be moved to another calendar; it was not saved.");
+        return move(*found, event, span);
     if (!event.occurrenceKey) {
         *found = event;
         return;
@@ -135,16 +135,32 @@ void InMemoryEventStore::save(EKEvent& event, EKSpan span) {
     }
     auto const before = *found;
     auto const seriesIdentifier = event.eventIdentifier;
-    bool const isWholeSeries = std::ranges::none_of(storedEvents, [&](EKEvent const& stored) {
-        return stored.eventIdentifier == seriesIdentifier && !startsNoEarlier(stored, before);
-    });
-    if (!isWholeSeries) {
+    if (!isFirst(before)) {
         event.eventIdentifier =
             event.calendar->calendarIdentifier + ":new-" + std::to_string(++identifiersMade);
     }
     for (auto& stored : storedEvents) {
         if (stored.eventIdentifier != seriesIdentifier || !startsNoEarlier(stored, before)) continue;
         stored = followingOccurrence(stored, before, event);
+    }
+}
+
+// Whether nothing of the series starts earlier.
+bool InMemoryEventStore::isFirst(EKEvent const& occurrence) const {
+    return std::ranges::none_of(storedEvents, [&](EKEvent const& stored) {
+        return stored.eventIdentifier == occurrence.eventIdentifier && !startsNoEarlier(stored, occurrence);
+    });
+}
+
+void InMemoryEventStore::move(EKEvent const& known, EKEvent& event, EKSpan span) {
+    bool const isWhole = !event.occurrenceKey || (span == EKSpan::futureEvents && isFirst(known));
+    if (!isWhole)
+        throw EKError("A series can only be moved to another calendar as a whole; it was not saved.");
+    auto const before = known;
+    event.eventIdentifier =
+        event.calendar->calendarIdentifier + ":" + before.calendarItemIdentifier.value_or("");
+    for (auto& stored : storedEvents) {
+        if (isSameItem(stored, before)) stored = followingOccurrence(stored, before, event);
     }
 }
 

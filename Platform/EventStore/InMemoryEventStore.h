@@ -69,6 +69,8 @@ public:
 
 private:
     [[nodiscard]] std::optional<EKCalendar> findCalendar(std::string_view identifier) const;
+    [[nodiscard]] bool isFirst(EKEvent const& occurrence) const;
+    void move(EKEvent const& known, EKEvent& event, EKSpan span);
     void throwIfRefusing();
     bool answerAccessRequest();
 

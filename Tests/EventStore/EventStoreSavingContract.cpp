@@ -57,6 +57,11 @@ std::string refusalOf(std::function<void()> const& change) {
     return "nothing was refused";
 }
 
+std::shared_ptr<EKCalendar const> calendarOf(EKEventStore& store, std::string const& title) {
+    return std::make_shared<EKCalendar const>(
+        store.calendarWithIdentifier(identifierOf(store, title)).value());
+}
+
 using Starts = std::vector<double>;
 
 } // namespace
@@ -263,14 +268,52 @@ TEST_P(EventStoreContract, whatCannotBeSavedIsRefusedAndChangesNothing) {
     }
 }
 
-TEST_P(EventStoreContract, anEventStaysInItsCalendar) {
+TEST_P(EventStoreContract, anEventMovesToAnotherCalendarAndChangesOnTheWay) {
     auto const store = GetParam().make();
     auto event = only(eventsTitled(*store, "Meeting"));
-    event.calendar = std::make_shared<EKCalendar const>(
-        store->calendarWithIdentifier(identifierOf(*store, "beta")).value());
-    EXPECT_EQ(refusalOf([&] { store->save(event, EKSpan::thisEvent); }),
-              "An event cannot be moved to another calendar; it was not saved.");
-    EXPECT_EQ(only(eventsTitled(*store, "Meeting")).calendar->title, "alpha");
+    auto const former = event.eventIdentifier.value();
+    event.calendar = calendarOf(*store, "beta");
+    event.title = "Moved";
+    store->save(event, EKSpan::thisEvent);
+    EXPECT_NE(event.eventIdentifier, former);
+    EXPECT_TRUE(event.eventIdentifier->starts_with(event.calendar->calendarIdentifier + ":"));
+    EXPECT_TRUE(eventsTitled(*store, "Meeting").empty());
+    EXPECT_FALSE(store->eventWithIdentifier(former).has_value());
+    auto const found = only(eventsTitled(*store, "Moved"));
+    EXPECT_EQ(found.calendar->title, "beta");
+    EXPECT_EQ(found.eventIdentifier, event.eventIdentifier);
+    EXPECT_EQ(found.startDate, event.startDate);
+}
+
+TEST_P(EventStoreContract, aSeriesMovesToAnotherCalendarAsAWhole) {
+    auto const store = GetParam().make();
+    auto const series = eventsTitled(*store, "Series");
+    auto const starts = startsOf(series);
+    auto event = series.at(0);
+    event.calendar = calendarOf(*store, "alpha");
+    store->save(event, EKSpan::futureEvents);
+    EXPECT_EQ(event.occurrenceKey, series.at(0).occurrenceKey);
+    auto const moved = eventsTitled(*store, "Series");
+    EXPECT_EQ(startsOf(moved), starts);
+    for (auto const& occurrence : moved) {
+        EXPECT_EQ(occurrence.calendar->title, "alpha");
+        EXPECT_EQ(occurrence.eventIdentifier, event.eventIdentifier);
+    }
+}
+
+TEST_P(EventStoreContract, aPartOfASeriesStaysInItsCalendar) {
+    auto const store = GetParam().make();
+    auto const series = eventsTitled(*store, "Series");
+    for (auto const& [place, span] : {std::pair(0, EKSpan::thisEvent), std::pair(1, EKSpan::thisEvent),
+                                      std::pair(1, EKSpan::futureEvents)}) {
+        auto event = series.at(static_cast<std::size_t>(place));
+        auto const calendar = event.calendar->title;
+        event.calendar = calendarOf(*store, calendar == "beta" ? "alpha" : "beta");
+        EXPECT_EQ(refusalOf([&] { store->save(event, span); }),
+                  "A series can only be moved to another calendar as a whole; it was not saved.");
+        for (auto const& occurrence : eventsTitled(*store, "Series"))
+            EXPECT_EQ(occurrence.calendar->title, calendar);
+    }
 }
 
 TEST_P(EventStoreContract, whatHasGoneCannotBeRemoved) {

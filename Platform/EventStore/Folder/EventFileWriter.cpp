@@ -4,6 +4,7 @@
 #include "Foundation/UUID.h"
 #include "Platform/EventStore/Folder/EditedFiles.h"
 #include "Platform/EventStore/Folder/EventDifference.h"
+#include "Platform/EventStore/Folder/EventMove.h"
 #include "Platform/EventStore/Folder/FolderListing.h"
 #include "Platform/EventStore/Folder/OccurrenceMapping.h"
 #include "Platform/EventStore/Folder/RegularFile.h"
@@ -131,6 +132,18 @@ bool hasUnwritableRule(ICalendar::EventChange const& change) {
            });
 }
 
+// The edit that makes the change; none of an empty one.
+ICalendar::CalendarEdit editOf(SeriesEditor const& editor, ICalendar::Occurrence const& occurrence,
+                               ICalendar::EventChange const& change, EKSpan span, Foundation::Date now) {
+    if (change.isEmpty()) return {.key = occurrence.key};
+    if (hasUnwritableRule(change))
+        throw EKError("The event repeats in a way that has no name here; it was not saved.");
+    auto edit = editor.save(occurrence, change, spanOf(span),
+                            {.now = seconds(now), .newUID = Foundation::UUID::random().uuidString()});
+    if (!edit) throw EKError(edit.error() + "; it was not saved.");
+    return *std::move(edit);
+}
+
 // The record as a query will yield it.
 void takeSaved(EKEvent& event, std::vector<CalendarSource> const& sources, std::string const& uid,
                std::optional<std::string> const& key, std::shared_ptr<ICalendar::ZoneCatalog> const& zones,
@@ -147,6 +160,10 @@ void takeSaved(EKEvent& event, std::vector<CalendarSource> const& sources, std::
     throw EKError(fmt::format("The calendar \"{}\" is no longer there; {}.", calendar.title, consequence));
 }
 
+[[noreturn]] void refuseVanished(EKCalendar const& calendar, std::string_view consequence) {
+    throw EKError(fmt::format("The calendar \"{}\" is no longer there; {}.", calendar.title, consequence));
+}
+
 CalendarPlace placeOf(EKEvent const& event, EditSurroundings const& surroundings,
                       std::string_view consequence) {
     if (!event.calendar) {
@@ -156,6 +173,13 @@ CalendarPlace placeOf(EKEvent const& event, EditSurroundings const& surroundings
     auto place = findCalendarPlace(surroundings.roots, event.calendar->calendarIdentifier);
     if (!place) refuseGone(*event.calendar, consequence);
     return *std::move(place);
+}
+
+// The calendar that the event was in when it was read.
+std::optional<std::string> formerCalendar(EKEvent const& event) {
+    auto const ending = eventIdentifier("", event.calendarItemIdentifier.value_or(""));
+    if (!event.eventIdentifier->ends_with(ending)) return std::nullopt;
+    return event.eventIdentifier->substr(0, event.eventIdentifier->size() - ending.size());
 }
 
 // The UID that an event identifier of that calendar names.
@@ -176,7 +200,11 @@ void EventFileWriter::save(EKEvent& event, EKSpan span, EditSurroundings const& 
     if (auto const reason = whyNotWritable(event)) throw EKError(*reason + "; it was not saved.");
     clearLeftovers(place, surroundings.now);
     if (!event.eventIdentifier) return create(event, place, surroundings);
-    repeatWhileDisturbed(place.path, notSaved, [&] { return changeOnce(event, span, place, surroundings); });
+    bool const goesElsewhere = !uidOf(event);
+    repeatWhileDisturbed(place.path, notSaved, [&] {
+        return goesElsewhere ? moveOnce(event, span, place, surroundings)
+                             : changeOnce(event, span, place, surroundings);
+    });
 }
 
 void EventFileWriter::remove(EKEvent const& event, EKSpan span, EditSurroundings const& surroundings) {
@@ -219,7 +247,6 @@ bool EventFileWriter::createOnce(EKEvent& event, CalendarPlace const& place,
 bool EventFileWriter::changeOnce(EKEvent& event, EKSpan span, CalendarPlace const& place,
                                  EditSurroundings const& surroundings) {
     auto const uid = uidOf(event);
-    if (!uid) throw EKError("An event cannot be moved to another calendar; it was not saved.");
     auto sources =
         span == EKSpan::thisEvent ? sourceOfRecord(event, place, *uid) : std::vector<CalendarSource>();
     if (sources.empty())
@@ -229,17 +256,46 @@ bool EventFileWriter::changeOnce(EKEvent& event, EKSpan span, CalendarPlace cons
     if (!occurrence) throw EKError("The event is no longer in the store; it was not saved.");
     auto const change = differenceBetween(event, *occurrence, editor.rules(), surroundings.viewer);
     if (change.isEmpty()) return true;
-    if (hasUnwritableRule(change))
-        throw EKError("The event repeats in a way that has no name here; it was not saved.");
-    auto const edit =
-        editor.save(*occurrence, change, spanOf(span),
-                    {.now = seconds(surroundings.now), .newUID = Foundation::UUID::random().uuidString()});
-    if (!edit) throw EKError(edit.error() + "; it was not saved.");
-    EditedFiles const edited(sources, *edit, place);
+    auto const edit = editOf(editor, *occurrence, change, span, surroundings.now);
+    EditedFiles const edited(sources, edit, place);
     auto const written = edited.write(files);
     if (!written) refuse(written.error(), notSaved);
     if (*written != Outcome::done) return false;
-    takeSaved(event, edited.results(), edit->uid, edit->key, zones, surroundings.viewer);
+    takeSaved(event, edited.results(), edit.uid, edit.key, zones, surroundings.viewer);
+    return true;
+}
+
+// The event is written where it goes, and only then taken away where it was. A process that dies in between
+// leaves it in both; moved again from where it was, it is found in the other and only taken away.
+bool EventFileWriter::moveOnce(EKEvent& event, EKSpan span, CalendarPlace const& place,
+                               EditSurroundings const& surroundings) {
+    auto const calendar = formerCalendar(event);
+    auto const from = calendar ? findCalendarPlace(surroundings.roots, *calendar) : std::nullopt;
+    auto const uid = event.calendarItemIdentifier.value_or("");
+    std::vector<CalendarSource> sources;
+    if (from) sources = readAll(surroundings.filesOfEvent(*calendar, uid), notSaved);
+    SeriesEditor const editor(sources, uid, zones, surroundings.viewer);
+    auto const occurrence = editor.occurrence(event.occurrenceKey);
+    if (!occurrence) throw EKError("The event is no longer in the store; it was not saved.");
+    auto const change = differenceBetween(event, *occurrence, editor.rules(), surroundings.viewer);
+    if (!editor.reachesAll(*occurrence, change, spanOf(span)))
+        throw EKError("A series can only be moved to another calendar as a whole; it was not saved.");
+    auto const edit = editOf(editor, *occurrence, change, span, surroundings.now);
+
+    MoveTarget target{.title = event.calendar->title, .place = place, .files = {}};
+    bool const isOneFile = place.kind == CalendarPlace::Kind::file;
+    target.files = readAll(isOneFile ? std::vector{place.path}
+                                     : surroundings.filesOfEvent(event.calendar->calendarIdentifier, uid),
+                           notSaved);
+    if (isOneFile && target.files.empty()) refuseVanished(*event.calendar, notSaved);
+    auto const moved = movedEvent(uid, EditedFiles(sources, edit, *from).results(), target, *zones);
+    if (!moved) throw EKError(moved.error() + "; it was not saved.");
+    EditedFiles edited(sources, editor.removeAll(), *from);
+    if (moved->change) edited.beginWith(*moved->change);
+    auto const written = edited.write(files);
+    if (!written) refuse(written.error(), notSaved);
+    if (*written != Outcome::done) return false;
+    takeSaved(event, moved->files, uid, edit.key, zones, surroundings.viewer);
     return true;
 }
 

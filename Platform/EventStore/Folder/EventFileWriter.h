@@ -50,6 +50,8 @@ private:
                                   EditSurroundings const& surroundings);
     [[nodiscard]] bool changeOnce(EKEvent& event, EKSpan span, CalendarPlace const& place,
                                   EditSurroundings const& surroundings);
+    [[nodiscard]] bool moveOnce(EKEvent& event, EKSpan span, CalendarPlace const& place,
+                                EditSurroundings const& surroundings);
     [[nodiscard]] bool removeOnce(EKEvent const& event, EKSpan span, CalendarPlace const& place,
                                   EditSurroundings const& surroundings);
     void clearLeftovers(CalendarPlace const& place, Foundation::Date now);

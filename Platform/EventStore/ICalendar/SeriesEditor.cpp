@@ -105,16 +105,34 @@ EditResult SeriesEditor::save(Occurrence const& occurrence, EventChange const& c
 
 EditResult SeriesEditor::remove(Occurrence const& occurrence, EditSpan span,
                                 EditCircumstances const& given) const {
-    if (!occurrence.key) return withoutAll();
+    if (!occurrence.key) return removeAll();
     if (span == EditSpan::thisOccurrence) {
         auto edit = withoutOccurrence(occurrence, given);
-        return isEmptyAfter(edit) ? withoutAll() : edit;
+        return isEmptyAfter(edit) ? removeAll() : edit;
     }
-    if (!parts.series().master()) return withoutAll();
+    if (!parts.series().master()) return removeAll();
     SeriesTimes const times(*parts.series().master(), viewerZone);
     SeriesSplit const split(parts, times.localOfKey(*occurrence.key).value(), viewer);
-    if (!split.hasEarlier()) return withoutAll();
+    if (!split.hasEarlier()) return removeAll();
     return split.ended(given.now);
+}
+
+CalendarEdit SeriesEditor::removeAll() const {
+    CalendarEditBuilder builder(sources, parts.uid());
+    for (auto const& part : parts.all())
+        builder.remove(part.source, *part.event.component);
+    return builder.edit();
+}
+
+bool SeriesEditor::reachesAll(Occurrence const& occurrence, EventChange const& change, EditSpan span) const {
+    if (!occurrence.key) return true;
+    if (span == EditSpan::thisOccurrence) return false;
+    if (!parts.series().master()) return true;
+    SeriesTimes const times(*parts.series().master(), viewerZone);
+    if (!SeriesSplit(parts, times.localOfKey(*occurrence.key).value(), viewer).hasEarlier()) return true;
+    // The first to be seen need not be the first of the rule; but then a change would divide the series.
+    auto const first = all.firstOccurrence(parts.uid(), viewer);
+    return change.isEmpty() && first && first->key == occurrence.key;
 }
 
 // The exceptions of that occurrence, in whatever version. Without a master each stands by its own name.
@@ -274,13 +292,6 @@ CalendarEdit SeriesEditor::withoutOccurrence(Occurrence const& occurrence,
     text.add("EXDATE", excluded.parameters(), excluded.value());
     stamp(text, Revision::ofTimes, given.now);
     builder.replace(master.source, *master.event.component, text.text());
-    return builder.edit();
-}
-
-CalendarEdit SeriesEditor::withoutAll() const {
-    CalendarEditBuilder builder(sources, parts.uid());
-    for (auto const& part : parts.all())
-        builder.remove(part.source, *part.event.component);
     return builder.edit();
 }
 

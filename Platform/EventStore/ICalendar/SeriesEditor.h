@@ -53,6 +53,13 @@ public:
     [[nodiscard]] EditResult remove(Occurrence const& occurrence, EditSpan span,
                                     EditCircumstances const& given) const;
 
+    /// Removes the event, or the whole series.
+    [[nodiscard]] CalendarEdit removeAll() const;
+
+    /// Whether such a change of an occurrence reaches all that there is of the event.
+    [[nodiscard]] bool reachesAll(Occurrence const& occurrence, EventChange const& change,
+                                  EditSpan span) const;
+
 private:
     [[nodiscard]] std::vector<SeriesPart const*> exceptionsOf(Occurrence const& occurrence) const;
     [[nodiscard]] TimesWriting timesWriting(SeriesPart const& part, Occurrence const& occurrence) const;
@@ -67,7 +74,6 @@ private:
                                              EditCircumstances const& given) const;
     [[nodiscard]] CalendarEdit withoutOccurrence(Occurrence const& occurrence,
                                                  EditCircumstances const& given) const;
-    [[nodiscard]] CalendarEdit withoutAll() const;
     [[nodiscard]] std::vector<std::shared_ptr<CalendarFile const>> filesAfter(CalendarEdit const& edit) const;
     [[nodiscard]] bool isEmptyAfter(CalendarEdit const& edit) const;
     [[nodiscard]] bool showsTheSame(CalendarEdit const& edit, Occurrence const& around) const;
