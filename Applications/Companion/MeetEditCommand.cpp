@@ -27,9 +27,11 @@ struct Edit {
     ChangeReach reach;
     MeetEntity before;
     MeetEntity after;
-    EKEvent event; ///< The store's record of the meet as it is.
+    EKEvent event;                              ///< The store's record of the meet as it is.
+    std::optional<Platform::EKCalendar> target; ///< The calendar that it goes to, if it does.
 
     [[nodiscard]] bool isOfASeries() const { return event.occurrenceKey.has_value(); }
+    [[nodiscard]] bool movesSeries() const { return target && isOfASeries(); }
 };
 
 MeetEntity editedMeet(MeetEntity meet, MeetArguments const& arguments, Foundation::Calendar const& calendar) {
@@ -61,6 +63,8 @@ void check(Edit const& edit, Meetings::EventKitStoring& store, Foundation::Calen
     checkLastDay(edit.arguments, edit.after.metDate, calendar);
     if (edit.arguments.repetition && edit.isOfASeries() && edit.reach != ChangeReach::fromThisOneOn)
         throw CommandError::wrongUse(Texts::repetitionNeedsFuture());
+    bool const isMoreThanAMove = !edit.arguments.isEmpty() || edit.reach != ChangeReach::asTheUseCaseDoes;
+    if (edit.movesSeries() && isMoreThanAMove) throw CommandError::wrongUse(Texts::seriesMovesAlone());
     if (edit.reach == ChangeReach::asTheUseCaseDoes && !findsTheMeet(edit, store, calendar))
         throw CommandError::wrongUse(Texts::movedTooFar());
     changing(Texts::meetNotChanged(edit.before.metName), [&] { Meetings::MeetDomain::validate(edit.after); });
@@ -68,6 +72,7 @@ void check(Edit const& edit, Meetings::EventKitStoring& store, Foundation::Calen
 
 std::string headingOf(Edit const& edit, MeetWords const& words) {
     auto const& meet = edit.before;
+    if (edit.movesSeries()) return Texts::movesSeries(meet.metName);
     if (!edit.isOfASeries()) return Texts::changesMeet(meet.metName, words.when(meet));
     if (edit.reach == ChangeReach::fromThisOneOn) return Texts::changesFuture(meet.metName, words.when(meet));
     return Texts::changesOccurrence(meet.metName, words.when(meet));
@@ -81,6 +86,11 @@ std::string planOf(Edit const& edit, MeetWords const& words, Foundation::Calenda
     EKEvent after = edit.event;
     writeFields(edit.arguments, after, calendar);
     add(Texts::titleLabel(), edit.before.metName, edit.after.metName);
+    if (edit.target) {
+        add(Texts::calendarLabel(),
+            Texts::calendarNamed(edit.before.metCalendarName, edit.before.metCalendarIdentifier),
+            Texts::calendarNamed(edit.target->title, edit.target->calendarIdentifier));
+    }
     add(Texts::whenLabel(), words.when(edit.before), words.when(edit.after));
     add(Texts::descriptionLabel(), edit.before.metDescription, edit.after.metDescription);
     add(Texts::placeLabel(), edit.event.location.value_or(""), after.location.value_or(""));
@@ -91,23 +101,52 @@ std::string planOf(Edit const& edit, MeetWords const& words, Foundation::Calenda
     return headingOf(edit, words) + "\n" + alignedColumns(rows, "  ");
 }
 
+// The meet as it is after its series has gone to the other calendar.
+MeetEntity moveSeries(Edit const& edit, Composition::LiveServices& services) {
+    auto const store = services.eventKitStore();
+    auto first = store->eventWithIdentifier(edit.before.metOriginalIdentifier).value_or(edit.event);
+    first.calendar = std::make_shared<Platform::EKCalendar const>(*edit.target);
+    store->save(first, Platform::EKSpan::futureEvents);
+    auto const start = edit.before.metDate;
+    auto const end = start.addingTimeInterval(1);
+    for (auto const& event : store->eventsMatching(store->predicateForEvents(start, end, std::nullopt))) {
+        if (event.eventIdentifier == first.eventIdentifier && event.startDate == start)
+            return meetOf(event, services);
+    }
+    return meetOf(first, services);
+}
+
 MeetEntity carryOut(Edit const& edit, Composition::LiveServices& services) {
+    if (edit.movesSeries()) return moveSeries(edit, services);
     if (edit.reach == ChangeReach::asTheUseCaseDoes)
         return Foundation::runTask(meetingsApplication(services).editMeet(edit.after));
     EKEvent event = edit.event;
     event.startDate = edit.after.metDate;
     event.endDate = endOf(edit.after);
     writeFields(edit.arguments, event, services.region()->currentCalendar());
+    if (edit.target) event.calendar = std::make_shared<Platform::EKCalendar const>(*edit.target);
     services.eventKitStore()->save(event, edit.reach == ChangeReach::fromThisOneOn
                                               ? Platform::EKSpan::futureEvents
                                               : Platform::EKSpan::thisEvent);
     return meetOf(event, services);
 }
 
+// Absent when it is to stay where it is.
+std::optional<Platform::EKCalendar> targetOf(ArgumentValues const& values, EKEvent const& event,
+                                             Meetings::EventKitStoring& store) {
+    auto const identifier = values.option("--calendar");
+    if (!identifier) return std::nullopt;
+    auto target = store.calendarWithIdentifier(*identifier);
+    if (!target) throw CommandError::wrongUse(Texts::unknownCalendar(*identifier));
+    if (target->calendarIdentifier == event.calendar->calendarIdentifier) return std::nullopt;
+    return target;
+}
+
 Edit editOf(Invocation const& invocation, Composition::LiveServices& services, MeetWords const& words) {
     auto const calendar = services.region()->currentCalendar();
     auto arguments = meetArguments(invocation.values, calendar);
-    if (arguments.isEmpty()) throw CommandError::wrongUse(Texts::nothingToChange());
+    if (arguments.isEmpty() && !invocation.values.has("--calendar"))
+        throw CommandError::wrongUse(Texts::nothingToChange());
     auto const day = meetsOfDay(services, dayChoice(invocation.values));
     auto const meet = meetCalled(invocation.values.arguments().front(), day, invocation, words);
     auto event = eventBehind(meet, *services.eventKitStore(), calendar);
@@ -117,15 +156,19 @@ Edit editOf(Invocation const& invocation, Composition::LiveServices& services, M
             Texts::told(Meetings::EventKitMeetRepositoryError::eventNotFound().what()));
     }
     auto after = editedMeet(meet, arguments, calendar);
+    auto target = targetOf(invocation.values, *event, *services.eventKitStore());
+    if (arguments.isEmpty() && !target)
+        throw CommandError::wrongUse(Texts::inThatCalendarAlready(meet.metName));
     auto reach = reachOf(invocation.values);
     // What the use case would leave unwritten, the store writes to the same one occurrence.
-    if (reach == ChangeReach::asTheUseCaseDoes && arguments.goesBeyondAMeet())
-        reach = ChangeReach::thisOccurrence;
+    bool const goesBeyond = arguments.goesBeyondAMeet() || (target && !event->occurrenceKey);
+    if (reach == ChangeReach::asTheUseCaseDoes && goesBeyond) reach = ChangeReach::thisOccurrence;
     return {.arguments = std::move(arguments),
             .reach = reach,
             .before = meet,
             .after = std::move(after),
-            .event = *std::move(event)};
+            .event = *std::move(event),
+            .target = std::move(target)};
 }
 
 ExitCode run(Invocation const& invocation) {
@@ -146,6 +189,10 @@ ExitCode run(Invocation const& invocation) {
 std::vector<CommandOption> editOptions() {
     std::vector<CommandOption> options = {
         {.name = "--name", .valueName = "NAME", .help = Texts::text("meet-edit-option-name")},
+        {.name = "--calendar",
+         .valueName = "ID",
+         .help = Texts::text("meet-edit-option-calendar"),
+         .kind = ValueKind::calendar},
         {.name = "--repeat",
          .valueName = "RHYTHM",
          .help = Texts::text("meet-edit-option-repeat"),
@@ -169,7 +216,9 @@ Command meetEditCommand() {
         .arguments = {{.name = "ID", .help = Texts::text("meet-argument-id")}},
         .examples = {{"quillora meet edit 8558 --start 10:00", Texts::text("meet-edit-example-1")},
                      {"quillora meet edit 8558 --future --duration 30m --yes",
-                      Texts::text("meet-edit-example-2")}},
+                      Texts::text("meet-edit-example-2")},
+                     {"quillora meet edit 8558 --calendar quillora-native-calendar",
+                      Texts::text("meet-edit-example-3")}},
         .run = run,
     };
 }

@@ -53,7 +53,7 @@ std::string pageText(MeetPage const& page, MeetWords const& words) {
     auto const day = words.days(meet.metDate, endOf(meet));
     std::vector<std::vector<std::string>> rows = {
         {Texts::dayLabel(), meet.metIsAllDay ? words.when(meet) : day},
-        {Texts::calendarLabel(), meet.metCalendarName + " (" + meet.metCalendarIdentifier + ")"},
+        {Texts::calendarLabel(), Texts::calendarNamed(meet.metCalendarName, meet.metCalendarIdentifier)},
         {Texts::repeatsLabel(), page.repetition}};
     if (meet.metUrl) rows.push_back({Texts::linkLabel(), meet.metUrl->absoluteString});
     rows.push_back({Texts::identifierLabel(), meet.metId.uuidString()});

@@ -170,6 +170,14 @@ std::string movedTooFar() {
     return text("meet-moved-too-far");
 }
 
+std::string seriesMovesAlone() {
+    return text("meet-series-moves-alone");
+}
+
+std::string inThatCalendarAlready(std::string_view name) {
+    return text("meet-in-that-calendar-already", quoted(name));
+}
+
 std::string titleLabel() {
     return text("meet-label-title");
 }
@@ -184,6 +192,10 @@ std::string descriptionLabel() {
 
 std::string placeLabel() {
     return text("meet-label-place");
+}
+
+std::string calendarNamed(std::string_view title, std::string_view identifier) {
+    return text("meet-calendar-named", title, identifier);
 }
 
 std::string shortened(std::string_view value) {
@@ -202,6 +214,10 @@ std::string changesOccurrence(std::string_view name, std::string_view when) {
 
 std::string changesFuture(std::string_view name, std::string_view when) {
     return text("changes-future", quoted(name), when);
+}
+
+std::string movesSeries(std::string_view name) {
+    return text("moves-series", quoted(name));
 }
 
 std::string deletesMeet(std::string_view name, std::string_view when, std::string_view calendar) {

@@ -52,16 +52,20 @@ std::string notALink(std::string_view value);
 std::string nothingToChange();
 std::string repetitionNeedsFuture();
 std::string movedTooFar();
+std::string seriesMovesAlone();
+std::string inThatCalendarAlready(std::string_view name);
 
 // What is about to happen. `when` and the values of a field are as MeetWords tells them.
 std::string titleLabel();
 std::string whenLabel();
 std::string descriptionLabel();
 std::string placeLabel();
+std::string calendarNamed(std::string_view title, std::string_view identifier);
 std::string shortened(std::string_view value); ///< On one line, and an empty one as a word.
 std::string changesMeet(std::string_view name, std::string_view when);
 std::string changesOccurrence(std::string_view name, std::string_view when);
 std::string changesFuture(std::string_view name, std::string_view when);
+std::string movesSeries(std::string_view name);
 std::string deletesMeet(std::string_view name, std::string_view when, std::string_view calendar);
 std::string deletesOccurrence(std::string_view name, std::string_view when, std::string_view calendar);
 std::string deletesFuture(std::string_view name, std::string_view when, std::string_view calendar);

@@ -27,6 +27,8 @@ constexpr char const* nobody =
 constexpr char const* gone =
     "The event is no longer in the calendar. Nothing was changed; load the day again.\n";
 
+constexpr char const* nativeCalendar = "quillora-native-calendar";
+
 std::ptrdiff_t filesIn(fs::path const& folder) {
     return std::distance(fs::directory_iterator(folder), fs::directory_iterator());
 }
@@ -314,6 +316,50 @@ TEST_F(MeetChangeJourneys, aMeetIsMovedFarOnlyAsThisOccurrence) {
         onTheDay({"meet", "edit", idOf("Review"), "--start", "2026-04-01T10:00", "--this", "--yes"})));
     EXPECT_THAT(namesOf("2026-03-11"), ElementsAre("Stand-up"));
     EXPECT_THAT(namesOf("2026-04-01"), ElementsAre("Stand-up", "Review"));
+}
+
+TEST_F(MeetChangeJourneys, aMeetGoesToAnotherCalendarAsItIs) {
+    auto const work = home.calendars() / "work";
+    auto const before = home.contentOf(work / "review.ics");
+    auto const calendar = text(meet("Review"), "metCalendarIdentifier");
+    auto const run = home.quillora(onTheDay({"meet", "edit", idOf("Review"), "--calendar", nativeCalendar}));
+    EXPECT_THAT(run.errors,
+                HasSubstr("  Calendar  work (" + calendar + ")  →  Quillora (" + nativeCalendar + ")\n"));
+    EXPECT_EQ(filesIn(work), 2) << "nobody has agreed";
+    auto const said =
+        home.outputOf(onTheDay({"meet", "edit", idOf("Review"), "--calendar", nativeCalendar, "--yes"}));
+    EXPECT_EQ(filesIn(work), 1);
+    EXPECT_EQ(text(meet("Review"), "metCalendarIdentifier"), nativeCalendar);
+    EXPECT_THAT(said, HasSubstr(idOf("Review")));
+    EXPECT_EQ(home.contentOf(home.folder() / "data/Quillora/Calendars/quillora-native-calendar/review.ics"),
+              before);
+    EXPECT_EQ(home.quillora(onTheDay({"meet", "edit", idOf("Review"), "--calendar", nativeCalendar})).errors,
+              "quillora: \"Review\" is in that calendar already; nothing was changed\n");
+    auto const back = home.outputOf(onTheDay({"meet", "edit", idOf("Review"), "--calendar", calendar,
+                                              "--name", "Retrospect", "--start", "15:00", "--yes"}));
+    EXPECT_THAT(back, HasSubstr(idOf("Retrospect")));
+    EXPECT_EQ(text(meet("Retrospect"), "metDate"), "2026-03-11T14:00:00Z");
+}
+
+TEST_F(MeetChangeJourneys, aRepeatingMeetGoesToAnotherCalendarAsAWhole) {
+    for (Words more : {Words{"--name", "Other"}, Words{"--this"}, Words{"--future"}}) {
+        more.insert(more.begin(), {"meet", "edit", idOf("Stand-up"), "--yes", "--calendar", nativeCalendar});
+        auto const run = home.quillora(onTheDay(more));
+        EXPECT_EQ(run.exitCode, 2);
+        EXPECT_EQ(run.errors, "quillora: a repeating meet goes to another calendar with all its "
+                              "occurrences, and --calendar stands alone then; nothing was changed\n");
+    }
+    auto const asked =
+        home.quillora(onTheDay({"meet", "edit", idOf("Stand-up"), "--calendar", nativeCalendar}));
+    EXPECT_THAT(asked.errors,
+                StartsWith("Moves \"Stand-up\" with all its occurrences to another calendar:\n"));
+    auto const said =
+        home.outputOf(onTheDay({"meet", "edit", idOf("Stand-up"), "--calendar", nativeCalendar, "--yes"}));
+    EXPECT_THAT(said, HasSubstr(idOf("Stand-up")));
+    for (auto const* const day : {"2026-03-02", "2026-03-11", "2026-04-15"})
+        EXPECT_EQ(text(meet("Stand-up", day), "metCalendarIdentifier"), nativeCalendar) << day;
+    EXPECT_EQ(home.quillora(onTheDay({"meet", "edit", idOf("Stand-up"), "--calendar", "none"})).errors,
+              "quillora: no calendar has the identifier \"none\"; \"quillora calendars list\" shows them\n");
 }
 
 TEST_F(MeetChangeJourneys, deletingAMeetSaysWhichAndAsks) {

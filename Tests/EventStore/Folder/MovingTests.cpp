@@ -260,7 +260,7 @@ bool runsMove(SavingFixture const& world, std::string_view target) {
 TEST(MovingFaultTests, aMoveKilledAtAnySystemCallLosesNothingAndIsCompletedByARepeat) {
     SavingFixture const world;
     auto const old = smallWorld();
-    int const step = FaultScale::isFull() ? 1 : 23;
+    int const step = FaultScale::isFull() ? 1 : 43;
     for (auto const* const target : {"home", "Many"}) {
         put(world, old);
         ASSERT_TRUE(runsMove(world, target));
