@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <utility>
 
 #include <fcntl.h>
@@ -73,11 +74,35 @@ std::error_code syncFolder(path const& folder) {
     return {};
 }
 
+constexpr std::string_view asideEnd = ".tmp";
+
+// Whether it is called as a file that `AsideFile` makes.
+bool isAsideName(std::string_view name) {
+    if (!name.starts_with('.') || !name.ends_with(asideEnd)) return false;
+    return Foundation::UUID::fromText(name.substr(1, name.size() - 1 - asideEnd.size())).has_value();
+}
+
+// Takes away what a process left that was killed while it wrote. One of these days it would be a heap: nobody
+// else knows what they are. A young one may be in the making.
+void sweep(path const& folder) {
+    constexpr std::chrono::minutes longEnough{10};
+    std::error_code failure;
+    for (std::filesystem::directory_iterator entry(folder, failure), end; !failure && entry != end;
+         entry.increment(failure)) {
+        if (!isAsideName(entry->path().filename().string())) continue;
+        struct stat status{};
+        if (::lstat(entry->path().c_str(), &status) != 0 || !S_ISREG(status.st_mode)) continue;
+        auto const changed = std::chrono::system_clock::from_time_t(status.st_mtime);
+        bool const isOld = std::chrono::system_clock::now() - changed > longEnough;
+        if (isOld && status.st_uid == ::geteuid()) ::unlink(entry->path().c_str());
+    }
+}
+
 // A file beside its target, gone with this object unless it has been moved into place.
 class AsideFile {
 public:
     explicit AsideFile(path const& folder)
-        : file(folder / ("." + Foundation::UUID::random().uuidString() + ".tmp")),
+        : file(folder / ("." + Foundation::UUID::random().uuidString() + std::string(asideEnd))),
           descriptor(
               ::open(file.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, privateFile)) {
         if (!descriptor.isOpen()) openFailure = lastError();
@@ -184,6 +209,7 @@ std::error_code PosixFileManager::writeAtomically(path const& file, std::string_
     AsideFile aside(folder);
     if (auto const failed = aside.fill(content, modeOfRegularFile(file).value_or(privateFile))) return failed;
     if (auto const failed = aside.moveTo(file)) return failed;
+    sweep(folder);
     return durability == Durability::fileAndFolder ? syncFolder(folder) : std::error_code();
 }
 

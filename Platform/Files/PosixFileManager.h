@@ -29,7 +29,8 @@ public:
     [[nodiscard]] std::expected<std::string, std::error_code> contents(std::filesystem::path const& path,
                                                                        std::size_t mostBytes) const override;
 
-    /// A link at `path` is replaced, never followed. When only the syncing of the folder fails, the new
+    /// A link at `path` is replaced, never followed. What a write left that was killed more than ten minutes
+    /// ago is taken out of the folder. When only the syncing of the folder fails, the new
     /// content stands and the failure is told.
     std::error_code writeAtomically(std::filesystem::path const& path,
                                     std::string_view content) const override;

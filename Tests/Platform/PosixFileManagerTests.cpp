@@ -4,7 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cstdint>
+#include <fstream>
 #include <map>
 #include <string>
 
@@ -151,6 +153,25 @@ TEST(PosixFileManagerTests, aNameOfTheGreatestLengthCanBeWritten) {
     EXPECT_EQ(PosixFileManager(Environment()).writeAtomically(folder.path() / std::string(256, 'n'), "x"),
               std::errc::filename_too_long);
     EXPECT_EQ(folder.names().size(), 1U);
+}
+
+TEST(PosixFileManagerTests, whatAKilledWriteLeftIsTakenAwayOnceItIsOld) {
+    TemporaryFolder const folder;
+    auto const left = folder.path() / ".5D2B4A3C-0F1E-4D5C-8B7A-695847362514.tmp";
+    auto const young = folder.path() / ".6D2B4A3C-0F1E-4D5C-8B7A-695847362514.tmp";
+    auto const notOurs = folder.path() / ".notes.tmp";
+    auto const aFolder = folder.path() / ".7D2B4A3C-0F1E-4D5C-8B7A-695847362514.tmp";
+    for (auto const& file : {left, young, notOurs})
+        std::ofstream(file) << "half";
+    std::filesystem::create_directory(aFolder);
+    auto const now = std::filesystem::file_time_type::clock::now();
+    for (auto const& old : {left, notOurs, aFolder})
+        std::filesystem::last_write_time(old, now - std::chrono::minutes(11));
+    std::filesystem::last_write_time(young, now - std::chrono::minutes(9));
+    ASSERT_FALSE(PosixFileManager(Environment()).writeAtomically(folder.path() / "file", "whole"));
+    EXPECT_FALSE(std::filesystem::exists(left));
+    for (auto const& kept : {young, notOurs, aFolder, folder.path() / "file"})
+        EXPECT_TRUE(std::filesystem::exists(kept)) << kept;
 }
 
 TEST(PosixFileManagerTests, aDurableWriteSyncsTheFolderToo) {
