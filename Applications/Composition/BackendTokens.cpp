@@ -43,11 +43,11 @@ KeychainStatus BackendTokens::save(Foundation::URL const& backend, std::string_v
     if (present.status == KeychainStatus::itemNotFound) return keychain->add(name, item);
     if (present.status != KeychainStatus::success) return present.status;
     if (present.data == item) return KeychainStatus::success;
-    auto const deleted = keychain->deleteMatching(name);
-    if (deleted != KeychainStatus::success) return deleted;
-    auto const added = keychain->add(name, item);
-    if (added != KeychainStatus::success && present.data) keychain->add(name, *present.data);
-    return added;
+    return keychain->update(name, item);
+}
+
+void BackendTokens::giveUp() const {
+    keychain->giveUp();
 }
 
 KeychainStatus BackendTokens::remove(Foundation::URL const& backend) {

@@ -26,12 +26,14 @@ public:
     [[nodiscard]] std::expected<std::string, Platform::KeychainStatus>
     find(Foundation::URL const& backend) const;
 
-    /// Keeps the token; an older one for that backend is replaced. On a failure the older one is kept, or
-    /// put back as far as the keychain lets it.
+    /// Keeps the token; an older one for that backend is replaced. On a failure the older one is kept.
     Platform::KeychainStatus save(Foundation::URL const& backend, std::string_view token);
 
     /// `itemNotFound` when there was none.
     Platform::KeychainStatus remove(Foundation::URL const& backend);
+
+    /// Ends a look-up that hangs in another thread.
+    void giveUp() const;
 
 private:
     std::shared_ptr<Platform::Keychain> keychain;

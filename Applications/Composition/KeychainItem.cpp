@@ -14,11 +14,8 @@ KeychainStatus copyItem(Platform::Keychain const& from, Platform::Keychain& to,
     if (present.status != KeychainStatus::success && present.status != KeychainStatus::itemNotFound)
         return present.status;
     if (present.data == original.data) return KeychainStatus::success;
-    if (present.status == KeychainStatus::success) {
-        auto const deleted = to.deleteMatching(identity);
-        if (deleted != KeychainStatus::success) return deleted;
-    }
-    return to.add(identity, *original.data);
+    return present.status == KeychainStatus::success ? to.update(identity, *original.data)
+                                                     : to.add(identity, *original.data);
 }
 
 } // namespace Composition

@@ -67,6 +67,12 @@ public:
     Asking(BackendTokens tokens, Foundation::URL backend)
         : tokens(std::move(tokens)),
           backend(std::move(backend)) {}
+    ~Asking() {
+        tokens.giveUp();
+        thread.join();
+    }
+    Asking(Asking const&) = delete;
+    Asking& operator=(Asking const&) = delete;
 
     void ask(std::shared_ptr<Mailbox> mailbox) {
         asio::post(thread, [this, mailbox = std::move(mailbox)] {
@@ -89,7 +95,7 @@ private:
     Foundation::URL const backend;
     std::mutex mutex;
     std::optional<Platform::KeychainStatus> lastFailure;
-    asio::thread_pool thread{1}; // Last: it is waited for before anything above goes.
+    asio::thread_pool thread{1};
 };
 
 KeychainTokenProvider::KeychainTokenProvider(BackendTokens tokens, Foundation::URL backend)

@@ -11,7 +11,7 @@ namespace Composition {
 
 /// Takes the token from the keychain, anew for each request. A keychain blocks whoever asks it, so it is
 /// asked on a thread of its own: the task goes on as soon as it is cancelled, whatever the keychain does.
-/// That thread ends within the keychain's own patience, and the destructor waits for it.
+/// The destructor gives the keychain up, so that it need not wait for one that hangs.
 class KeychainTokenProvider final : public Networking::AuthTokenProvider {
 public:
     KeychainTokenProvider(BackendTokens tokens, Foundation::URL backend);

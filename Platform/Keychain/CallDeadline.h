@@ -4,18 +4,21 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <functional>
 #include <mutex>
+#include <stop_token>
 #include <thread>
 
 namespace Platform {
 
-/// Cancels the calls of one operation once they have taken too long together. Waits on a thread of its own,
-/// since the calls block theirs.
+/// Cancels the calls of one operation once they have taken too long together, or once it is given up. Waits
+/// on a thread of its own, since the calls block theirs.
 class CallDeadline {
 public:
-    explicit CallDeadline(std::chrono::milliseconds limit)
+    CallDeadline(std::chrono::milliseconds limit, std::stop_token const& givenUp)
         : cancellable(g_cancellable_new()),
           end(std::chrono::steady_clock::now() + limit),
+          givingUp(givenUp, [handle = cancellable.get()] { g_cancellable_cancel(handle); }),
           watch([this] { wait(); }) {}
     ~CallDeadline() {
         {
@@ -60,6 +63,7 @@ private:
     std::condition_variable changed;
     bool isOver = false;
     std::chrono::steady_clock::time_point end;
+    std::stop_callback<std::function<void()>> givingUp;
     std::thread watch; // Last: it uses everything above.
 };
 

@@ -5,14 +5,17 @@
 #include "Platform/Keychain/KeyFile.h"
 
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <expected>
 #include <memory>
 #include <string_view>
+#include <thread>
 #include <vector>
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -117,7 +120,28 @@ GenericPasswordMatch itemIn(int folder, std::string const& name) {
     return KeyFile::valueIn(content->bytes());
 }
 
-// What a process that was killed while it added an item has left behind: key bytes that nothing uses.
+// The folder itself is the lock, so that none lies beside the items. Held until the folder is closed.
+bool isLocked(int folder) {
+    constexpr std::chrono::seconds patience{10};
+    constexpr std::chrono::milliseconds pause{5};
+    auto const end = std::chrono::steady_clock::now() + patience;
+    while (::flock(folder, LOCK_EX | LOCK_NB) != 0) {
+        bool const isHeld = errno == EWOULDBLOCK || errno == EINTR;
+        if (!isHeld || std::chrono::steady_clock::now() >= end) return false;
+        std::this_thread::sleep_for(pause);
+    }
+    return true;
+}
+
+Place lockedItemsIn(std::optional<std::filesystem::path> const& dataHome,
+                    Place (*subfolder)(int parent, char const* name)) {
+    auto items = itemsIn(dataHome, subfolder);
+    if (items && !isLocked(items->get())) return std::unexpected(KeychainStatus::ioErr);
+    return items;
+}
+
+// What a process that was killed while it added an item has left behind: key bytes that nothing uses. Only
+// under the lock: another's may still be in use.
 void removeAsideFiles(int folder) {
     // A descriptor of its own, since the listing closes it.
     auto const number = ::openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
@@ -153,15 +177,24 @@ bool isMoved(int folder, std::string const& from, std::string const& to) {
     return true;
 }
 
-KeychainStatus addedTo(int folder, std::string const& name, SecretBytes const& content) {
+bool isReplaced(int folder, std::string const& from, std::string const& to) {
+    return ::renameat(folder, from.c_str(), folder, to.c_str()) == 0;
+}
+
+// Writes the content aside and puts it in place. Without `isPlaced` nothing of it stays.
+bool isPut(int folder, std::string const& name, SecretBytes const& content,
+           bool (*isPlaced)(int folder, std::string const& from, std::string const& to)) {
     removeAsideFiles(folder);
     auto const aside = std::string(asideMark) + Foundation::UUID::random().uuidString();
     auto file = opened(folder, aside.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, 0600);
-    if (!file.isOpen()) return KeychainStatus::ioErr;
-    if (!isWritten(file, content.bytes()) || !isMoved(folder, aside, name)) {
-        ::unlinkat(folder, aside.c_str(), 0);
-        return KeychainStatus::ioErr;
-    }
+    if (!file.isOpen()) return false;
+    if (isWritten(file, content.bytes()) && isPlaced(folder, aside, name)) return true;
+    ::unlinkat(folder, aside.c_str(), 0);
+    return false;
+}
+
+KeychainStatus addedTo(int folder, std::string const& name, SecretBytes const& content) {
+    if (!isPut(folder, name, content, isMoved)) return KeychainStatus::ioErr;
     if (isSynced(folder)) return KeychainStatus::success;
     // A name that may be gone after a power cut is no item: the key must not come into use.
     ::unlinkat(folder, name.c_str(), 0);
@@ -173,6 +206,11 @@ KeychainStatus addedTo(int folder, std::string const& name, SecretBytes const& c
 std::optional<std::filesystem::path> FileKeychain::folder() const {
     if (!dataHome) return std::nullopt;
     return *dataHome / productFolder / itemFolder;
+}
+
+std::optional<std::filesystem::path> FileKeychain::file(GenericPasswordIdentity const& identity) const {
+    if (!dataHome) return std::nullopt;
+    return *folder() / KeyFile::nameOf(identity);
 }
 
 GenericPasswordMatch FileKeychain::copyMatching(GenericPasswordIdentity const& identity) const {
@@ -187,12 +225,14 @@ GenericPasswordMatch FileKeychain::copyMatching(GenericPasswordIdentity const& i
 
 KeychainStatus FileKeychain::deleteMatching(GenericPasswordIdentity const& identity) {
     try {
-        auto const items = itemsIn(dataHome, folderIn);
+        auto const items = lockedItemsIn(dataHome, folderIn);
         if (!items) return items.error();
         if (::unlinkat(items->get(), KeyFile::nameOf(identity).c_str(), 0) != 0) {
             return errno == ENOENT ? KeychainStatus::itemNotFound : KeychainStatus::ioErr;
         }
-        return isSynced(items->get()) ? KeychainStatus::success : KeychainStatus::ioErr;
+        // Gone for everybody from here on. A failure would say that it is still there, which it is not.
+        static_cast<void>(isSynced(items->get()));
+        return KeychainStatus::success;
     } catch (...) {
         return KeychainStatus::ioErr;
     }
@@ -201,9 +241,23 @@ KeychainStatus FileKeychain::deleteMatching(GenericPasswordIdentity const& ident
 KeychainStatus FileKeychain::add(GenericPasswordIdentity const& identity, SecretBytes const& value) {
     try {
         if (value.size() > KeyFile::greatestValueSize) return KeychainStatus::ioErr;
-        auto const items = itemsIn(dataHome, madeFolderIn);
+        auto const items = lockedItemsIn(dataHome, madeFolderIn);
         if (!items) return KeychainStatus::ioErr;
         return addedTo(items->get(), KeyFile::nameOf(identity), KeyFile::contentOf(value));
+    } catch (...) {
+        return KeychainStatus::ioErr;
+    }
+}
+
+KeychainStatus FileKeychain::update(GenericPasswordIdentity const& identity, SecretBytes const& value) {
+    try {
+        if (value.size() > KeyFile::greatestValueSize) return KeychainStatus::ioErr;
+        auto const items = lockedItemsIn(dataHome, folderIn);
+        if (!items) return items.error();
+        auto const name = KeyFile::nameOf(identity);
+        if (isAbsent(items->get(), name.c_str())) return KeychainStatus::itemNotFound;
+        if (!isPut(items->get(), name, KeyFile::contentOf(value), isReplaced)) return KeychainStatus::ioErr;
+        return isSynced(items->get()) ? KeychainStatus::success : KeychainStatus::ioErr;
     } catch (...) {
         return KeychainStatus::ioErr;
     }

@@ -16,6 +16,10 @@ void InMemoryKeychain::answersAddsWith(std::optional<KeychainStatus> status) {
     addAnswer = status;
 }
 
+void InMemoryKeychain::answersUpdatesWith(std::optional<KeychainStatus> status) {
+    updateAnswer = status;
+}
+
 void InMemoryKeychain::setLocked(bool locked) {
     isLocked = locked;
 }
@@ -66,6 +70,19 @@ KeychainStatus InMemoryKeychain::add(GenericPasswordIdentity const& identity,
     else if (!items.try_emplace(identity, value).second)
         status = KeychainStatus::ioErr;
     return recording(Operation::Kind::add, identity, status);
+}
+
+KeychainStatus InMemoryKeychain::update(GenericPasswordIdentity const& identity,
+                                        Foundation::SecretBytes const& value) {
+    auto status = KeychainStatus::success;
+    auto const item = items.find(identity);
+    if (auto const refused = refusal(updateAnswer))
+        status = *refused;
+    else if (item == items.end())
+        status = KeychainStatus::itemNotFound;
+    else
+        item->second = value;
+    return recording(Operation::Kind::update, identity, status);
 }
 
 std::optional<KeychainStatus> InMemoryKeychain::refusal(std::optional<KeychainStatus> answer) const {

@@ -15,7 +15,7 @@ class InMemoryKeychain final : public Keychain {
 public:
     /// One operation and how it went.
     struct Operation {
-        enum class Kind : std::uint8_t { copyMatching, deleteMatching, add };
+        enum class Kind : std::uint8_t { copyMatching, deleteMatching, add, update };
         Kind kind;
         GenericPasswordIdentity identity;
         KeychainStatus status;
@@ -29,6 +29,8 @@ public:
     void answersDeletesWith(std::optional<KeychainStatus> status);
     /// From now on every addition answers with this status and keeps nothing.
     void answersAddsWith(std::optional<KeychainStatus> status);
+    /// From now on every update answers with this status and changes nothing.
+    void answersUpdatesWith(std::optional<KeychainStatus> status);
     /// From now on every operation finds the keychain locked, or again unlocked.
     void setLocked(bool isLocked);
 
@@ -46,6 +48,9 @@ public:
     KeychainStatus deleteMatching(GenericPasswordIdentity const& identity) override;
     KeychainStatus add(GenericPasswordIdentity const& identity,
                        Foundation::SecretBytes const& value) override;
+    KeychainStatus update(GenericPasswordIdentity const& identity,
+                          Foundation::SecretBytes const& value) override;
+    void giveUp() override {} ///< Nothing here hangs.
 
 private:
     using Value = std::variant<Foundation::SecretBytes, std::string>;
@@ -58,6 +63,7 @@ private:
     std::optional<KeychainStatus> lookupAnswer;
     std::optional<KeychainStatus> deleteAnswer;
     std::optional<KeychainStatus> addAnswer;
+    std::optional<KeychainStatus> updateAnswer;
     bool isLocked = false;
     mutable std::vector<Operation>
         operations; // Looking up leaves the items as they are, but not the history.

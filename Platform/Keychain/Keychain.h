@@ -38,6 +38,15 @@ public:
     /// Keeps a new item, durably before success is reported. An item of the same identity must not exist.
     virtual KeychainStatus add(GenericPasswordIdentity const& identity,
                                Foundation::SecretBytes const& value) = 0;
+
+    /// Puts a value in the place of the one that an item holds, a text too, durably before success is
+    /// reported. The item is there all the while. `itemNotFound` when there is none.
+    virtual KeychainStatus update(GenericPasswordIdentity const& identity,
+                                  Foundation::SecretBytes const& value) = 0;
+
+    /// Nobody waits for this keychain any more: an operation under way in another thread that hangs ends
+    /// soon, with `ioErr`.
+    virtual void giveUp() = 0;
 };
 
 } // namespace Platform

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <expected>
+#include <memory>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -16,16 +17,42 @@ using Foundation::SecretBytes;
 using SecretServiceHandles::ErrorSlot;
 using SecretServiceHandles::Owned;
 
+constexpr auto schemaName = "com.zentorik.quillora.GenericPassword";
+
+SecretSchema schemaWith(SecretSchemaFlags flags) {
+    SecretSchema made{};
+    made.name = schemaName;
+    made.flags = flags;
+    made.attributes[0] = {.name = "service", .type = SECRET_SCHEMA_ATTRIBUTE_STRING};
+    made.attributes[1] = {.name = "account", .type = SECRET_SCHEMA_ATTRIBUTE_STRING};
+    return made;
+}
+
+// Under which items are kept.
 SecretSchema const* schema() {
-    static SecretSchema const ours = [] {
-        SecretSchema made{};
-        made.name = "com.zentorik.quillora.GenericPassword";
-        made.flags = SECRET_SCHEMA_NONE;
-        made.attributes[0] = {.name = "service", .type = SECRET_SCHEMA_ATTRIBUTE_STRING};
-        made.attributes[1] = {.name = "account", .type = SECRET_SCHEMA_ATTRIBUTE_STRING};
-        return made;
-    }();
+    static auto const ours = schemaWith(SECRET_SCHEMA_NONE);
     return &ours;
+}
+
+// By which they are found, whatever schema they are kept under.
+SecretSchema const* anySchema() {
+    static auto const any = schemaWith(SECRET_SCHEMA_DONT_MATCH_NAME);
+    return &any;
+}
+
+bool isOurs(Owned<SecretItem> const& item) {
+    std::unique_ptr<char, decltype(&g_free)> const name(secret_item_get_schema_name(item.get()), g_free);
+    return name != nullptr && std::string_view(name.get()) == schemaName;
+}
+
+bool isOpen(Owned<SecretItem> const& item) {
+    return secret_item_get_locked(item.get()) == FALSE;
+}
+
+Owned<SecretValue> valueOf(SecretBytes const& bytes) {
+    return Owned<SecretValue>(secret_value_new(reinterpret_cast<char const*>(bytes.bytes().data()),
+                                               static_cast<gssize>(bytes.size()),
+                                               "application/octet-stream"));
 }
 
 Owned<GHashTable> attributes(GenericPasswordIdentity const& identity) {
@@ -49,7 +76,7 @@ KeychainStatus statusOf(GError const* error, CallDeadline const& deadline) {
 /// One operation's connection to the service, made anew each time: a service may have been restarted since.
 class Session {
 public:
-    explicit Session(std::chrono::milliseconds limit) : deadline(limit) {
+    Session(std::chrono::milliseconds limit, std::stop_token const& givenUp) : deadline(limit, givenUp) {
         Owned<GError> error;
         bus.reset(g_bus_get_sync(G_BUS_TYPE_SESSION, deadline.get(), ErrorSlot(error)));
         if (!bus) return;
@@ -65,10 +92,12 @@ public:
     /// Why there is no service; `success` where there is one.
     [[nodiscard]] KeychainStatus status() const { return service ? KeychainStatus::success : failure; }
 
-    /// The item, or why there is none to be had.
-    std::expected<Owned<SecretItem>, KeychainStatus> item(GenericPasswordIdentity const& identity) {
+    /// The items that are open, ours before those of other programs; at least one. Or why there is none to
+    /// be had.
+    std::expected<std::vector<Owned<SecretItem>>, KeychainStatus>
+    items(GenericPasswordIdentity const& identity) {
         Owned<GError> error;
-        GList* found = secret_service_search_sync(service.get(), schema(), attributes(identity).get(),
+        GList* found = secret_service_search_sync(service.get(), anySchema(), attributes(identity).get(),
                                                   SECRET_SEARCH_ALL, deadline.get(), ErrorSlot(error));
         std::vector<Owned<SecretItem>> items;
         for (auto* place = found; place != nullptr; place = place->next)
@@ -76,11 +105,21 @@ public:
         g_list_free(found);
         if (error) return std::unexpected(statusOf(error.get(), deadline));
 
-        auto const isOpen = [](auto const& item) { return secret_item_get_locked(item.get()) == FALSE; };
-        auto const open = std::ranges::find_if(items, isOpen);
-        if (open != items.end()) return std::move(*open);
-        if (!items.empty()) return std::unexpected(KeychainStatus::interactionNotAllowed);
-        return std::unexpected(absence());
+        if (items.empty()) return std::unexpected(absence());
+        std::ranges::partition(items, isOurs);
+        bool const isOursLocked = isOurs(items.front()) && std::ranges::none_of(items, [](auto const& item) {
+                                      return isOurs(item) && isOpen(item);
+                                  });
+        std::erase_if(items, [](auto const& item) { return !isOpen(item); });
+        if (isOursLocked || items.empty()) return std::unexpected(KeychainStatus::interactionNotAllowed);
+        return items;
+    }
+
+    /// The item, or why there is none to be had.
+    std::expected<Owned<SecretItem>, KeychainStatus> item(GenericPasswordIdentity const& identity) {
+        auto found = items(identity);
+        if (!found) return std::unexpected(found.error());
+        return std::move(found->front());
     }
 
     std::expected<Owned<SecretValue>, KeychainStatus> value(SecretItem* item) {
@@ -98,22 +137,35 @@ public:
         return isRemoved != FALSE ? KeychainStatus::success : statusOf(error.get(), deadline);
     }
 
-    KeychainStatus store(GenericPasswordIdentity const& identity, SecretBytes const& bytes,
-                         std::chrono::milliseconds personsLimit) {
+    KeychainStatus change(SecretItem* item, SecretBytes const& bytes) {
         Owned<GError> error;
-        Owned<SecretCollection> const collection(
+        auto const isChanged =
+            secret_item_set_secret_sync(item, valueOf(bytes).get(), deadline.get(), ErrorSlot(error));
+        return isChanged != FALSE ? KeychainStatus::success : statusOf(error.get(), deadline);
+    }
+
+    /// Whether there is a collection for new items. An error is a status, as everywhere.
+    std::expected<Owned<SecretCollection>, KeychainStatus> defaultCollection() {
+        Owned<GError> error;
+        Owned<SecretCollection> collection(
             secret_collection_for_alias_sync(service.get(), SECRET_COLLECTION_DEFAULT, SECRET_COLLECTION_NONE,
                                              deadline.get(), ErrorSlot(error)));
-        if (error) return statusOf(error.get(), deadline);
-        if (!collection)
+        if (error) return std::unexpected(statusOf(error.get(), deadline));
+        return collection;
+    }
+
+    KeychainStatus store(GenericPasswordIdentity const& identity, SecretBytes const& bytes,
+                         std::chrono::milliseconds personsLimit) {
+        auto const collection = defaultCollection();
+        if (!collection) return collection.error();
+        if (!*collection)
             deadline.extendTo(personsLimit);
-        else if (secret_collection_get_locked(collection.get()) != FALSE) {
+        else if (secret_collection_get_locked(collection->get()) != FALSE) {
             return KeychainStatus::interactionNotAllowed;
         }
 
-        Owned<SecretValue> const value(secret_value_new(reinterpret_cast<char const*>(bytes.bytes().data()),
-                                                        static_cast<gssize>(bytes.size()),
-                                                        "application/octet-stream"));
+        Owned<GError> error;
+        auto const value = valueOf(bytes);
         auto const label = "Quillora: " + identity.service;
         auto const isStored = secret_service_store_sync(service.get(), schema(), attributes(identity).get(),
                                                         SECRET_COLLECTION_DEFAULT, label.c_str(), value.get(),
@@ -170,7 +222,7 @@ GenericPasswordMatch match(Session& session, GenericPasswordIdentity const& iden
 
 GenericPasswordMatch SecretServiceKeychain::copyMatching(GenericPasswordIdentity const& identity) const {
     try {
-        Session session(patience.answer);
+        Session session(patience.answer, givenUp.get_token());
         return match(session, identity);
     } catch (...) {
         return {.status = KeychainStatus::ioErr, .data = std::nullopt};
@@ -179,11 +231,16 @@ GenericPasswordMatch SecretServiceKeychain::copyMatching(GenericPasswordIdentity
 
 KeychainStatus SecretServiceKeychain::deleteMatching(GenericPasswordIdentity const& identity) {
     try {
-        Session session(patience.answer);
+        Session session(patience.answer, givenUp.get_token());
         if (session.status() != KeychainStatus::success) return session.status();
-        auto const item = session.item(identity);
-        if (!item) return item.error();
-        return session.remove(item->get());
+        auto const items = session.items(identity);
+        if (!items) return items.error();
+        // What another program put beside ours would be taken for it from now on.
+        for (auto const& item : *items) {
+            auto const removed = session.remove(item.get());
+            if (removed != KeychainStatus::success) return removed;
+        }
+        return KeychainStatus::success;
     } catch (...) {
         return KeychainStatus::ioErr;
     }
@@ -191,7 +248,7 @@ KeychainStatus SecretServiceKeychain::deleteMatching(GenericPasswordIdentity con
 
 KeychainStatus SecretServiceKeychain::add(GenericPasswordIdentity const& identity, SecretBytes const& value) {
     try {
-        Session session(patience.answer);
+        Session session(patience.answer, givenUp.get_token());
         if (session.status() != KeychainStatus::success) return session.status();
         auto const existing = session.item(identity);
         if (existing) return KeychainStatus::ioErr;
@@ -203,6 +260,33 @@ KeychainStatus SecretServiceKeychain::add(GenericPasswordIdentity const& identit
         return kept.data == value ? KeychainStatus::success : KeychainStatus::ioErr;
     } catch (...) {
         return KeychainStatus::ioErr;
+    }
+}
+
+KeychainStatus SecretServiceKeychain::update(GenericPasswordIdentity const& identity,
+                                             SecretBytes const& value) {
+    try {
+        Session session(patience.answer, givenUp.get_token());
+        if (session.status() != KeychainStatus::success) return session.status();
+        auto const item = session.item(identity);
+        if (!item) return item.error();
+        auto const changed = session.change(item->get(), value);
+        if (changed != KeychainStatus::success) return changed;
+        auto const kept = match(session, identity);
+        return kept.data == value ? KeychainStatus::success : KeychainStatus::ioErr;
+    } catch (...) {
+        return KeychainStatus::ioErr;
+    }
+}
+
+bool SecretServiceKeychain::lacksDefaultCollection() const {
+    try {
+        Session session(patience.answer, givenUp.get_token());
+        if (session.status() != KeychainStatus::success) return false;
+        auto const collection = session.defaultCollection();
+        return collection && !*collection;
+    } catch (...) {
+        return false;
     }
 }
 

@@ -46,11 +46,19 @@ TEST_F(BackendTokensTests, aLockedKeychainKeepsAndGivesNothing) {
 
 TEST_F(BackendTokensTests, aFailedChangeIsReportedAndWhatStandsThereIsNoToken) {
     ASSERT_EQ(tokens.save(url, "t1"), KeychainStatus::success);
-    keychain->answersDeletesWith(KeychainStatus::authFailed);
+    keychain->answersUpdatesWith(KeychainStatus::authFailed);
     EXPECT_EQ(tokens.save(url, "t2"), KeychainStatus::authFailed);
     EXPECT_EQ(tokens.find(url), "t1");
     keychain->placeText(BackendTokens::identity(other), "typed by hand");
     EXPECT_EQ(tokens.find(other), std::unexpected(KeychainStatus::itemNotFound));
+}
+
+TEST_F(BackendTokensTests, aTokenThatIsReplacedIsThereAllTheWhile) {
+    ASSERT_EQ(tokens.save(url, "t1"), KeychainStatus::success);
+    keychain->answersDeletesWith(KeychainStatus::ioErr);
+    keychain->answersAddsWith(KeychainStatus::ioErr);
+    EXPECT_EQ(tokens.save(url, "t2"), KeychainStatus::success);
+    EXPECT_EQ(tokens.find(url), "t2");
 }
 
 TEST_F(BackendTokensTests, theProviderAsksAnewEachTime) {
@@ -64,13 +72,13 @@ TEST_F(BackendTokensTests, theProviderAsksAnewEachTime) {
     EXPECT_EQ(Foundation::runTask(provider.token()), "t2");
 }
 
-// Answers no look-up before it is let go.
+// Answers no look-up before it is given up.
 class HangingKeychain final : public Platform::Keychain {
 public:
     [[nodiscard]] Platform::GenericPasswordMatch
     copyMatching(Platform::GenericPasswordIdentity const&) const override {
         std::unique_lock lock(mutex);
-        changed.wait(lock, [this] { return isLetGo; });
+        changed.wait(lock, [this] { return isGivenUp; });
         return {.status = KeychainStatus::ioErr, .data = std::nullopt};
     }
     KeychainStatus deleteMatching(Platform::GenericPasswordIdentity const&) override {
@@ -79,11 +87,14 @@ public:
     KeychainStatus add(Platform::GenericPasswordIdentity const&, Foundation::SecretBytes const&) override {
         return KeychainStatus::ioErr;
     }
+    KeychainStatus update(Platform::GenericPasswordIdentity const&, Foundation::SecretBytes const&) override {
+        return KeychainStatus::ioErr;
+    }
 
-    void letGo() {
+    void giveUp() override {
         {
             std::scoped_lock const lock(mutex);
-            isLetGo = true;
+            isGivenUp = true;
         }
         changed.notify_all();
     }
@@ -91,19 +102,16 @@ public:
 private:
     mutable std::mutex mutex;
     mutable std::condition_variable changed;
-    bool isLetGo = false;
+    bool isGivenUp = false;
 };
 
 TEST(KeychainTokenProviderTests, aKeychainThatHangsHoldsNobodyUp) {
     auto const keychain = std::make_shared<HangingKeychain>();
-    {
-        KeychainTokenProvider provider(BackendTokens(keychain), {.absoluteString = "https://h"});
-        std::function<Foundation::Task<std::string>()> operation = [&] { return provider.token(); };
-        // Were the keychain waited for, this would never end.
-        EXPECT_THROW(Foundation::runTask(Networking::withTimeout<std::string>(0.05, operation)),
-                     Networking::TimeoutError);
-        keychain->letGo();
-    }
+    KeychainTokenProvider provider(BackendTokens(keychain), {.absoluteString = "https://h"});
+    std::function<Foundation::Task<std::string>()> operation = [&] { return provider.token(); };
+    // Were the keychain waited for, this would never end; nor would the provider, which gives it up.
+    EXPECT_THROW(Foundation::runTask(Networking::withTimeout<std::string>(0.05, operation)),
+                 Networking::TimeoutError);
 }
 
 } // namespace

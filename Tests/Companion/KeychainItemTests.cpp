@@ -65,10 +65,11 @@ TEST_F(KeychainItemTests, anItemThatCannotBeReadIsNotCopied) {
 TEST_F(KeychainItemTests, theOthersFailuresAreTold) {
     from.place(identity, bytes(std::byte{1}));
     to.place(identity, bytes(std::byte{2}));
-    to.answersDeletesWith(KeychainStatus::authFailed);
+    to.answersUpdatesWith(KeychainStatus::authFailed);
     EXPECT_EQ(copyItem(from, to, identity), KeychainStatus::authFailed);
     EXPECT_EQ(to.value(identity), bytes(std::byte{2}));
-    to.answersDeletesWith(std::nullopt);
+    to.answersUpdatesWith(std::nullopt);
+    ASSERT_EQ(to.deleteMatching(identity), KeychainStatus::success);
     to.answersAddsWith(KeychainStatus::ioErr);
     EXPECT_EQ(copyItem(from, to, identity), KeychainStatus::ioErr);
     to.setLocked(true);

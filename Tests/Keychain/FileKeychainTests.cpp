@@ -11,7 +11,9 @@
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
+#include <future>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -79,6 +81,24 @@ TEST_F(FileKeychainTests, sweepsAwayWhatAKilledProcessLeft) {
     ASSERT_EQ(keychain.add({.service = "other", .account = "other"}, theBytes), KeychainStatus::success);
     EXPECT_FALSE(std::filesystem::exists(folder / "aside 4711"));
     EXPECT_EQ(keychain.copyMatching(theKey).data, theBytes);
+}
+
+TEST_F(FileKeychainTests, additionsAtOnceAllSucceed) {
+    ASSERT_EQ(keychain.add(theKey, theBytes), KeychainStatus::success);
+    std::vector<std::future<KeychainStatus>> additions;
+    for (int number = 0; number < 24; ++number) {
+        additions.push_back(std::async(std::launch::async, [this, number] {
+            FileKeychain own(home.path());
+            return own.add({.service = "many", .account = std::to_string(number)}, theBytes);
+        }));
+    }
+    for (auto& addition : additions)
+        EXPECT_EQ(addition.get(), KeychainStatus::success);
+}
+
+TEST_F(FileKeychainTests, theFileOfAnItemIsKnown) {
+    ASSERT_EQ(keychain.add(theKey, theBytes), KeychainStatus::success);
+    EXPECT_EQ(keychain.file(theKey), item);
 }
 
 TEST_F(FileKeychainTests, lookingUpMakesNothing) {

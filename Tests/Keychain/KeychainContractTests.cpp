@@ -162,6 +162,22 @@ TEST_P(KeychainContractTests, keepsANewValueAfterDeletion) {
     EXPECT_EQ(keychain.copyMatching(theKey).data, bytesFrom(2));
 }
 
+TEST_P(KeychainContractTests, anUpdateTakesThePlaceOfWhatWasThere) {
+    EXPECT_EQ(keychain.update(theKey, bytesFrom(1)), KeychainStatus::itemNotFound);
+    EXPECT_EQ(keychain.copyMatching(theKey).status, KeychainStatus::itemNotFound);
+    ASSERT_EQ(keychain.add(theKey, bytesFrom(1)), KeychainStatus::success);
+    EXPECT_EQ(keychain.update(theKey, bytesFrom(2, 3)), KeychainStatus::success);
+    EXPECT_EQ(keychain.copyMatching(theKey).data, bytesFrom(2, 3));
+    EXPECT_EQ(keychain.deleteMatching(theKey), KeychainStatus::success);
+    EXPECT_EQ(keychain.copyMatching(theKey).status, KeychainStatus::itemNotFound);
+}
+
+TEST_P(KeychainContractTests, anUpdateTakesThePlaceOfATextToo) {
+    world->placeText(theKey, "a text that somebody put here");
+    EXPECT_EQ(keychain.update(theKey, bytesFrom(1)), KeychainStatus::success);
+    EXPECT_EQ(keychain.copyMatching(theKey).data, bytesFrom(1));
+}
+
 TEST_P(KeychainContractTests, aTextIsAnItemWithoutData) {
     world->placeText(theKey, "a text that somebody put here");
     auto const match = keychain.copyMatching(theKey);
@@ -184,6 +200,7 @@ TEST_P(LockableKeychainContractTests, aLockedItemIsNotAMissingOne) {
     EXPECT_FALSE(match.data.has_value());
     EXPECT_EQ(keychain.deleteMatching(theKey), KeychainStatus::interactionNotAllowed);
     EXPECT_EQ(keychain.add(theKey, bytesFrom(2)), KeychainStatus::interactionNotAllowed);
+    EXPECT_EQ(keychain.update(theKey, bytesFrom(2)), KeychainStatus::interactionNotAllowed);
 }
 
 TEST_P(LockableKeychainContractTests, aLockedKeychainDoesNotSayThatItIsEmpty) {

@@ -35,6 +35,7 @@ bool isServing(PrivateKeyring::Login login) {
     auto const isThere = collection != nullptr;
     g_clear_object(&collection);
     g_object_unref(service);
+    if (login == PrivateKeyring::Login::fresh) return !isThere;
     return isThere && isLocked == (login == PrivateKeyring::Login::locked);
 }
 
@@ -125,9 +126,10 @@ void PrivateKeyring::lockCollections() {
     require(locked == 1, error, "the collection does not lock");
 }
 
-void PrivateKeyring::placeText(Platform::GenericPasswordIdentity const& identity, std::string const& text) {
+void PrivateKeyring::placeText(Platform::GenericPasswordIdentity const& identity, std::string const& text,
+                               Schema kind) {
     SecretSchema schema{};
-    schema.name = "com.zentorik.quillora.GenericPassword";
+    schema.name = kind == Schema::another ? "org.example.Another" : "com.zentorik.quillora.GenericPassword";
     schema.attributes[0] = {.name = "service", .type = SECRET_SCHEMA_ATTRIBUTE_STRING};
     schema.attributes[1] = {.name = "account", .type = SECRET_SCHEMA_ATTRIBUTE_STRING};
     GError* error = nullptr;
@@ -135,8 +137,9 @@ void PrivateKeyring::placeText(Platform::GenericPasswordIdentity const& identity
     auto* attributes = secret_attributes_build(&schema, "service", identity.service.c_str(), "account",
                                                identity.account.c_str(), nullptr);
     auto* value = secret_value_new(text.c_str(), -1, "text/plain");
-    auto const stored = secret_service_store_sync(service, &schema, attributes, SECRET_COLLECTION_DEFAULT,
-                                                  "by hand", value, nullptr, &error);
+    auto const stored =
+        secret_service_store_sync(service, kind == Schema::none ? nullptr : &schema, attributes,
+                                  SECRET_COLLECTION_DEFAULT, "by hand", value, nullptr, &error);
     secret_value_unref(value);
     g_hash_table_unref(attributes);
     g_object_unref(service);

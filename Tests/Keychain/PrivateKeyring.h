@@ -32,7 +32,11 @@ public:
     enum class Login : std::uint8_t {
         unlocked, ///< As after a person has signed in.
         locked,   ///< Started without the password.
+        fresh,    ///< The same in a home where nobody has ever made a keyring.
     };
+
+    /// Under which schema another program puts a text.
+    enum class Schema : std::uint8_t { ours, none, another };
 
     explicit PrivateKeyring(PrivateBus const& bus) : bus(bus) {}
     ~PrivateKeyring();
@@ -50,7 +54,8 @@ public:
     /// Locks every collection of the running daemon.
     void lockCollections();
     /// Puts a text in the place of an item, as a program for passwords does.
-    void placeText(Platform::GenericPasswordIdentity const& identity, std::string const& text);
+    void placeText(Platform::GenericPasswordIdentity const& identity, std::string const& text,
+                   Schema schema = Schema::ours);
 
 private:
     void waitUntilServing(Login login);

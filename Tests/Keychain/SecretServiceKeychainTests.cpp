@@ -126,6 +126,63 @@ TEST(SecretServiceKeychainTests, aFrozenDaemonIsAFailureInGoodTime) {
     EXPECT_LT(taken, wellBelowAMinute);
 }
 
+TEST(SecretServiceKeychainTests, whoGivesUpDoesNotWaitForAFrozenDaemon) {
+    PrivateBus const bus;
+    PrivateKeyring keyring(bus);
+    keyring.start(PrivateKeyring::Login::unlocked);
+    SecretServiceKeychain keychain({.answer = 1h, .person = 1h});
+    ASSERT_EQ(keychain.copyMatching(theKey).status, KeychainStatus::itemNotFound);
+    keyring.freeze();
+    auto asking = std::async(std::launch::async, [&] { return keychain.copyMatching(theKey); });
+    keychain.giveUp();
+    EXPECT_EQ(asking.get().status, KeychainStatus::ioErr);
+}
+
+// As "secret-tool store" does, which knows no schema: the daemon puts the text in the place of our item.
+TEST(SecretServiceKeychainTests, aTextUnderNoSchemaStandsInTheItemsPlaceToo) {
+    PrivateBus const bus;
+    PrivateKeyring keyring(bus);
+    keyring.start(PrivateKeyring::Login::unlocked);
+    SecretServiceKeychain keychain;
+    for (auto const isOursThere : {false, true}) {
+        if (isOursThere) ASSERT_EQ(keychain.add(theKey, theBytes), KeychainStatus::success);
+        keyring.placeText(theKey, "typed by hand", PrivateKeyring::Schema::none);
+        auto const match = keychain.copyMatching(theKey);
+        EXPECT_EQ(match.status, KeychainStatus::success);
+        EXPECT_FALSE(match.data.has_value());
+        EXPECT_EQ(keychain.add(theKey, theBytes), KeychainStatus::ioErr);
+        EXPECT_EQ(keychain.deleteMatching(theKey), KeychainStatus::success);
+        EXPECT_EQ(keychain.copyMatching(theKey).status, KeychainStatus::itemNotFound);
+    }
+}
+
+TEST(SecretServiceKeychainTests, anItemOfOursIsBelievedBeforeOneOfAnotherProgram) {
+    PrivateBus const bus;
+    PrivateKeyring keyring(bus);
+    keyring.start(PrivateKeyring::Login::unlocked);
+    SecretServiceKeychain keychain;
+    keyring.placeText(theKey, "another's", PrivateKeyring::Schema::another);
+    EXPECT_FALSE(keychain.copyMatching(theKey).data.has_value());
+    EXPECT_EQ(keychain.copyMatching(theKey).status, KeychainStatus::success);
+    keyring.placeText(theKey, "ours");
+    ASSERT_EQ(keychain.update(theKey, theBytes), KeychainStatus::success);
+    EXPECT_EQ(keychain.copyMatching(theKey).data, theBytes);
+    EXPECT_EQ(keychain.deleteMatching(theKey), KeychainStatus::success);
+    EXPECT_EQ(keychain.copyMatching(theKey).status, KeychainStatus::itemNotFound);
+}
+
+TEST(SecretServiceKeychainTests, aFreshDaemonHasNoPlaceForNewItems) {
+    PrivateBus const bus;
+    PrivateKeyring keyring(bus);
+    EXPECT_FALSE(SecretServiceKeychain().lacksDefaultCollection()); // Nobody says so.
+    keyring.start(PrivateKeyring::Login::fresh);
+    EXPECT_TRUE(SecretServiceKeychain().lacksDefaultCollection());
+    EXPECT_NE(SecretServiceKeychain(shortPatience).add(theKey, theBytes), KeychainStatus::success);
+    keyring.stop();
+    keyring.start(PrivateKeyring::Login::unlocked);
+    EXPECT_FALSE(SecretServiceKeychain().lacksDefaultCollection());
+}
+
 TEST(SecretServiceKeychainTests, aDaemonThatIsKilledWhileItIsAskedIsAFailureAtOnce) {
     PrivateBus const bus;
     PrivateKeyring keyring(bus);
