@@ -1,10 +1,12 @@
 #include "Applications/Companion/BackendTexts.h"
 #include "Applications/Companion/Commands.h"
 #include "Applications/Companion/HarmlessConsole.h"
+#include "Applications/Companion/ProviderRegistry.h"
 #include "Applications/Companion/Support.h"
 #include "Applications/Companion/Texts.h"
 #include "Applications/Companion/TokenInput.h"
 #include "Applications/Composition/LiveBackendServices.h"
+#include "Applications/Composition/LiveRegistryServices.h"
 #include "Networking/NetworkLogger.h"
 #include "Platform/Files/FileManager.h"
 
@@ -45,6 +47,11 @@ struct Account {
         return *known;
     }
 
+    [[nodiscard]] bool keepsFiles() const {
+        return Composition::LiveRegistryServices(*services).chosenKeychain() ==
+               Composition::KeychainKind::file;
+    }
+
     [[nodiscard]] std::string settingPath() const { return shownPath(setting->file()); }
     void say(std::string const& text) const { invocation.console.writeLine(text); }
 
@@ -78,26 +85,35 @@ std::string requestedToken(Invocation const& invocation, URL const& url) {
     return tokenFromTerminal(Texts::askForToken(url.absoluteString));
 }
 
-ExitCode login(Invocation const& invocation) {
-    Account account(invocation);
-    auto const typed = invocation.values.option("--url");
-    // An address that cannot be read is mended by giving it anew.
-    auto const before = typed ? account.setting->baseURL().value_or(std::nullopt) : account.knownURL();
-    if (!typed && !before) throw CommandError::wrongUse(Texts::loginNeedsURL());
-    auto const url = typed ? checkedURL(invocation, *typed) : *before;
-    auto const token = requestedToken(invocation, url);
-
+// Under the lock, so that no token stays behind of who logs in elsewhere at the same moment.
+void keepAccount(Account& account, URL const& url, std::string const& token) {
+    auto const before = account.setting->baseURL().value_or(std::nullopt);
     auto tokens = account.tokens();
     auto const kept = tokens.save(url, token);
-    if (kept != KeychainStatus::success) throw CommandError::failed(Texts::tokenNotKept(kept));
-    if (auto const error = account.setting->saveBaseURL(url)) {
-        if (before != url) tokens.remove(url);
-        throw CommandError::failed(Texts::cannotWrite(account.settingPath(), error.message()));
+    if (kept != KeychainStatus::success)
+        throw CommandError::failed(Texts::tokenNotKept(kept, account.keepsFiles()));
+    if (before != url) {
+        if (auto const error = account.setting->saveBaseURL(url)) {
+            tokens.remove(url);
+            throw CommandError::failed(Texts::cannotWrite(account.settingPath(), error.message()));
+        }
     }
     account.say(Texts::loggedIn(url.absoluteString));
     bool const isElsewhere = before && *before != url;
     if (isElsewhere && tokens.remove(*before) != KeychainStatus::success)
-        invocation.console.report(Texts::oldTokenStays(before->absoluteString));
+        account.invocation.console.report(Texts::oldTokenStays(before->absoluteString));
+}
+
+ExitCode login(Invocation const& invocation) {
+    Account account(invocation);
+    auto const typed = invocation.values.option("--url");
+    // An address that cannot be read is mended by giving it anew.
+    auto const known = typed ? std::nullopt : account.knownURL();
+    if (!typed && !known) throw CommandError::wrongUse(Texts::loginNeedsURL());
+    auto const url = typed ? checkedURL(invocation, *typed) : *known;
+    auto const token = requestedToken(invocation, url);
+    auto const lock = requiredRegistryLock(*account.services);
+    keepAccount(account, url, token);
     return ExitCode::done;
 }
 
@@ -108,6 +124,7 @@ void forgetAddress(Account const& account) {
 
 ExitCode logout(Invocation const& invocation) {
     Account account(invocation);
+    auto const lock = requiredRegistryLock(*account.services);
     auto const known = account.setting->baseURL();
     if (!known) {
         // Which token to remove is lost with the address; that is no reason to stay logged in.
@@ -121,7 +138,8 @@ ExitCode logout(Invocation const& invocation) {
     }
     auto const removed = account.tokens().remove(*url);
     if (removed != KeychainStatus::success && removed != KeychainStatus::itemNotFound)
-        throw CommandError::failed(Texts::tokenNotRemoved(url->absoluteString, removed));
+        throw CommandError::failed(
+            Texts::tokenNotRemoved(url->absoluteString, removed, account.keepsFiles()));
     forgetAddress(account);
     account.say(Texts::loggedOut(url->absoluteString));
     return ExitCode::done;

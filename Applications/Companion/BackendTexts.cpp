@@ -10,7 +10,7 @@ using Platform::KeychainStatus;
 namespace {
 
 // What a keychain's answer means, and what the person can do.
-std::string keychainAnswer(KeychainStatus status) {
+std::string keychainAnswer(KeychainStatus status, bool isFile) {
     switch (status) {
     case KeychainStatus::interactionNotAllowed: return text("keychain-is-locked");
     case KeychainStatus::authFailed: return text("keychain-refused");
@@ -18,7 +18,8 @@ std::string keychainAnswer(KeychainStatus status) {
     case KeychainStatus::ioErr:
     case KeychainStatus::itemNotFound: break;
     }
-    return text("keychain-failed", std::to_string(static_cast<std::int32_t>(status)));
+    auto const number = std::to_string(static_cast<std::int32_t>(status));
+    return isFile ? text("key-files-failed", number) : text("keychain-failed", number);
 }
 
 } // namespace
@@ -71,17 +72,17 @@ std::string badToken() {
     return text("bad-token");
 }
 
-std::string tokenNotKept(KeychainStatus status) {
-    return text("token-not-kept", keychainAnswer(status));
+std::string tokenNotKept(KeychainStatus status, bool isFile) {
+    return text("token-not-kept", keychainAnswer(status, isFile));
 }
 
-std::string tokenNotRemoved(std::string_view url, KeychainStatus status) {
-    return text("token-not-removed", quoted(url), keychainAnswer(status));
+std::string tokenNotRemoved(std::string_view url, KeychainStatus status, bool isFile) {
+    return text("token-not-removed", quoted(url), keychainAnswer(status, isFile));
 }
 
 std::string tokenIsMissing(std::string_view url, KeychainStatus status) {
     bool const isMissing = status == KeychainStatus::itemNotFound;
-    return isMissing ? text("token-is-missing", quoted(url)) : keychainAnswer(status);
+    return isMissing ? text("token-is-missing", quoted(url)) : keychainAnswer(status, false);
 }
 
 std::string oldTokenStays(std::string_view url) {

@@ -78,8 +78,12 @@ std::string mendKeyringItem(std::string_view service) {
     return text("doctor-mend-keyring-item", service);
 }
 
-std::string mendKeyFileItem(std::string_view files) {
-    return text("doctor-mend-key-file-item", files);
+std::string keyringIsNotMade() {
+    return text("doctor-keyring-is-not-made");
+}
+
+std::string mendUnmadeKeyring() {
+    return text("doctor-mend-unmade-keyring");
 }
 
 std::string copiesInQuarantine(std::size_t count, std::string_view paths) {
@@ -122,12 +126,16 @@ std::string databaseIsLocked() {
     return text("doctor-database-is-locked");
 }
 
+std::string databaseCannotBeLocked(std::string_view lockFile, std::string_view reason) {
+    return text("doctor-database-cannot-be-locked", lockFile, told(reason));
+}
+
 std::string databaseOpens(std::size_t providers) {
     return text("doctor-database-opens", std::to_string(providers));
 }
 
-std::string removeCopiesCommand(std::string_view files) {
-    return text("doctor-remove-copies-command", files);
+std::string readOnlyCommand(std::string_view folder) {
+    return text("doctor-read-only-command", folder);
 }
 
 std::string whoLocksCommand() {
@@ -152,6 +160,10 @@ std::string providerIsDisabled(std::string_view name) {
 
 std::string mirrorWithoutRegistration() {
     return text("doctor-mirror-without-registration");
+}
+
+std::string mirrorCannotBeRead(std::string_view path, std::string_view reason) {
+    return text("doctor-mirror-cannot-be-read", path, told(reason));
 }
 
 std::string accessRecordIsDamaged(std::string_view path) {
@@ -384,6 +396,18 @@ std::string makeFolderCommand(std::string_view folder) {
 
 std::string makeWritableCommand(std::string_view folder) {
     return fmt::format("chmod u+rwx {}", folder);
+}
+
+std::string makeUsableCommand(std::string_view file) {
+    return fmt::format("chmod u+rw {}", file);
+}
+
+std::string removeCopiesCommand(std::string_view files) {
+    return fmt::format("rm{}", files);
+}
+
+std::string removeKeyFileCommand(std::string_view file) {
+    return fmt::format("rm {} && {}", file, setupCommand());
 }
 
 std::string moveAwayCommand(std::string_view file) {

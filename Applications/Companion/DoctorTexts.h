@@ -29,7 +29,9 @@ std::string mendKeychainChoice();
 std::string mendKeyFiles(std::string_view folder);
 std::string mendKeyring(Platform::KeychainStatus status, bool hasDatabase);
 std::string mendKeyringItem(std::string_view service);
-std::string mendKeyFileItem(std::string_view files);
+std::string removeKeyFileCommand(std::string_view file);
+std::string keyringIsNotMade();
+std::string mendUnmadeKeyring();
 
 // Database, providers, mirror.
 std::string noDatabaseYet();
@@ -38,6 +40,7 @@ std::string databaseDoesNotOpen(std::string_view path, std::string_view reason);
 std::string databaseCannotBeRead(std::string_view path, std::string_view reason);
 std::string databaseCannotBeChanged(std::string_view folder, std::string_view reason);
 std::string databaseIsLocked();
+std::string databaseCannotBeLocked(std::string_view lockFile, std::string_view reason);
 std::string databaseOpens(std::size_t providers);
 std::string copiesInQuarantine(std::size_t count, std::string_view paths);
 std::string removeCopiesCommand(std::string_view files);
@@ -53,6 +56,7 @@ std::string mirrorIsRight(bool isOn);
 std::string mirrorIsWrong(bool isOn);
 std::string mirrorCannotBeCompared(bool isOn);
 std::string mirrorWithoutRegistration();
+std::string mirrorCannotBeRead(std::string_view path, std::string_view reason);
 
 // Access and sources.
 std::string accessRecordIsDamaged(std::string_view path);
@@ -78,6 +82,8 @@ std::string unsetContainerCommand();
 std::string makeDataHomeCommand();
 std::string makeFolderCommand(std::string_view folder);
 std::string makeWritableCommand(std::string_view folder);
+std::string makeUsableCommand(std::string_view file);
+std::string readOnlyCommand(std::string_view folder);
 std::string diskSpaceCommand(std::string_view folder);
 std::string offsetIs(std::int64_t offset);
 std::string offsetIsFarAway(std::int64_t offset);

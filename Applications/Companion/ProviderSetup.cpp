@@ -1,6 +1,7 @@
 #include "Applications/Companion/ProviderSetup.h"
 
 #include "Applications/Companion/ProviderRegistry.h"
+#include "Applications/Companion/SetupTexts.h"
 #include "Applications/Companion/Texts.h"
 #include "Foundation/Text.h"
 #include "Platform/Clock/Clock.h"
@@ -54,7 +55,9 @@ bool ProviderSetup::choose(KeychainKind kind) {
     auto const chosen = registryServices.chooseKeychain(kind);
     if (!chosen) throw CommandError::failed(chosen.error());
     say(Texts::keychainChosen(kind == KeychainKind::file));
-    return *chosen;
+    for (auto const& warning : chosen->warnings)
+        invocation.console.report(warning);
+    return chosen->isNew;
 }
 
 ProviderSetup::Registry ProviderSetup::openedRegistry(bool& hasChanged) {
@@ -77,6 +80,9 @@ bool ProviderSetup::isKeyFileWanted(CalendarProviders::ResultEntity const& failu
     if (takesDefaults || invocation.values.has("--keychain")) return false;
     auto const kind = registryServices.chosenKeychain();
     if (!kind || *kind != KeychainKind::secretService) return false;
+    // The key of what is registered is in the keyring, and cannot be taken along from one that is out of
+    // reach.
+    if (registryServices.isDatabaseThere()) return false;
     return isWanted(Texts::offerKeyFile(messageOf(failure)));
 }
 
@@ -135,7 +141,9 @@ CalendarProviderEntity ProviderSetup::thisComputer() const {
 
 std::string ProviderSetup::whatWasNotDone() {
     auto const kind = registryServices.chosenKeychain();
-    return Texts::notSwitchedOn(kind && *kind == KeychainKind::secretService);
+    bool const isKeyring = kind && *kind == KeychainKind::secretService;
+    if (isKeyring && registryServices.isDatabaseThere()) return Texts::notSwitchedOnWithoutTheKey();
+    return Texts::notSwitchedOn(isKeyring);
 }
 
 } // namespace Companion

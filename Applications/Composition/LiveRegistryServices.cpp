@@ -1,5 +1,7 @@
 #include "Applications/Composition/LiveRegistryServices.h"
 
+#include "Applications/Composition/BackendSetting.h"
+#include "Applications/Composition/BackendTokens.h"
 #include "Applications/Composition/KeychainItem.h"
 #include "Applications/Composition/LiveServices.h"
 #include "Applications/Composition/Texts.h"
@@ -11,6 +13,7 @@
 #include "Platform/Clock/SystemClock.h"
 #include "Platform/EventStore/Folder/CalendarStorePlaces.h"
 #include "Platform/Files/PosixFileLocks.h"
+#include "Platform/Files/PosixFileManager.h"
 #include "Platform/Keychain/FileKeychain.h"
 #include "Platform/Keychain/SecretServiceKeychain.h"
 #include "Platform/Keychain/SystemRandomSource.h"
@@ -36,7 +39,11 @@ KeychainKind otherThan(KeychainKind kind) {
 std::shared_ptr<KeychainSetting const> LiveRegistryServices::keychainSetting() {
     auto const places = services.calendarPlaces();
     if (!places) return nullptr;
-    return std::make_shared<KeychainSetting>(places->configurationDirectory, services.files());
+    // The old keychain forgets the key as soon as this is written: it must not come back after a power cut.
+    return std::make_shared<KeychainSetting>(
+        places->configurationDirectory,
+        std::make_shared<Platform::PosixFileManager>(services.environment(),
+                                                     Platform::PosixFileManager::Durability::fileAndFolder));
 }
 
 std::expected<KeychainKind, std::string> LiveRegistryServices::chosenKeychain() {
@@ -68,6 +75,15 @@ Platform::GenericPasswordIdentity LiveRegistryServices::keyIdentity() {
             .account = std::string(CalendarProviders::RealmEncryptionKeyStore::defaultAccount)};
 }
 
+std::optional<std::filesystem::path> LiveRegistryServices::keyFile() {
+    return Platform::FileKeychain(services.files()->applicationSupportDirectory()).file(keyIdentity());
+}
+
+bool LiveRegistryServices::lacksKeyring() {
+    return chosenKeychain() == KeychainKind::secretService &&
+           Platform::SecretServiceKeychain().lacksDefaultCollection();
+}
+
 std::optional<std::filesystem::path> LiveRegistryServices::databaseFile() {
     using CalendarProviders::CalendarProviderDatabase;
     auto const defaultFile = objectDatabaseEngine()->defaultFileURL();
@@ -75,19 +91,80 @@ std::optional<std::filesystem::path> LiveRegistryServices::databaseFile() {
     return defaultFile->parent_path() / (std::string(CalendarProviderDatabase::keychainService) + ".realm");
 }
 
-std::expected<bool, std::string> LiveRegistryServices::chooseKeychain(KeychainKind kind) {
+std::expected<KeychainChange, std::string> LiveRegistryServices::chooseKeychain(KeychainKind kind) {
     auto const setting = keychainSetting();
     auto const current = chosenKeychain();
-    if (current && *current == kind && setting->isRecorded()) return false;
-    if (!current || *current != kind) {
-        auto const carried = carryKey(current ? Choice::known : Choice::lost, otherThan(kind), kind);
+    KeychainChange change{.isNew = true, .warnings = {}};
+    if (current && *current == kind && setting->isRecorded()) change.isNew = false;
+    if (!change.isNew) return change;
+    bool const isOther = !current || *current != kind;
+    if (isOther) {
+        auto const choice = current ? Choice::known : Choice::lost;
+        auto const carried = carryKey(choice, otherThan(kind), kind);
         if (!carried) return std::unexpected(carried.error());
+        carryToken(choice, otherThan(kind), kind, change);
     }
     if (auto const failure = setting->save(kind)) {
         return std::unexpected(Texts::keychainChoiceNotSaved(
             Foundation::Text::sanitizedUTF8(setting->file().string()), failure.message()));
     }
-    return true;
+    if (isOther) removeOldCopies(otherThan(kind), kind, change);
+    return change;
+}
+
+std::optional<Foundation::URL> LiveRegistryServices::knownBackend() {
+    auto const places = services.calendarPlaces();
+    if (!places) return std::nullopt;
+    return BackendSetting(places->configurationDirectory, services.files()).baseURL().value_or(std::nullopt);
+}
+
+void LiveRegistryServices::carryToken(Choice choice, KeychainKind from, KeychainKind to,
+                                      KeychainChange& change) {
+    auto const backend = knownBackend();
+    if (!backend) return;
+    auto const identity = BackendTokens::identity(*backend);
+    auto const target = keychainOf(to);
+    // Nobody knows which of two was in use: the one that is there already is as good.
+    if (choice == Choice::lost && target->copyMatching(identity).data) return;
+    auto const status = copyItem(*keychainOf(from), *target, identity);
+    if (status == Platform::KeychainStatus::success || status == Platform::KeychainStatus::itemNotFound)
+        return;
+    change.warnings.push_back(Texts::tokenNotCarried(Foundation::Text::neutralized(backend->absoluteString),
+                                                     static_cast<std::int32_t>(status)));
+}
+
+std::string LiveRegistryServices::whereToRemove(KeychainKind kind,
+                                                Platform::GenericPasswordIdentity const& identity) {
+    if (kind == KeychainKind::secretService) return Texts::oldCopyInKeyring(identity.service);
+    Platform::FileKeychain const files(services.files()->applicationSupportDirectory());
+    return Texts::oldCopyInFile(
+        Foundation::Text::sanitizedUTF8(files.file(identity).value_or(std::filesystem::path()).string()));
+}
+
+void LiveRegistryServices::removeOldCopies(KeychainKind from, KeychainKind to, KeychainChange& change) {
+    using enum Platform::KeychainStatus;
+    std::vector<Platform::GenericPasswordIdentity> identities{keyIdentity()};
+    if (auto const backend = knownBackend()) identities.push_back(BackendTokens::identity(*backend));
+    auto const source = keychainOf(from);
+    auto const target = keychainOf(to);
+    for (auto const& identity : identities) {
+        auto const old = source->copyMatching(identity);
+        // What cannot be reached at all was never known to hold anything.
+        if (old.status == itemNotFound || old.status == ioErr) continue;
+        // Another value than the one in use is nobody's copy: it stays, and the person is told.
+        bool const isCopy = old.data && target->copyMatching(identity).data == old.data;
+        if (isCopy && source->deleteMatching(identity) == success) continue;
+        change.warnings.push_back(whereToRemove(from, identity));
+    }
+}
+
+bool LiveRegistryServices::isDatabaseThere() {
+    auto const database = databaseFile();
+    if (!database) return false;
+    std::error_code error;
+    auto const status = std::filesystem::symlink_status(*database, error);
+    if (std::filesystem::is_regular_file(status)) return std::filesystem::file_size(*database, error) != 0;
+    return std::filesystem::exists(status);
 }
 
 std::optional<KeychainKind> LiveRegistryServices::keychainOfDatabase() {
@@ -100,10 +177,15 @@ std::expected<void, std::string> LiveRegistryServices::carryKey(Choice choice, K
                                                                 KeychainKind to) {
     auto const database = databaseFile();
     if (!database) return {};
-    std::error_code error;
-    if (!std::filesystem::exists(*database, error) && !error) return {};
     auto const source = keychainOf(from);
     auto const target = keychainOf(to);
+    std::error_code error;
+    if (!std::filesystem::exists(*database, error) && !error) {
+        // Of use to nobody just now, and so no reason to refuse anything.
+        if (target->copyMatching(keyIdentity()).status == Platform::KeychainStatus::itemNotFound)
+            static_cast<void>(copyItem(*source, *target, keyIdentity()));
+        return {};
+    }
     if (opensDatabase(*target)) return {};
     // Nobody knows which keychain was in use: a key that opens nothing takes no other one's place.
     bool const isWorthless = choice == Choice::lost && !opensDatabase(*source);
@@ -129,20 +211,24 @@ bool LiveRegistryServices::opensDatabase(Platform::Keychain const& keychain) {
     return opened.has_value();
 }
 
-std::expected<std::unique_ptr<Platform::FileLocks::Held>, std::string> LiveRegistryServices::lock() {
+std::optional<std::filesystem::path> LiveRegistryServices::lockFile() {
     auto const database = databaseFile();
-    if (!database) return nullptr;
+    if (!database) return std::nullopt;
     // Not one of the database's own files: those come and go with it.
-    auto const file = database->parent_path() / ".providers.lock";
-    if (services.files()->createDirectory(file.parent_path())) return nullptr;
-    auto held = Platform::PosixFileLocks().take(file, patienceWithOthers);
+    return database->parent_path() / ".providers.lock";
+}
+
+std::expected<std::unique_ptr<Platform::FileLocks::Held>, std::string> LiveRegistryServices::lock() {
+    auto const file = lockFile();
+    if (!file || services.files()->createDirectory(file->parent_path())) return nullptr;
+    auto held = Platform::PosixFileLocks().take(*file, patienceWithOthers);
     if (held) return *std::move(held);
-    auto const path = Foundation::Text::sanitizedUTF8(file.string());
+    auto const path = Foundation::Text::sanitizedUTF8(file->string());
     if (held.error() == std::errc::timed_out)
         return std::unexpected(Texts::registryIsBusy(patienceWithOthers.count(), path));
     // Where no lock can be made, no registration can be written either: its own failure will say so.
     std::error_code error;
-    bool const isThere = std::filesystem::exists(std::filesystem::symlink_status(file, error));
+    bool const isThere = std::filesystem::exists(std::filesystem::symlink_status(*file, error));
     if (!isThere || held.error() == std::errc::read_only_file_system) return nullptr;
     return std::unexpected(Texts::registryNotLocked(path, held.error().message()));
 }

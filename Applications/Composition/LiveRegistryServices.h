@@ -2,6 +2,7 @@
 
 #include "Applications/Composition/KeychainSetting.h"
 #include "CalendarProviders/ResultEntity.h"
+#include "Foundation/URL.h"
 #include "Platform/Files/FileLocks.h"
 #include "Platform/Keychain/Keychain.h"
 
@@ -11,6 +12,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace Platform {
 class ObjectDatabaseEngine;
@@ -19,6 +21,13 @@ class ObjectDatabaseEngine;
 namespace Composition {
 
 class LiveServices;
+
+/// What came of a choice of a keychain.
+struct KeychainChange {
+    bool isNew; ///< Another one was in use before, or none was on record.
+    /// Sentences for the person: a secret that could not be taken along, or a copy that may have stayed.
+    std::vector<std::string> warnings;
+};
 
 /// The live parts below the registry of calendar providers. They are apart from the others because the widget
 /// needs none of them, and so need not load the libraries of keyring and database.
@@ -41,6 +50,13 @@ public:
     /// Where the key of the registrations is kept in either keychain.
     static Platform::GenericPasswordIdentity keyIdentity();
 
+    /// The file that holds that key in the keychain of files, whether it is there or not. Absent when the
+    /// environment names no home.
+    std::optional<std::filesystem::path> keyFile();
+
+    /// Whether secrets go to the desktop's keyring, and it says that it has no place for new ones yet.
+    bool lacksKeyring();
+
     /// The file of the registered providers, whether it is there or not. Absent when the environment names no
     /// home.
     std::optional<std::filesystem::path> databaseFile();
@@ -54,12 +70,20 @@ public:
     /// for others; the error is a sentence for the person. Null where there is no place for a registry.
     std::expected<std::unique_ptr<Platform::FileLocks::Held>, std::string> lock();
 
-    /// Records the person's choice, and yields whether it was another one before. Where a database of
-    /// providers exists, its key is first copied from the keychain in use, unless the other one holds the
-    /// right one already, or else the choice is refused: no registration is lost to a change of keychain.
-    /// Where the record of the choice is damaged, the key that opens the database is the one in use. The
-    /// error is a sentence for the person. Only where the environment names a home, and under the lock.
-    std::expected<bool, std::string> chooseKeychain(KeychainKind kind);
+    /// The file of that lock, which stays. Absent where there is no place for a registry.
+    std::optional<std::filesystem::path> lockFile();
+
+    /// Whether something is where the registered providers are kept. An empty file is what a system leaves
+    /// that stopped before the first writing: nothing yet.
+    bool isDatabaseThere();
+
+    /// Records the person's choice. Where a database of providers exists, its key is first copied from the
+    /// keychain in use, unless the other one holds the right one already, or else the choice is refused: no
+    /// registration is lost to a change of keychain. Where the record of the choice is damaged, the key that
+    /// opens the database is the one in use. The backend's token is taken along too. Once the choice is on
+    /// the disk, what was copied is removed from the keychain that it came from. The error is a sentence for
+    /// the person. Only where the environment names a home, and under the lock.
+    std::expected<KeychainChange, std::string> chooseKeychain(KeychainKind kind);
 
     std::shared_ptr<Platform::ObjectDatabaseEngine> objectDatabaseEngine();
 
@@ -74,6 +98,10 @@ private:
     enum class Choice : std::uint8_t { known, lost };
 
     std::expected<void, std::string> carryKey(Choice choice, KeychainKind from, KeychainKind to);
+    std::optional<Foundation::URL> knownBackend();
+    std::string whereToRemove(KeychainKind kind, Platform::GenericPasswordIdentity const& identity);
+    void carryToken(Choice choice, KeychainKind from, KeychainKind to, KeychainChange& change);
+    void removeOldCopies(KeychainKind from, KeychainKind to, KeychainChange& change);
     bool opensDatabase(Platform::Keychain const& keychain);
 
     LiveServices& services;

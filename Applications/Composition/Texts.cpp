@@ -76,6 +76,18 @@ std::string keyNotCopied(std::int32_t status, std::string_view database) {
     return text("key-not-copied", std::to_string(status), database);
 }
 
+std::string tokenNotCarried(std::string_view backend, std::int32_t status) {
+    return text("token-not-carried", backend, std::to_string(status));
+}
+
+std::string oldCopyInKeyring(std::string_view service) {
+    return text("old-copy-in-keyring", service);
+}
+
+std::string oldCopyInFile(std::string_view file) {
+    return text("old-copy-in-file", file);
+}
+
 std::string registryIsBusy(std::int64_t seconds, std::string_view lockFile) {
     return text("registry-is-busy", std::to_string(seconds), lockFile);
 }

@@ -30,6 +30,9 @@ std::string unreadableKeychainChoice(std::string_view path, std::string_view rea
 std::string noKeychainNamed(std::string_view path);
 std::string keychainChoiceNotSaved(std::string_view path, std::string_view reason);
 std::string keyNotCopied(std::int32_t status, std::string_view database);
+std::string tokenNotCarried(std::string_view backend, std::int32_t status);
+std::string oldCopyInKeyring(std::string_view service);
+std::string oldCopyInFile(std::string_view file);
 std::string registryIsBusy(std::int64_t seconds, std::string_view lockFile);
 std::string registryNotLocked(std::string_view lockFile, std::string_view reason);
 std::string unreadableBackend(std::string_view path, std::string_view reason);

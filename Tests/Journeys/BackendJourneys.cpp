@@ -321,6 +321,7 @@ TEST_F(BackendJourneys, aTokenThatIsNotThereIsARefusalWithItsReason) {
 
 TEST_F(BackendJourneys, withoutAKeyringALoginChangesNothing) {
     home.write(home.configuration() / "keychain.json", "\"secret-service\"");
+    home.write(home.folder() / "data" / "Quillora" / ".providers.lock", ""); // Held meanwhile.
     auto const before = home.snapshot();
     BackendProcess const service;
     auto const result = ask(service, {"backend", "login"});

@@ -6,8 +6,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -37,6 +39,9 @@ protected:
     fs::path mirror() const { return home.container() / "enabledCalendarAccounts.json"; }
 
     DoctorReport report() const { return DoctorReport::of(home); }
+    DoctorReport withoutOverride() const {
+        return DoctorReport::from(home.quilloraWithoutOverride({"doctor", "--json"}));
+    }
 
     // That only this is broken, with this text, and that what the doctor names mends it: a command of this
     // program is run.
@@ -88,7 +93,7 @@ TEST_F(DoctorJourneys, withoutAHomeThatIsWhatIsBroken) {
 TEST(DoctorInANewHomeJourneys, itNamesTheSetUp) {
     PrivateHome const home;
     auto const found = DoctorReport::of(home);
-    EXPECT_THAT(found.broken(), ElementsAre("keychain", "access", "sources"));
+    EXPECT_THAT(found.broken(), ElementsAre("keychain", "providers", "access", "sources"));
     EXPECT_THAT(found.worst("keychain").text, HasSubstr("status -36"));
     EXPECT_THAT(found.worst("keychain").mend, StartsWith("quillora setup --keychain file"));
     EXPECT_EQ(found.worst("access").text, "Calendar access: not asked yet");
@@ -105,6 +110,73 @@ TEST_F(DoctorJourneys, aChoiceThatNamesNoKeychainIsNamed) {
     EXPECT_EQ(sick.worst("database").health, "note"); // Nobody can know, and nothing is claimed.
     ASSERT_EQ(home.quillora({"setup", "--keychain", "file"}).exitCode, 0);
     EXPECT_THAT(report().broken(), IsEmpty());
+}
+
+// Nothing can be written in the place of a folder, and what is written in that of a closed file stays closed.
+TEST_F(DoctorJourneys, aChoiceThatCannotBeReadIsMendedByWhatIsNamed) {
+    auto const choice = home.configuration() / "keychain.json";
+    fs::remove(choice);
+    fs::create_directory(choice);
+    auto const sick = report();
+    EXPECT_THAT(sick.broken(), ElementsAre("keychain"));
+    EXPECT_EQ(sick.worst("keychain").mend, "mv " + choice.string() + " " + choice.string() + ".away");
+    ASSERT_EQ(std::system(sick.worst("keychain").mend.c_str()), 0);
+    EXPECT_THAT(report().broken(), IsEmpty());
+
+    if (!canGiveUpOverride()) GTEST_SKIP() << "here root cannot give up its power to read everything";
+    home.write(choice, "\"file\"");
+    fs::permissions(choice, fs::perms::none);
+    auto const closed = withoutOverride();
+    EXPECT_THAT(closed.broken(), ElementsAre("keychain"));
+    EXPECT_EQ(closed.worst("keychain").mend, "chmod u+rw " + choice.string());
+    ASSERT_EQ(std::system(closed.worst("keychain").mend.c_str()), 0);
+    EXPECT_THAT(withoutOverride().broken(), IsEmpty());
+}
+
+TEST_F(DoctorJourneys, aClosedFolderIsNotTakenForAnEmptyOne) {
+    if (!canGiveUpOverride()) GTEST_SKIP() << "here root cannot give up its power to read everything";
+    fs::permissions(quillora(), fs::perms::none);
+    auto const sick = withoutOverride();
+    fs::permissions(quillora(), fs::perms::owner_all);
+    EXPECT_THAT(sick.broken(), testing::IsSupersetOf({"keychain", "database"}));
+    EXPECT_THAT(sick.worst("database").text, HasSubstr("cannot be read just now: Permission denied"));
+    for (auto const* check : {"keychain", "database"})
+        EXPECT_EQ(sick.worst(check).mend, "chmod u+rwx " + quillora().string());
+}
+
+TEST_F(DoctorJourneys, aLockThatCannotBeOpenedIsNamed) {
+    if (!canGiveUpOverride()) GTEST_SKIP() << "here root cannot give up its power to write everywhere";
+    for (auto const& lock : {fs::path(database().string() + ".lock"), quillora() / ".providers.lock"}) {
+        fs::permissions(lock, fs::perms::none);
+        auto const sick = withoutOverride();
+        EXPECT_THAT(sick.broken(), ElementsAre("database"));
+        EXPECT_THAT(sick.worst("database").text,
+                    HasSubstr("because " + lock.string() + " cannot be opened: Permission denied"));
+        ASSERT_EQ(sick.worst("database").mend, "chmod u+rw " + lock.string());
+        ASSERT_EQ(std::system(sick.worst("database").mend.c_str()), 0);
+        EXPECT_THAT(withoutOverride().broken(), IsEmpty());
+    }
+}
+
+TEST_F(DoctorJourneys, whatStandsInTheMirrorsPlaceIsNamed) {
+    for (auto const isFolder : {true, false}) {
+        fs::remove(mirror());
+        if (isFolder)
+            fs::create_directory(mirror());
+        else
+            ASSERT_EQ(::mkfifo(mirror().c_str(), 0600), 0);
+        auto const sick = report();
+        EXPECT_THAT(sick.broken(), ElementsAre("mirror"));
+        EXPECT_THAT(sick.worst("mirror").text,
+                    HasSubstr(mirror().string() + ", which tells it what is registered, cannot be read: " +
+                              (isFolder ? "Is a directory" : "Not a regular file")));
+        auto const move = "mv " + mirror().string() + " " + mirror().string() + ".away";
+        EXPECT_EQ(sick.worst("mirror").mend, move + " && quillora providers enable eventKit");
+        ASSERT_EQ(std::system(move.c_str()), 0);
+        static_cast<void>(home.outputOf({"providers", "enable", "eventKit"}));
+        EXPECT_THAT(report().broken(), IsEmpty());
+        fs::remove(mirror().string() + ".away");
+    }
 }
 
 TEST_F(DoctorJourneys, aKeyFileThatOthersMayReadIsNamed) {
@@ -135,7 +207,10 @@ TEST_F(DoctorJourneys, aTextInTheKeysPlaceIsNamed) {
     auto const sick = report();
     EXPECT_THAT(sick.broken(), ElementsAre("keychain"));
     EXPECT_THAT(sick.worst("keychain").text, HasSubstr("(status 0)"));
-    EXPECT_THAT(sick.worst("keychain").mend, HasSubstr("rm "));
+    EXPECT_EQ(sick.worst("keychain").mend, "rm '" + keyFile().string() + "' && quillora setup");
+    fs::remove(keyFile());
+    ASSERT_EQ(home.quillora({"setup"}).exitCode, 0);
+    EXPECT_THAT(report().broken(), IsEmpty());
 }
 
 TEST_F(DoctorJourneys, aKeyOfAnotherLengthIsNamed) {
@@ -164,9 +239,14 @@ TEST_F(DoctorJourneys, aDamagedDatabaseIsNamedAndThenItsCopy) {
     expectMended("database", "does not open: the file is not a database of this program", {"setup"});
     auto const copy = report().worst("quarantine");
     EXPECT_EQ(copy.health, "note");
-    EXPECT_THAT(copy.text,
-                HasSubstr("a database that did not open is kept: " + quillora().string() + "/quarantined-"));
-    EXPECT_THAT(copy.mend, StartsWith("rm " + quillora().string() + "/quarantined-"));
+    EXPECT_THAT(copy.text, HasSubstr("a database that did not open is kept, and may go once nothing in it is "
+                                     "missed: " +
+                                     quillora().string() + "/quarantined-"));
+    // A command and nothing else, which leaves nothing of the copy behind.
+    EXPECT_THAT(copy.mend, testing::MatchesRegex("rm [^ ,]+\\.realm [^ ,]+\\.realm\\.lock"));
+    ASSERT_EQ(std::system(copy.mend.c_str()), 0);
+    for (auto const& entry : fs::directory_iterator(quillora()))
+        EXPECT_THAT(entry.path().filename().string(), testing::Not(HasSubstr("quarantined"))) << entry.path();
 }
 
 TEST_F(DoctorJourneys, aDatabaseOfAnotherKeyIsNamed) {

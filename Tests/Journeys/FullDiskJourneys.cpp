@@ -57,9 +57,10 @@ TEST_F(FullDiskJourneys, aChangeThatFindsNoRoomLosesNothing) {
     EXPECT_EQ(result.errors, "quillora: the provider \"eventKit\" was not changed\n"
                              "the system could not carry it out: No space left on device\n");
     EXPECT_THAT(result.output, testing::StartsWith("[\"eventKit\"]\neventKit  Calendars on this computer"));
-    EXPECT_THAT(result.output, HasSubstr("enabled\n.providers.lock\nCalendarProviders.RegistryProvider.realm\n"
-                                         "CalendarProviders.RegistryProvider.realm.lock\nCalendars\n"
-                                         "Keychain\nDisabled \"Calendars on this computer\"\n[]\n"));
+    EXPECT_THAT(result.output,
+                HasSubstr("enabled\n.providers.lock\nCalendarProviders.RegistryProvider.realm\n"
+                          "CalendarProviders.RegistryProvider.realm.lock\nCalendars\n"
+                          "Keychain\nDisabled \"Calendars on this computer\"\n[]\n"));
 }
 
 TEST_F(FullDiskJourneys, aSetUpThatFindsNoRoomMakesNoHalfKey) {
@@ -102,6 +103,7 @@ TEST_F(FullDiskJourneys, aHomeThatCannotBeWrittenIsReadAllTheSame) {
         quillora providers edit eventKit --name "My calendars" && exit 1
         quillora setup
         quillora doctor --json >"$HOME/doctor.json" && exit 1
+        printf token | quillora backend login --url https://h.example --token-fd 0 && exit 1
         cat "$mirror"
         )");
     EXPECT_EQ(result.exitCode, 0) << result.errors << result.output;
@@ -114,6 +116,27 @@ TEST_F(FullDiskJourneys, aHomeThatCannotBeWrittenIsReadAllTheSame) {
     auto const report = home.contentOf(home.folder() / "doctor.json");
     EXPECT_THAT(report, HasSubstr("nothing can be written in " + (home.folder() / "data/Quillora").string() +
                                   ": Read-only file system"));
+    // No right that the person could grant would help.
+    EXPECT_THAT(report, testing::Not(HasSubstr("chmod")));
+    EXPECT_THAT(report, HasSubstr("findmnt --target " + (home.folder() / "data/Quillora").string()));
+    EXPECT_THAT(result.errors,
+                HasSubstr("the token was not kept, and nothing was changed: the files that hold "
+                          "your secrets could not be used (status -36)"));
+}
+
+TEST_F(FullDiskJourneys, aTokenThatFindsNoRoomIsNotKeptAndTheOldOneStays) {
+    auto const result = script(R"(
+        quillora setup --yes --keychain file >/dev/null
+        printf old-token | quillora backend login --url https://h.example --token-fd 0 >/dev/null
+        fill
+        printf new-token | quillora backend login --url https://h.example --token-fd 0 && exit 1
+        grep -l -r old-token "$XDG_DATA_HOME/Quillora/Keychain"
+        grep -r new-token "$XDG_DATA_HOME/Quillora" && exit 1
+        ls -A "$XDG_DATA_HOME/Quillora/Keychain" | wc -l
+        )");
+    EXPECT_EQ(result.exitCode, 0) << result.errors << result.output;
+    EXPECT_THAT(result.errors, HasSubstr("the files that hold your secrets could not be used (status -36)"));
+    EXPECT_THAT(result.output, testing::EndsWith("backend https%3A%2F%2Fh.example\n2\n"));
 }
 
 } // namespace

@@ -73,6 +73,23 @@ protected:
         ASSERT_EQ(result.exitCode, 0) << result.errors;
     }
 
+    void logIn(std::string const& url, std::string const& token) const {
+        auto const result = home.quillora({"backend", "login", "--url", url, "--token-fd", "0"},
+                                          ProgramRun::Output::captured, token);
+        ASSERT_EQ(result.exitCode, 0) << result.errors;
+    }
+
+    static bool tokenInTheRing(std::string const& url) {
+        return Platform::SecretServiceKeychain()
+            .copyMatching({.service = "com.zentorik.quillora.backend", .account = url})
+            .data.has_value();
+    }
+
+    bool isAnywhereInFiles(std::string const& text) const {
+        return std::ranges::any_of(home.snapshot(),
+                                   [&](auto const& file) { return file.second.contains(text); });
+    }
+
     static std::optional<Foundation::SecretBytes> keyInTheRing() {
         return Platform::SecretServiceKeychain().copyMatching(theKey).data;
     }
@@ -168,6 +185,52 @@ TEST_F(KeyringJourneys, aSlowKeyringIsNotWaitedForForever) {
     EXPECT_THAT(home.outputOf({"providers", "list"}), HasSubstr("enabled"));
 }
 
+// A daemon in a home where nobody has made a keyring yet: it answers, and can keep nothing.
+TEST_F(OnABusJourneys, aKeyringThatIsNotMadeYetIsNamedAndTheWayOutLeads) {
+    PrivateKeyring keyring(bus);
+    keyring.start(PrivateKeyring::Login::fresh);
+    EXPECT_EQ(home.quillora({"setup", "--yes"}).exitCode, 1);
+    auto const sick = DoctorReport::of(home);
+    EXPECT_THAT(sick.broken(), ElementsAre("keychain", "providers"));
+    EXPECT_THAT(sick.worst("keychain").text, HasSubstr("has no place for secrets yet"));
+    EXPECT_THAT(sick.worst("keychain").mend, StartsWith("quillora setup --keychain file"));
+    EXPECT_THAT(sick.worst("providers").text, HasSubstr("no calendar provider is registered"));
+    ASSERT_EQ(home.quillora({"setup", "--keychain", "file"}).exitCode, 0);
+    EXPECT_THAT(DoctorReport::of(home).broken(), IsEmpty());
+}
+
+// As "secret-tool store" leaves it, which takes our item's place and forgets whose it was.
+TEST_F(KeyringJourneys, aTextOfAnotherProgramInTheKeysPlaceCostsNothing) {
+    setUp();
+    auto const before = home.contentOf(database());
+    keyring.placeText(theKey, "y", PrivateKeyring::Schema::none);
+    expectRefusals(0);
+    EXPECT_EQ(home.contentOf(database()), before);
+    EXPECT_THAT(DoctorReport::of(home).worst("keychain").text,
+                HasSubstr("a text stands in the place of the key"));
+}
+
+TEST_F(KeyringJourneys, aKeyringThatHoldsTheKeyIsToBeUnlockedAndNoFileIsOffered) {
+    setUp();
+    keyring.lockCollections();
+    auto const setup = home.quillora({"setup"}, ProgramRun::Output::terminal, "y\ny\ny\n");
+    EXPECT_EQ(setup.exitCode, 1);
+    EXPECT_THAT(setup.output, testing::Not(HasSubstr("in a file")));
+    EXPECT_THAT(setup.output, HasSubstr("which holds the key of the registrations, cannot be used; start or "
+                                        "unlock it and run \"quillora setup\" again"));
+}
+
+TEST_F(KeyringJourneys, ctrlCWhileTheKeyringHangsEndsTheWait) {
+    setUp();
+    logIn("https://h.example", "the-token");
+    home.environment["TERM"] = "xterm";
+    keyring.freeze();
+    auto const result = home.quilloraAsked({"backend", "list"}, "Waiting for https://h.example", "\x03");
+    keyring.kill();
+    EXPECT_EQ(result.exitCode, 130) << result.output;
+    EXPECT_THAT(result.output, HasSubstr("quillora: interrupted before the backend had answered"));
+}
+
 TEST_F(OnABusJourneys, aKeyringThatDeniesGetsNoKey) {
     StubSecretService const service(bus.address(), StubSecretService::Manner::denies);
     expectRefusals(-25293);
@@ -214,7 +277,7 @@ TEST_F(KeyringJourneys, aKeyringThatLostTheKeyGetsANewOneAndTheOldDatabaseIsKept
     EXPECT_EQ(std::ranges::count(files, oldBytes, &std::pair<std::string const, std::string>::second), 1);
 
     auto const told = DoctorReport::of(home);
-    EXPECT_THAT(told.worst("quarantine").text, HasSubstr("a database that did not open is kept: "));
+    EXPECT_THAT(told.worst("quarantine").text, HasSubstr("a database that did not open is kept, and may go once "));
     EXPECT_THAT(told.broken(), ElementsAre("providers", "mirror"));
     EXPECT_EQ(told.worst("providers").mend, "quillora setup");
     setUp();
@@ -227,12 +290,44 @@ TEST_F(KeyringJourneys, theKeyMovesToAFileAndBackWithoutALoss) {
     auto const list = home.outputOf({"providers", "list"});
     auto const key = keyInTheRing();
     static_cast<void>(home.outputOf({"setup", "--keychain", "file"}));
+    EXPECT_FALSE(keyInTheRing().has_value()); // No copy stays behind.
     keyring.stop();
     EXPECT_EQ(home.outputOf({"providers", "list"}), list);
     keyring.start(PrivateKeyring::Login::unlocked);
     static_cast<void>(home.outputOf({"setup", "--keychain", "secret-service"}));
     EXPECT_EQ(home.outputOf({"providers", "list"}), list);
     EXPECT_EQ(keyInTheRing(), key);
+    EXPECT_TRUE(fs::is_empty(quillora() / "Keychain"));
+}
+
+TEST_F(KeyringJourneys, theTokenMovesWithTheKeyAndALogoutLeavesNone) {
+    setUp();
+    logIn("https://h.example", "the-token");
+    EXPECT_TRUE(tokenInTheRing("https://h.example"));
+    EXPECT_EQ(home.quillora({"setup", "--keychain", "file"}).errors, "");
+    EXPECT_FALSE(tokenInTheRing("https://h.example"));
+    EXPECT_TRUE(isAnywhereInFiles("the-token"));
+    EXPECT_EQ(home.quillora({"setup", "--keychain", "secret-service"}).errors, "");
+    EXPECT_TRUE(tokenInTheRing("https://h.example"));
+    EXPECT_FALSE(isAnywhereInFiles("the-token"));
+    static_cast<void>(home.outputOf({"backend", "logout"}));
+    EXPECT_FALSE(tokenInTheRing("https://h.example"));
+}
+
+TEST_F(KeyringJourneys, whatCannotBeTakenAlongOrAwayIsNamed) {
+    static_cast<void>(home.outputOf({"setup", "--yes", "--keychain", "file"}));
+    logIn("https://h.example", "the-token");
+    // Another key than the one in use, which nobody may take away unasked.
+    ASSERT_EQ(
+        Platform::SecretServiceKeychain().add(theKey, Foundation::SecretBytes::filledBy(64, [](auto) {})),
+        KeychainStatus::success);
+    home.write(home.configuration() / "keychain.json", "\"secret-service\"");
+    keyring.placeText({.service = "com.zentorik.quillora.backend", .account = "https://h.example"}, "a text");
+    auto const result = home.quillora({"setup", "--keychain", "file"});
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_THAT(result.errors, HasSubstr("the token for \"https://h.example\" could not be taken along"));
+    EXPECT_THAT(result.errors, HasSubstr("\"Quillora: CalendarProviders.RegistryProvider\""));
+    EXPECT_THAT(result.errors, HasSubstr("\"Quillora: com.zentorik.quillora.backend\""));
 }
 
 // Whichever keychain the mending names: what it says opens the database is asked, not the damaged record.

@@ -280,6 +280,29 @@ TEST_F(ProvidersJourneys, whatIsRemovedStaysRemovedWhateverIsEditedMeanwhile) {
     }
 }
 
+TEST_F(ProvidersJourneys, ofSeveralLoginsAtOnceOneTokenStaysAndALogoutTakesIt) {
+    std::vector<ProgramResult> results(5);
+    std::vector<std::thread> threads;
+    for (std::size_t index = 0; index < results.size(); ++index) {
+        threads.emplace_back([&, index] {
+            auto const number = std::to_string(index);
+            results[index] = home.quillora(
+                {"backend", "login", "--url", "https://h" + number + ".example", "--token-fd", "0"},
+                ProgramRun::Output::captured, "the-token-" + number);
+        });
+    }
+    for (auto& thread : threads)
+        thread.join();
+    for (auto const& result : results) {
+        EXPECT_EQ(result.exitCode, 0);
+        EXPECT_EQ(result.errors, "");
+    }
+    auto const isToken = [](auto const& file) { return file.second.contains("the-token-"); };
+    EXPECT_EQ(std::ranges::count_if(home.snapshot(), isToken), 1);
+    static_cast<void>(home.outputOf({"backend", "logout"}));
+    EXPECT_EQ(std::ranges::count_if(home.snapshot(), isToken), 0);
+}
+
 TEST_F(ProvidersJourneys, aLockThatCannotBeOpenedIsNamed) {
     static_cast<void>(home.outputOf(addition));
     auto const lock = quillora() / ".providers.lock";

@@ -7,6 +7,7 @@
 #include "CalendarProviders/CalendarProviderDatabase.h"
 #include "CalendarProviders/CalendarProviderRealmMapper.h"
 #include "CalendarProviders/EnabledCalendarAccountsStore.h"
+#include "Platform/Files/AppGroupFile.h"
 #include "Platform/ObjectDatabase/DatabaseFile.h"
 #include "Platform/ObjectDatabase/ObjectDatabaseEngine.h"
 #include "Platform/ObjectDatabase/Patience.h"
@@ -30,6 +31,8 @@ using Providers = std::vector<CalendarProviderEntity>;
 namespace {
 
 constexpr std::size_t keyLength = 64;
+constexpr std::string_view mirrorGroup = "group.quillora";
+constexpr std::string_view mirrorName = "enabledCalendarAccounts.json";
 constexpr std::chrono::milliseconds patienceWithALock{2000};
 
 class RegistryExamination {
@@ -49,21 +52,10 @@ public:
     }
 
 private:
-    // An empty file is what a system leaves that stopped before the first writing: no database yet.
-    [[nodiscard]] bool isDatabaseThere() const {
-        std::error_code error;
-        auto const status = std::filesystem::symlink_status(database, error);
-        if (std::filesystem::is_regular_file(status)) return std::filesystem::file_size(database, error) != 0;
-        return std::filesystem::exists(status);
-    }
-
     void examineKeychain() {
         auto const kind = registryServices.chosenKeychain();
         if (!kind) {
-            auto const inUse = registryServices.keychainOfDatabase();
-            findings.broken("keychain", kind.error(),
-                            inUse ? Texts::chooseKeychainCommand(Foundation::rawValue(*inUse))
-                                  : Texts::mendKeychainChoice());
+            findings.broken("keychain", kind.error(), mendKeychainChoice());
             return;
         }
         bool const isFile = *kind == KeychainKind::file;
@@ -81,8 +73,24 @@ private:
         }
     }
 
+    [[nodiscard]] std::string mendKeychainChoice() {
+        auto const file = registryServices.keychainSetting()->file();
+        auto const content = services.files()->contents(file, Platform::largestPreferenceFile);
+        if (!content && content.error() == std::errc::permission_denied)
+            return Texts::makeUsableCommand(shellWord(file.string()));
+        // Nothing can be written in the place of a folder. Without a record the keychain in use shows itself.
+        if (!content) return Texts::moveAwayCommand(shellWord(file.string()));
+        auto const inUse = registryServices.keychainOfDatabase();
+        return inUse ? Texts::chooseKeychainCommand(Foundation::rawValue(*inUse))
+                     : Texts::mendKeychainChoice();
+    }
+
     void examineMissingKey(KeychainStatus status, bool isFile) {
-        bool const hasDatabase = isDatabaseThere();
+        bool const hasDatabase = registryServices.isDatabaseThere();
+        if (status == KeychainStatus::itemNotFound && !hasDatabase && registryServices.lacksKeyring()) {
+            findings.broken("keychain", Texts::keyringIsNotMade(), Texts::mendUnmadeKeyring());
+            return;
+        }
         if (status == KeychainStatus::itemNotFound && !hasDatabase) {
             findings.note("keychain", Texts::noKeyYet(isFile), Texts::setupCommand());
             return;
@@ -92,7 +100,9 @@ private:
             return;
         }
         auto const text = Texts::keychainRefuses(isFile, status);
-        if (isFile)
+        if (isFile && ::access(database.parent_path().c_str(), X_OK) != 0 && errno == EACCES)
+            findings.broken("keychain", text, mendFolder(EACCES));
+        else if (isFile)
             findings.broken("keychain", text, Texts::mendKeyFiles(shellWord(keyFolder().string())));
         else
             findings.broken("keychain", text, Texts::mendKeyring(status, hasDatabase));
@@ -100,14 +110,27 @@ private:
 
     [[nodiscard]] std::filesystem::path keyFolder() const { return database.parent_path() / "Keychain"; }
 
-    [[nodiscard]] std::string mendWrongItem(bool isFile) const {
+    // What lets the folder of the database be used, which the system refused for that reason.
+    [[nodiscard]] std::string mendFolder(int reason) const {
+        auto const folder = shellWord(database.parent_path().string());
+        return reason == EROFS ? Texts::readOnlyCommand(folder) : Texts::makeWritableCommand(folder);
+    }
+
+    [[nodiscard]] std::string mendWrongItem(bool isFile) {
         if (!isFile) return Texts::mendKeyringItem(CalendarProviderDatabase::keychainService);
-        return Texts::mendKeyFileItem(shellWord((keyFolder() / "item ").string() + "*"));
+        return Texts::removeKeyFileCommand(shellWord(registryServices.keyFile().value().string()));
     }
 
     void examineDatabase() {
-        if (!isDatabaseThere()) {
-            if (key) providers.emplace();
+        std::error_code hidden;
+        auto const status = std::filesystem::symlink_status(database, hidden);
+        if (hidden && status.type() != std::filesystem::file_type::not_found) {
+            findings.broken("database", Texts::databaseCannotBeRead(shownPath(database), hidden.message()),
+                            mendFolder(hidden.value()));
+            return;
+        }
+        if (!registryServices.isDatabaseThere()) {
+            providers.emplace();
             findings.note("database", Texts::noDatabaseYet(), Texts::setupCommand());
             return;
         }
@@ -156,18 +179,30 @@ private:
     bool examineWriting() {
         auto const folder = database.parent_path();
         if (::access(folder.c_str(), W_OK | X_OK) != 0) {
-            auto const reason = std::error_code(errno, std::generic_category()).message();
-            findings.broken("database", Texts::databaseCannotBeChanged(shownPath(folder), reason),
-                            Texts::makeWritableCommand(shellWord(folder.string())));
+            auto const reason = std::error_code(errno, std::generic_category());
+            findings.broken("database", Texts::databaseCannotBeChanged(shownPath(folder), reason.message()),
+                            mendFolder(reason.value()));
             return false;
         }
-        auto const lockFile = Platform::DatabaseFile(database).lockPath();
+        return examineLock(registryServices.lockFile().value()) &&
+               examineLock(Platform::DatabaseFile(database).lockPath());
+    }
+
+    bool examineLock(std::filesystem::path const& lockFile) {
         std::error_code error;
-        if (!std::filesystem::exists(lockFile, error)) return true;
+        if (!std::filesystem::exists(std::filesystem::symlink_status(lockFile, error))) return true;
         auto const lock = Platform::Patience::outcomeOf(
             patienceWithALock, [&] { return Platform::DatabaseLock::take(lockFile); });
-        if (lock || lock.error() != std::errc::resource_unavailable_try_again) return true;
-        findings.broken("database", Texts::databaseIsLocked(), Texts::whoLocksCommand());
+        if (lock) return true;
+        if (lock.error() == std::errc::resource_unavailable_try_again) {
+            findings.broken("database", Texts::databaseIsLocked(), Texts::whoLocksCommand());
+            return false;
+        }
+        auto const word = shellWord(lockFile.string());
+        findings.broken("database",
+                        Texts::databaseCannotBeLocked(shownPath(lockFile), lock.error().message()),
+                        lock.error() == std::errc::permission_denied ? Texts::makeUsableCommand(word)
+                                                                     : Texts::moveAwayCommand(word));
         return false;
     }
 
@@ -179,6 +214,9 @@ private:
         for (auto const& copy : copies) {
             shown += (shown.empty() ? "" : ", ") + shownPath(copy);
             words += " " + shellWord(copy.string());
+            auto const lock = Platform::DatabaseFile(copy).lockPath();
+            std::error_code error;
+            if (std::filesystem::exists(lock, error)) words += " " + shellWord(lock.string());
         }
         findings.note("quarantine", Texts::copiesInQuarantine(copies.size(), shown),
                       Texts::removeCopiesCommand(words));
@@ -200,6 +238,16 @@ private:
     }
 
     void examineMirror() {
+        auto const file = Platform::appGroupFile(*services.files(), mirrorGroup, mirrorName);
+        auto const content = services.files()->contents(file, Platform::largestPreferenceFile);
+        if (!content && content.error() != std::errc::no_such_file_or_directory) {
+            auto const word = shellWord(file.string());
+            findings.broken("mirror", Texts::mirrorCannotBeRead(shownPath(file), content.error().message()),
+                            content.error() == std::errc::permission_denied
+                                ? Texts::makeUsableCommand(word)
+                                : Texts::moveAwayCommand(word) + " && " + rewriteMirrorCommand());
+            return;
+        }
         auto const mirror = EnabledCalendarAccountsStore::load(*services.files());
         bool const isOn = mirror.contains(AccountProviderEnum::eventKit);
         if (!providers) {
@@ -214,11 +262,16 @@ private:
         } else if (providers->empty()) {
             findings.broken("mirror", Texts::mirrorWithoutRegistration(), Texts::setupCommand());
         } else {
-            auto const& first = providers->front();
-            auto const id = shellWord(first.capId);
-            findings.broken("mirror", Texts::mirrorIsWrong(isOn),
-                            first.capIsEnabled ? Texts::enableCommand(id) : Texts::disableCommand(id));
+            findings.broken("mirror", Texts::mirrorIsWrong(isOn), rewriteMirrorCommand());
         }
+    }
+
+    // A command that changes nothing but that the widget is told anew.
+    [[nodiscard]] std::string rewriteMirrorCommand() const {
+        if (!providers || providers->empty()) return Texts::setupCommand();
+        auto const& first = providers->front();
+        auto const id = shellWord(first.capId);
+        return first.capIsEnabled ? Texts::enableCommand(id) : Texts::disableCommand(id);
     }
 
     Composition::LiveServices& services;

@@ -40,9 +40,10 @@ void examineFolder(Composition::LiveServices& services, Findings& findings) {
     if (!std::filesystem::is_directory(*container, error)) {
         findings.broken("folder", Texts::sharedFolderIsMissing(shown), Texts::makeFolderCommand(word));
     } else if (::access(container->c_str(), R_OK | W_OK | X_OK) != 0) {
-        auto const reason = std::error_code(errno, std::generic_category()).message();
-        findings.broken("folder", Texts::sharedFolderCannotBeUsed(shown, reason),
-                        Texts::makeWritableCommand(word));
+        auto const reason = std::error_code(errno, std::generic_category());
+        findings.broken("folder", Texts::sharedFolderCannotBeUsed(shown, reason.message()),
+                        reason == std::errc::read_only_file_system ? Texts::readOnlyCommand(word)
+                                                                   : Texts::makeWritableCommand(word));
     } else if (isFull(*container)) {
         findings.broken("folder", Texts::diskIsFull(shown), Texts::diskSpaceCommand(word));
     } else {
