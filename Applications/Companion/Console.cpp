@@ -1,6 +1,7 @@
 #include "Applications/Companion/Console.h"
 
 #include "Applications/Companion/CommandError.h"
+#include "Applications/Companion/QuestionSignals.h"
 #include "Applications/Companion/Texts.h"
 #include "Foundation/Text.h"
 
@@ -74,6 +75,7 @@ bool Console::canAsk() const {
 
 std::optional<bool> Console::ask(std::string_view question) const {
     if (!canAsk()) return std::nullopt;
+    QuestionSignals const signals;
     for (;;) {
         writeAll(STDERR_FILENO, std::string(question) + " " + Texts::askHint() + " ");
         auto const line = readLine();

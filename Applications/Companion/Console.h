@@ -37,7 +37,8 @@ public:
     /// Whether somebody sits at a terminal who can be asked.
     [[nodiscard]] bool canAsk() const;
 
-    /// Asks a yes-or-no question on the terminal. Absent when nobody sits there or the input ends.
+    /// Asks a yes-or-no question on the terminal. Absent when nobody sits there or the input ends. Ctrl-C
+    /// there ends the program.
     [[nodiscard]] std::optional<bool> ask(std::string_view question) const;
 
     /// Whether standard output may carry ANSI colours: a terminal that is not "dumb", and no NO_COLOR.

@@ -3,6 +3,7 @@
 #include "Applications/Companion/AlarmTexts.h"
 #include "Applications/Companion/AlignedColumns.h"
 #include "Applications/Companion/ConsoleLogSink.h"
+#include "Applications/Companion/QuestionSignals.h"
 #include "Applications/Companion/Texts.h"
 #include "Foundation/DateFormatting.h"
 #include "Foundation/Text.h"
@@ -15,15 +16,31 @@
 
 namespace Companion {
 
+namespace {
+
+// Asks for consent on the terminal, where Ctrl-C ends the program as at its other questions.
+class QuestionOfConsent final : public Platform::ConsentPrompt {
+public:
+    Foundation::Task<Platform::ConsentAnswer> ask() override {
+        QuestionSignals const signals;
+        auto const answer = co_await terminal.ask();
+        co_return answer;
+    }
+
+private:
+    // The question goes to standard error: standard output belongs to the answer.
+    Platform::TerminalConsentPrompt terminal{STDIN_FILENO, STDERR_FILENO, Texts::consent()};
+};
+
+} // namespace
+
 std::unique_ptr<Composition::LiveServices> liveServices(Invocation const& invocation,
                                                         std::optional<Foundation::Date> fixedMoment) {
     return std::make_unique<Composition::LiveServices>(
         invocation.environment,
         Composition::LiveServicesOptions{
             .fixedMoment = fixedMoment,
-            // The question goes to standard error: standard output belongs to the answer.
-            .consentPrompt = std::make_shared<Platform::TerminalConsentPrompt>(STDIN_FILENO, STDERR_FILENO,
-                                                                               Texts::consent()),
+            .consentPrompt = std::make_shared<QuestionOfConsent>(),
             .logSink = std::make_shared<ConsoleLogSink>(invocation.console, invocation.environment),
         });
 }

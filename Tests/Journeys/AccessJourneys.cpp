@@ -73,7 +73,10 @@ TEST(AccessJourneys, everyAnswerOnATerminalIsUnderstoodOrAskedAgain) {
 TEST(AccessJourneys, interruptedAtTheQuestionNothingIsRecorded) {
     PrivateHome const home;
     auto const result = home.quilloraAsked({"access", "request"}, question, "\x03");
-    EXPECT_EQ(result.signal, SIGINT) << result.output;
+    EXPECT_EQ(result.exitCode, 130) << result.output;
+    EXPECT_THAT(result.output,
+                testing::HasSubstr("quillora: interrupted at the question; what was done before "
+                                   "it stays, and nothing was done after it"));
     EXPECT_FALSE(fs::exists(home.configuration() / "calendar-access.json"));
     EXPECT_EQ(home.outputOf({"access", "status"}), "Calendar access: not asked yet\n");
 }

@@ -277,7 +277,8 @@ TEST_F(KeyringJourneys, aKeyringThatLostTheKeyGetsANewOneAndTheOldDatabaseIsKept
     EXPECT_EQ(std::ranges::count(files, oldBytes, &std::pair<std::string const, std::string>::second), 1);
 
     auto const told = DoctorReport::of(home);
-    EXPECT_THAT(told.worst("quarantine").text, HasSubstr("a database that did not open is kept, and may go once "));
+    EXPECT_THAT(told.worst("quarantine").text,
+                HasSubstr("a database that did not open is kept, and may go once "));
     EXPECT_THAT(told.broken(), ElementsAre("providers", "mirror"));
     EXPECT_EQ(told.worst("providers").mend, "quillora setup");
     setUp();

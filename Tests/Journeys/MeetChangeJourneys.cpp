@@ -214,7 +214,8 @@ TEST_F(MeetChangeJourneys, anEditSaysWhatItWillChangeAndAsks) {
     auto const ended = home.quilloraAsked(words, goAhead, "\x04");
     EXPECT_EQ(ended.exitCode, 1);
     auto const interrupted = home.quilloraAsked(words, goAhead, "\x03");
-    EXPECT_EQ(interrupted.signal, SIGINT);
+    EXPECT_EQ(interrupted.exitCode, 130);
+    EXPECT_THAT(interrupted.output, HasSubstr("quillora: interrupted at the question; "));
     EXPECT_EQ(home.snapshot(), before);
 
     auto const done = home.quilloraAsked(words, goAhead, "y\n");

@@ -293,6 +293,19 @@ TEST(SourcesJourneys, aSourceWhoseFolderIsGoneCanBeRemoved) {
     EXPECT_EQ(home.quillora({"sources", "remove", home.calendars().string()}).exitCode, 0);
 }
 
+TEST(SetupJourneys, ctrlCAtAQuestionSaysWhatBecomesOfTheRest) {
+    PrivateHome const home;
+    home.write(home.folder() / ".calendars" / "home" / "tea.ics", oneEvent);
+    ASSERT_EQ(home.quillora({"access", "grant"}).exitCode, 0);
+    auto const result = home.quilloraAsked({"setup", "--keychain", "file"}, "[y/n]", "\x03");
+    EXPECT_EQ(result.exitCode, 130) << result.output;
+    EXPECT_THAT(result.output,
+                HasSubstr("quillora: interrupted at the question; what was done before it stays, "
+                          "and nothing was done after it"));
+    EXPECT_THAT(home.outputOf({"providers", "list"}), HasSubstr("eventKit"));
+    EXPECT_FALSE(fs::exists(home.configuration() / "calendar-store.json"));
+}
+
 TEST(SourcesJourneys, anEmptyFolderIsAddedWithAWord) {
     PrivateHome const home;
     fs::create_directories(home.calendars());
