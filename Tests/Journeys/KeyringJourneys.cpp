@@ -199,13 +199,16 @@ TEST_F(OnABusJourneys, aKeyringThatIsNotMadeYetIsNamedAndTheWayOutLeads) {
     EXPECT_THAT(DoctorReport::of(home).broken(), IsEmpty());
 }
 
-// As "secret-tool store" leaves it, which takes our item's place and forgets whose it was.
+// As "secret-tool store" leaves it, which knows no schema of ours.
 TEST_F(KeyringJourneys, aTextOfAnotherProgramInTheKeysPlaceCostsNothing) {
     setUp();
     auto const before = home.contentOf(database());
-    keyring.placeText(theKey, "y", PrivateKeyring::Schema::none);
-    expectRefusals(0);
-    EXPECT_EQ(home.contentOf(database()), before);
+    for (auto const schema : {PrivateKeyring::Schema::none, PrivateKeyring::Schema::another}) {
+        ASSERT_EQ(Platform::SecretServiceKeychain().deleteMatching(theKey), KeychainStatus::success);
+        keyring.placeText(theKey, "y", schema);
+        expectRefusals(0);
+        EXPECT_EQ(home.contentOf(database()), before);
+    }
     EXPECT_THAT(DoctorReport::of(home).worst("keychain").text,
                 HasSubstr("a text stands in the place of the key"));
 }
