@@ -15,8 +15,8 @@ public:
     /// open for as long.
     static GLibSource watchingDescriptor(int descriptor, std::function<void()> handler);
 
-    /// Calls `handler` when nobody is left at the other end of `descriptor`, a pipe or terminal, and again for
-    /// as long as this object lives. What can be read there does not matter.
+    /// Calls `handler` when nobody is left at the other end of `descriptor`, a pipe or terminal, and again
+    /// for as long as this object lives. What can be read there does not matter.
     static GLibSource whenHungUp(int descriptor, std::function<void()> handler);
 
     /// Calls `handler` once, `milliseconds` from now; 0 means in the loop's next round.
