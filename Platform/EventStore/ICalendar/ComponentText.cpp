@@ -76,6 +76,21 @@ std::optional<ComponentText::Property> ComponentText::first(std::string_view nam
     return std::move(found.front());
 }
 
+std::vector<std::string> ComponentText::contentApartFrom(std::span<std::string_view const> names) const {
+    std::vector<std::string> own;
+    std::vector<std::string> inside;
+    for (auto const& line : lines) {
+        bool const isLeftOut = std::ranges::any_of(
+            names, [&](std::string_view name) { return equalsIgnoringCase(line.name, name); });
+        if (isLeftOut) continue;
+        auto content = unfold(trimmed(withKnownBreaks(line.raw)));
+        (line.name.empty() ? inside : own).push_back(std::move(content));
+    }
+    std::ranges::sort(own);
+    own.insert(own.end(), inside.begin(), inside.end());
+    return own;
+}
+
 void ComponentText::replace(std::size_t line, std::string_view parameters, std::string_view value) {
     lines[line].raw = contentLine(lines[line].name, parameters, value, breakText);
 }

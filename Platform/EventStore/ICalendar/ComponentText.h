@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -25,6 +26,10 @@ public:
     /// The component's own properties of that name, given in upper case, in their order.
     [[nodiscard]] std::vector<Property> properties(std::string_view name) const;
     [[nodiscard]] std::optional<Property> first(std::string_view name) const;
+
+    /// All that it says but for its own properties of those names, given in upper case: its other properties
+    /// in alphabetical order, then the components inside; unfolded, without breaks.
+    [[nodiscard]] std::vector<std::string> contentApartFrom(std::span<std::string_view const> names) const;
 
     /// Gives a property other parameters and another value; its name stays as it was written.
     void replace(std::size_t line, std::string_view parameters, std::string_view value);

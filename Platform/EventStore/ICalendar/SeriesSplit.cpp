@@ -1,6 +1,7 @@
 #include "Platform/EventStore/ICalendar/SeriesSplit.h"
 
 #include "Platform/EventStore/ICalendar/CivilDays.h"
+#include "Platform/EventStore/ICalendar/ExceptionText.h"
 #include "Platform/EventStore/ICalendar/OccurrenceTimes.h"
 #include "Platform/EventStore/ICalendar/RuleExpander.h"
 #include "Platform/EventStore/ICalendar/RuleShift.h"
@@ -25,6 +26,15 @@ constexpr auto notMovable =
 
 // The properties that make an event a series.
 constexpr std::array<std::string_view, 4> recurrenceProperties{"RRULE", "EXRULE", "RDATE", "EXDATE"};
+
+// Whether nothing but the occurrence itself is to be left.
+bool endsRepeating(EventChange const& change) {
+    return change.rules && change.rules->empty();
+}
+
+std::int64_t lengthOf(EventTimes const& times) {
+    return times.end - times.start;
+}
 
 std::int64_t dayOf(std::int64_t local) {
     return floorDivide(local, secondsPerDay);
@@ -246,21 +256,35 @@ EditResult SeriesSplit::whole(Occurrence const& occurrence, EventChange const& c
     return edit;
 }
 
+// Which VEVENT the rest is made of: the series' own, also where one changed occurrence is what others follow.
+// An exception that moves all that follow speaks for them, and one that is left alone for itself.
+SeriesPart const& SeriesSplit::speaker(Occurrence const& occurrence, EventChange const& change) const {
+    bool const isFollowed = isException(*occurrence.event) && !endsRepeating(change);
+    return isFollowed ? parts.master() : parts.partOf(occurrence.event);
+}
+
+ComponentText SeriesSplit::continuedText(Occurrence const& occurrence, EventChange const& change) const {
+    auto const& base = speaker(occurrence, change);
+    auto text = parts.textOf(base);
+    if (&base == &parts.master()) {
+        takeTexts(text, parts.textOf(parts.partOf(occurrence.event)));
+        return text;
+    }
+    // What is shown goes on, with the recurrence of the series.
+    text.remove("RECURRENCE-ID");
+    auto const original = parts.textOf(parts.master());
+    for (auto const name : recurrenceProperties) {
+        text.remove(name);
+        for (auto const& property : original.properties(name))
+            text.add(name, property.parameters, property.value);
+    }
+    return text;
+}
+
 std::expected<SeriesSplit::Continuation, std::string>
 SeriesSplit::continuation(Occurrence const& occurrence, EventChange const& change, Reach reach) const {
     auto const& master = parts.master();
-    auto const& base = parts.partOf(occurrence.event);
-    auto text = parts.textOf(base);
-    if (base.event.component != master.event.component) {
-        // What is shown goes on, with the recurrence of the series.
-        text.remove("RECURRENCE-ID");
-        auto const original = parts.textOf(master);
-        for (auto const name : recurrenceProperties) {
-            text.remove(name);
-            for (auto const& property : original.properties(name))
-                text.add(name, property.parameters, property.value);
-        }
-    }
+    auto text = continuedText(occurrence, change);
     writeTexts(text, change);
     auto mapping = mappingFor(occurrence, change);
     writeStart(text, occurrence, change, mapping, reach);
@@ -274,7 +298,7 @@ SeriesSplit::continuation(Occurrence const& occurrence, EventChange const& chang
     } else if (auto const reason = continueRules(text, mapping, reach)) {
         return std::unexpected(*reason);
     }
-    bool const isSingle = change.rules && change.rules->empty();
+    bool const isSingle = endsRepeating(change);
     bool const isOutOfStep = reach == Reach::rest && anchor() != split;
     auto const isLater = [&](std::int64_t local, bool isDay) {
         if (isSingle) return false;
@@ -302,7 +326,9 @@ SeriesSplit::continuation(Occurrence const& occurrence, EventChange const& chang
 TimeMapping SeriesSplit::mappingFor(Occurrence const& occurrence, EventChange const& change) const {
     auto const& component = *occurrence.event;
     bool const isShifted = component.recurrenceId && component.isThisAndFuture;
-    if (!change.times && !isShifted) return TimeMapping::taking(split, times.clock(), split, times.clock());
+    bool const isLeftAlone = isException(component) && endsRepeating(change);
+    if (!change.times && !isShifted && !isLeftAlone)
+        return TimeMapping::taking(split, times.clock(), split, times.clock());
     auto const before = timesOf(occurrence);
     auto const after = change.times.value_or(before);
     auto clock = times.clock();
@@ -315,8 +341,8 @@ TimeMapping SeriesSplit::mappingFor(Occurrence const& occurrence, EventChange co
         return given.isAllDay ? given.start : clock.rules.local(given.start);
     };
     // By how much an exception is off is its own affair: the others move as far as it does now.
-    bool const isOff =
-        isException(component) && before.isAllDay == after.isAllDay && times.isAllDay() == after.isAllDay;
+    bool const isOff = isException(component) && !isLeftAlone && before.isAllDay == after.isAllDay &&
+                       times.isAllDay() == after.isAllDay;
     auto const target = isOff ? split + shown(after) - shown(before) : shown(after);
     return TimeMapping::taking(split, times.clock(), target, clock);
 }
@@ -351,7 +377,7 @@ std::int64_t SeriesSplit::nextOf(std::size_t rule) const {
 // Writes when the continued series starts.
 void SeriesSplit::writeStart(ComponentText& event, Occurrence const& occurrence, EventChange const& change,
                              TimeMapping const& mapping, Reach reach) const {
-    auto const& base = parts.partOf(occurrence.event);
+    auto const& base = speaker(occurrence, change);
     bool const isFromMaster = &base == &parts.master();
     if (isFromMaster && mapping.isIdentity() && !change.times && reach == Reach::whole) return;
     auto const& component = *base.event.component;
@@ -359,16 +385,18 @@ void SeriesSplit::writeStart(ComponentText& event, Occurrence const& occurrence,
     bool const isAllDay = clock.form == TimeForm::date;
     auto const start = mapping(startOf(reach));
     auto const startInstant = isAllDay ? start : clock.rules.instant(start);
-    auto const lengthOf = [&](SeriesPart const& part) {
-        auto const natural = part.event.length(viewerZone);
-        if (part.event.component->isAllDay()) return natural.days * secondsPerDay;
-        return endInstant(start, startInstant, natural, clock.rules) - startInstant;
-    };
-    // What a PERIOD or an exception lasted does not go for all that follow.
-    auto length = lengthOf(isException(component) ? parts.master() : base);
-    if (change.times) length = change.times->end - change.times->start;
+    auto const natural = base.event.length(viewerZone);
+    auto const lengthBefore = component.isAllDay()
+                                  ? natural.days * secondsPerDay
+                                  : endInstant(start, startInstant, natural, clock.rules) - startInstant;
+    // What a PERIOD or an exception lasted does not go for all that follow, unless it is changed.
+    auto const shown = timesOf(occurrence);
+    bool const isResized = change.times && (change.times->isAllDay != shown.isAllDay ||
+                                            lengthOf(*change.times) != lengthOf(shown));
+    bool const isOfOtherKind = component.isAllDay() != isAllDay;
+    auto const length = isResized || isOfOtherKind ? lengthOf(change.times.value_or(shown)) : lengthBefore;
     TimesWriting writing{.start = clock, .end = clock, .lengthBefore = std::nullopt, .isRecurring = true};
-    if (component.isAllDay() == isAllDay) writing.lengthBefore = lengthOf(base);
+    if (!isOfOtherKind) writing.lengthBefore = lengthBefore;
     if (component.end && !component.isAllDay() && !isAllDay)
         writing.end = WritingClock::of(*component.end, base.event, viewerZone);
     writeTimes(event, {.isAllDay = isAllDay, .start = startInstant, .end = startInstant + length}, writing);
@@ -406,11 +434,12 @@ std::optional<ComponentText> SeriesSplit::keptException(Occurrence const& occurr
     bool const isOff = occurrence.start != plain.start || occurrence.end != plain.end ||
                        occurrence.isAllDay != plain.isAllDay;
     bool const togglesDays = change.times && change.times->isAllDay != times.isAllDay();
-    if ((!isOff && happens()) || togglesDays) return std::nullopt;
+    if (togglesDays) return std::nullopt;
     auto const& base = parts.partOf(occurrence.event);
     auto const& component = *base.event.component;
     auto text = parts.textOf(base);
     writeTexts(text, change);
+    if (!isOff && happens() && !differsFrom(next.event, text)) return std::nullopt;
     if (change.times) {
         auto const onItsClock = [&](std::optional<CalendarTime> const& time) {
             bool const isTimed = time && time->form != TimeForm::date;

@@ -66,6 +66,8 @@ private:
     [[nodiscard]] std::optional<std::int64_t> countBefore(std::size_t rule) const;
     [[nodiscard]] std::vector<std::int64_t> hiddenTimes() const;
     [[nodiscard]] std::optional<std::string> endSeries(ComponentText& event) const;
+    [[nodiscard]] SeriesPart const& speaker(Occurrence const& occurrence, EventChange const& change) const;
+    [[nodiscard]] ComponentText continuedText(Occurrence const& occurrence, EventChange const& change) const;
     [[nodiscard]] std::expected<Continuation, std::string>
     continuation(Occurrence const& occurrence, EventChange const& change, Reach reach) const;
     [[nodiscard]] TimeMapping mappingFor(Occurrence const& occurrence, EventChange const& change) const;
