@@ -38,8 +38,9 @@ ComponentText::ComponentText(std::string_view bytes) {
     std::size_t taken = 0;
     int depth = 0;
     while (scanner.next()) {
-        // Empty lines belong to the line before them.
-        if (!lines.empty()) lines.back().raw += bytes.substr(taken, scanner.offset() - taken);
+        // Empty lines are nobody's, and stay whatever becomes of the line before them.
+        if (!lines.empty() && scanner.offset() > taken)
+            lines.push_back({.raw = std::string(bytes.substr(taken, scanner.offset() - taken))});
         auto const start = lines.empty() ? 0 : scanner.offset();
         auto& line = lines.emplace_back();
         line.raw = bytes.substr(start, scanner.endOffset() - start);
@@ -84,6 +85,7 @@ std::vector<std::string> ComponentText::contentApartFrom(std::span<std::string_v
             names, [&](std::string_view name) { return equalsIgnoringCase(line.name, name); });
         if (isLeftOut) continue;
         auto content = unfold(trimmed(withKnownBreaks(line.raw)));
+        if (content.empty()) continue;
         (line.name.empty() ? inside : own).push_back(std::move(content));
     }
     std::ranges::sort(own);

@@ -51,7 +51,7 @@ public:
 
 private:
     struct Line {
-        std::string raw;       // With its break, and the empty lines after it.
+        std::string raw;       // With its break; or the empty lines between two others.
         std::string name = {}; // As written, unfolded; empty for what is not the component's own property.
         bool isDelimiter = false;
     };

@@ -74,6 +74,7 @@ std::vector<Row> rows() {
         {"bare-carriage-returns", {}, alone, titled("New title")},
         {"a-new-property-comes-before-the-alarms", {}, alone, EventChange{.notes = text("Notes")}},
         {"a-text-taken-away-is-taken-away-twice", {}, alone, EventChange{.location = TextChange{}}},
+        {"an-empty-line-stays", {}, alone, at("2026-03-04T20:30:00Z", "2026-03-04T21:30:00Z")},
         {"another-form-of-the-text-goes", {}, alone, EventChange{.notes = text("New; notes")}},
         {"long-lines-are-folded-between-characters", {}, alone, titled(longTitle)},
         {"an-empty-text-is-written", {}, alone, EventChange{.notes = text("")}},
