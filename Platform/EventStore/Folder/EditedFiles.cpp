@@ -30,9 +30,10 @@ std::string keptCalendar(std::string content, std::filesystem::path const& path)
 void addInside(NewItem const& item, std::vector<CalendarSource> const& sources,
                std::vector<CalendarEdit::FileEdit>& edits) {
     auto const& origin = sources[item.origin];
-    auto components = ICalendar::missingTimeZones(item.components, origin.file.get(), nullptr,
-                                                  ICalendar::lineBreakOf(origin.bytes)) +
-                      item.components;
+    auto components =
+        ICalendar::missingTimeZones(item.components, {.target = origin.file.get(), .viewer = item.viewer},
+                                    ICalendar::lineBreakOf(origin.bytes)) +
+        item.components;
     auto splice = ICalendar::insertion(origin, std::move(components));
     auto const known = std::ranges::find(edits, item.origin, &CalendarEdit::FileEdit::source);
     if (known != edits.end()) {
@@ -49,9 +50,11 @@ EditedFiles::Change EditedFiles::newFile(NewItem const& item, std::vector<Calend
                                          CalendarPlace const& place) {
     auto const* const origin = item.origin < sources.size() ? &sources[item.origin] : nullptr;
     auto const lineBreak = origin ? ICalendar::lineBreakOf(origin->bytes) : std::string("\r\n");
-    auto const components = ICalendar::missingTimeZones(item.components, nullptr,
-                                                        origin ? origin->file.get() : nullptr, lineBreak) +
-                            item.components;
+    auto const components =
+        ICalendar::missingTimeZones(item.components,
+                                    {.origin = origin ? origin->file.get() : nullptr, .viewer = item.viewer},
+                                    lineBreak) +
+        item.components;
     return {.path = place.path / (item.uid + ".ics"),
             .before = std::nullopt,
             .after = ICalendar::newCalendar(components, lineBreak)};

@@ -108,14 +108,16 @@ bool namesDays(EKRecurrenceRule const& rule) {
     return !rule.daysOfTheWeek.empty() || !rule.daysOfTheMonth.empty();
 }
 
+bool hasSameDays(EKRecurrenceRule const& left, EKRecurrenceRule const& right) {
+    return left.frequency == right.frequency && left.daysOfTheWeek == right.daysOfTheWeek &&
+           left.daysOfTheMonth == right.daysOfTheMonth;
+}
+
 // A rule of the same kind is changed part by part; where it turns to other days, what else it said of days is
 // of no use any more.
 RuleChange changedRule(EKRecurrenceRule const& record, EKRecurrenceRule const* stored,
                        RuleText const* written) {
-    bool const isKept = stored && written && record.frequency == stored->frequency &&
-                        record.daysOfTheWeek == stored->daysOfTheWeek &&
-                        record.daysOfTheMonth == stored->daysOfTheMonth;
-    if (isKept) return ruleChange(*written, record, stored);
+    if (stored && written && hasSameDays(record, *stored)) return ruleChange(*written, record, stored);
     RuleText rule("FREQ=" + std::string(frequencyName(record.frequency)));
     if (written) {
         if (auto weekStart = written->value("WKST")) rule.set("WKST", *std::move(weekStart));
@@ -132,9 +134,11 @@ void setRules(ICalendar::EventChange& change, std::vector<EKRecurrenceRule> cons
             change.rules->push_back({.rule = written[index], .until = std::nullopt});
             continue;
         }
-        change.rules->push_back(changedRule(records[index], isKnown ? &stored[index] : nullptr,
-                                            isKnown ? &written[index] : nullptr));
-        change.rulesNameViewersDays = change.rulesNameViewersDays || namesDays(records[index]);
+        auto const* const before = isKnown ? &stored[index] : nullptr;
+        change.rules->push_back(changedRule(records[index], before, isKnown ? &written[index] : nullptr));
+        // Days that nobody changed stay those of the event's own clock.
+        if (!before || !hasSameDays(records[index], *before))
+            change.rulesNameViewersDays = change.rulesNameViewersDays || namesDays(records[index]);
     }
 }
 

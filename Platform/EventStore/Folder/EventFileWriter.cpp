@@ -235,7 +235,8 @@ bool EventFileWriter::createOnce(EKEvent& event, CalendarPlace const& place,
     edit.newItem = {.uid = uid,
                     .components = ICalendar::newEventText(uid, content, surroundings.viewer,
                                                           seconds(surroundings.now), lineBreak),
-                    .origin = 0};
+                    .origin = 0,
+                    .viewer = surroundings.viewer};
     EditedFiles const edited(sources, edit, place);
     auto const written = edited.write(files);
     if (!written) refuse(written.error(), notSaved);

@@ -101,8 +101,8 @@ std::string itemOf(std::string const& uid, std::vector<CalendarSource> const& so
     std::set<std::string> added;
     for (auto const& source : sources) {
         auto const own = componentsIn(source, uid);
-        auto const missing =
-            ICalendar::missingTimeZones(own, target, source.file.get(), ICalendar::lineBreakOf(source.bytes));
+        auto const missing = ICalendar::missingTimeZones(own, {.target = target, .origin = source.file.get()},
+                                                         ICalendar::lineBreakOf(source.bytes));
         for (auto const& zone : ICalendar::read(ICalendar::newCalendar(missing))->timeZones) {
             if (added.insert(zone.identifier).second) zones += zone.bytes;
         }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Foundation/TimeZone.h"
 #include "Platform/EventStore/ICalendar/CalendarSplice.h"
 
 #include <cstddef>
@@ -23,7 +24,8 @@ struct CalendarEdit {
     struct NewItem {
         std::string uid;
         std::string components;
-        std::size_t origin; ///< The file that explains their zones.
+        std::size_t origin;                                        ///< The file that explains their zones.
+        std::optional<Foundation::TimeZone> viewer = std::nullopt; ///< Whose zone they may name as well.
     };
     std::optional<NewItem> newItem = std::nullopt;
 

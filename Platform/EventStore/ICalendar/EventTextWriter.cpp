@@ -128,8 +128,8 @@ void stamp(ComponentText& event, Revision revision, std::int64_t now) {
 std::string newEventText(std::string_view uid, EventChange const& content, Foundation::TimeZone const& viewer,
                          std::int64_t now, std::string_view lineBreak) {
     auto event = newEvent(uid, now, lineBreak);
-    auto const clock = WritingClock::ofViewer(viewer);
     bool const isRecurring = content.rules && !content.rules->empty();
+    auto const clock = isRecurring ? WritingClock::ofViewersDays(viewer) : WritingClock::ofViewer(viewer);
     writeTimes(event, *content.times,
                {.start = clock, .end = clock, .lengthBefore = std::nullopt, .isRecurring = isRecurring});
     writeTexts(event, content);

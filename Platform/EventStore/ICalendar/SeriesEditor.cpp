@@ -182,7 +182,7 @@ CalendarEdit SeriesEditor::edited(SeriesPart const& part, Occurrence const& occu
     bool const becomesSeries = change.rules && !change.rules->empty() && !component.isRecurring();
     bool const movesClock =
         becomesSeries && !after.isAllDay && followsAnotherClock(writing.start, after, change);
-    if (movesClock) writing.start = writing.end = WritingClock::ofViewer(viewer);
+    if (movesClock) writing.start = writing.end = WritingClock::ofViewersDays(viewer);
     if (becomesSeries) writing.isRecurring = true;
     if (change.times || movesClock) writeTimes(text, after, writing);
     if (change.rules) {
@@ -192,7 +192,8 @@ CalendarEdit SeriesEditor::edited(SeriesPart const& part, Occurrence const& occu
     stamp(text, change.changesWhen() ? Revision::ofTimes : Revision::ofTexts, given.now);
 
     auto result = text.text();
-    result.insert(0, missingTimeZones(result, sources[part.source].file.get(), nullptr, text.lineBreak()));
+    result.insert(0, missingTimeZones(result, {.target = sources[part.source].file.get(), .viewer = viewer},
+                                      text.lineBreak()));
     CalendarEdit edit{.uid = parts.uid(), .key = occurrence.key};
     edit.files.push_back({.source = part.source,
                           .splices = {replacement(component, std::move(result))},
@@ -205,11 +206,8 @@ CalendarEdit SeriesEditor::edited(SeriesPart const& part, Occurrence const& occu
 bool SeriesEditor::followsAnotherClock(WritingClock const& clock, EventTimes const& times,
                                        EventChange const& change) const {
     if (clock.form == TimeForm::utc) return true;
-    if (clock.form == TimeForm::floating || !change.rulesNameViewersDays) return false;
-    auto const dayOn = [&times](WritingClock const& given) {
-        return floorDivide(given.at(times.start).localSeconds, secondsPerDay);
-    };
-    return dayOn(clock) != dayOn(WritingClock::ofViewer(viewer));
+    return change.rulesNameViewersDays &&
+           !clock.countsDaysAs(WritingClock::ofViewersDays(viewer), times.start);
 }
 
 CalendarEdit SeriesEditor::withException(Occurrence const& occurrence, EventChange const& change,
@@ -248,7 +246,10 @@ CalendarEdit SeriesEditor::addedBesideMaster(ComponentText const& text, SeriesPa
     auto const ownBytes = std::string_view(source.bytes).substr(0, end);
     auto added = text.text();
     added.insert(
-        0, missingTimeZones(added, source.file.get(), sources[base.source].file.get(), text.lineBreak()));
+        0,
+        missingTimeZones(
+            added, {.target = source.file.get(), .origin = sources[base.source].file.get(), .viewer = viewer},
+            text.lineBreak()));
     if (!ownBytes.ends_with('\n') && !ownBytes.ends_with('\r')) added.insert(0, text.lineBreak());
     CalendarEdit edit{.uid = parts.uid(), .key = occurrence.key};
     edit.files.push_back({.source = master.source,
@@ -304,8 +305,9 @@ std::vector<std::shared_ptr<CalendarFile const>> SeriesEditor::filesAfter(Calend
                                                    : read(spliced(sources[index].bytes, change->splices)));
     }
     if (edit.newItem) {
-        auto const zonesOfOrigin = missingTimeZones(edit.newItem->components, nullptr,
-                                                    sources[edit.newItem->origin].file.get(), "\r\n");
+        auto const zonesOfOrigin = missingTimeZones(
+            edit.newItem->components,
+            {.origin = sources[edit.newItem->origin].file.get(), .viewer = edit.newItem->viewer}, "\r\n");
         files.push_back(read(newCalendar(zonesOfOrigin + edit.newItem->components)));
     }
     return files;

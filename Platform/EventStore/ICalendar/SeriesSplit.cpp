@@ -6,6 +6,7 @@
 #include "Platform/EventStore/ICalendar/RuleExpander.h"
 #include "Platform/EventStore/ICalendar/RuleShift.h"
 #include "Platform/EventStore/ICalendar/TimeLists.h"
+#include "Platform/EventStore/ICalendar/TimeZoneWriter.h"
 #include "Platform/EventStore/ICalendar/ValueParser.h"
 
 #include <algorithm>
@@ -215,7 +216,10 @@ EditResult SeriesSplit::divided(Occurrence const& occurrence, EventChange const&
         add(exception);
     }
     if (!components.ends_with('\n') && !components.ends_with('\r')) components += next->event.lineBreak();
-    edit->newItem = {.uid = newUID, .components = std::move(components), .origin = parts.master().source};
+    edit->newItem = {.uid = newUID,
+                     .components = std::move(components),
+                     .origin = parts.master().source,
+                     .viewer = viewer};
     edit->uid = newUID;
     edit->key.reset();
     if (next->repeats) edit->key = next->mapping.written(split).value();
@@ -234,7 +238,11 @@ EditResult SeriesSplit::whole(Occurrence const& occurrence, EventChange const& c
     }
     stamp(next->event, change.changesWhen() ? Revision::ofTimes : Revision::ofTexts, now);
     CalendarEditBuilder builder(parts.sources(), parts.uid());
-    builder.replace(master.source, *master.event.component, next->event.text());
+    auto text = next->event.text();
+    text.insert(0, missingTimeZones(text,
+                                    {.target = parts.sources()[master.source].file.get(), .viewer = viewer},
+                                    next->event.lineBreak()));
+    builder.replace(master.source, *master.event.component, std::move(text));
     for (auto const& part : parts.all()) {
         auto const& component = *part.event.component;
         if (!component.recurrenceId) continue;
@@ -327,24 +335,32 @@ TimeMapping SeriesSplit::mappingFor(Occurrence const& occurrence, EventChange co
     auto const& component = *occurrence.event;
     bool const isShifted = component.recurrenceId && component.isThisAndFuture;
     bool const isLeftAlone = isException(component) && endsRepeating(change);
-    if (!change.times && !isShifted && !isLeftAlone)
-        return TimeMapping::taking(split, times.clock(), split, times.clock());
     auto const before = timesOf(occurrence);
     auto const after = change.times.value_or(before);
-    auto clock = times.clock();
-    if (after.isAllDay) {
-        clock = {.form = TimeForm::date, .zone = {}, .rules = viewerZone};
-    } else if (times.isAllDay()) {
-        clock = WritingClock::ofViewer(viewer);
-    }
+    bool const isMoved = change.times || isShifted || isLeftAlone;
+    // By how much an exception is off is its own affair: the others move as far as it does now.
+    bool const isOff = !isMoved || (isException(component) && !isLeftAlone &&
+                                    before.isAllDay == after.isAllDay && times.isAllDay() == after.isAllDay);
+    auto const own = times.clock().rules.instant(split);
+    auto const start = isOff ? own + after.start - before.start : after.start;
+    auto const clock = clockFor(isMoved ? after.isAllDay : times.isAllDay(), start, change);
     auto const shown = [&](EventTimes const& given) {
         return given.isAllDay ? given.start : clock.rules.local(given.start);
     };
-    // By how much an exception is off is its own affair: the others move as far as it does now.
-    bool const isOff = isException(component) && !isLeftAlone && before.isAllDay == after.isAllDay &&
-                       times.isAllDay() == after.isAllDay;
-    auto const target = isOff ? split + shown(after) - shown(before) : shown(after);
-    return TimeMapping::taking(split, times.clock(), target, clock);
+    if (!isOff) return TimeMapping::taking(split, times.clock(), shown(after), clock);
+    // On its own clock it stays what it is, also where the clock skips it.
+    bool const isOwnClock = clock.form == times.clock().form && clock.zone == times.clock().zone;
+    auto const there = isOwnClock ? split : clock.rules.local(own);
+    return TimeMapping::taking(split, times.clock(), there + shown(after) - shown(before), clock);
+}
+
+// The clock that the series goes on from `start`: its own, unless it takes another one to say what changes.
+WritingClock SeriesSplit::clockFor(bool isAllDay, std::int64_t start, EventChange const& change) const {
+    if (isAllDay) return {.form = TimeForm::date, .zone = {}, .rules = viewerZone};
+    auto const viewersClock = WritingClock::ofViewersDays(viewer);
+    if (times.isAllDay()) return viewersClock;
+    bool const namesDays = change.rules && !change.rules->empty() && change.rulesNameViewersDays;
+    return namesDays && !times.clock().countsDaysAs(viewersClock, start) ? viewersClock : times.clock();
 }
 
 // Where the rest of the series begins: at the occurrence; but at the next one of the rule where the
@@ -397,7 +413,8 @@ void SeriesSplit::writeStart(ComponentText& event, Occurrence const& occurrence,
     auto const length = isResized || isOfOtherKind ? lengthOf(change.times.value_or(shown)) : lengthBefore;
     TimesWriting writing{.start = clock, .end = clock, .lengthBefore = std::nullopt, .isRecurring = true};
     if (!isOfOtherKind) writing.lengthBefore = lengthBefore;
-    if (component.end && !component.isAllDay() && !isAllDay)
+    bool const staysOnClock = clock.form == times.clock().form && clock.zone == times.clock().zone;
+    if (component.end && !component.isAllDay() && staysOnClock)
         writing.end = WritingClock::of(*component.end, base.event, viewerZone);
     writeTimes(event, {.isAllDay = isAllDay, .start = startInstant, .end = startInstant + length}, writing);
     // A time that the clock skips that day is written as the series has it.

@@ -71,6 +71,7 @@ private:
     [[nodiscard]] std::expected<Continuation, std::string>
     continuation(Occurrence const& occurrence, EventChange const& change, Reach reach) const;
     [[nodiscard]] TimeMapping mappingFor(Occurrence const& occurrence, EventChange const& change) const;
+    [[nodiscard]] WritingClock clockFor(bool isAllDay, std::int64_t start, EventChange const& change) const;
     [[nodiscard]] std::int64_t anchor() const;
     [[nodiscard]] std::int64_t startOf(Reach reach) const;
     [[nodiscard]] std::int64_t nextOf(std::size_t rule) const;

@@ -33,9 +33,7 @@ std::optional<std::int64_t> SeriesTimes::localOfKey(std::string_view key) const 
 }
 
 TimeMapping TimeMapping::taking(std::int64_t local, WritingClock from, std::int64_t target, WritingClock to) {
-    TimeMapping mapping{.from = std::move(from), .to = std::move(to), .shift = 0};
-    mapping.shift = target - mapping.converted(local);
-    return mapping;
+    return {.from = std::move(from), .to = std::move(to), .shift = target - local};
 }
 
 bool TimeMapping::isIdentity() const {
@@ -43,18 +41,12 @@ bool TimeMapping::isIdentity() const {
 }
 
 std::int64_t TimeMapping::operator()(std::int64_t local) const {
-    auto const moved = converted(local) + shift;
+    auto const moved = local + shift;
     return to.form == TimeForm::date ? moved - floorModulo(moved, secondsPerDay) : moved;
 }
 
 WrittenTime TimeMapping::written(std::int64_t local) const {
     return {.form = to.form, .zone = to.zone, .localSeconds = (*this)(local)};
-}
-
-std::int64_t TimeMapping::converted(std::int64_t local) const {
-    bool const isOfDays = from.form == TimeForm::date || to.form == TimeForm::date;
-    bool const isSameClock = from.form == to.form && from.zone == to.zone;
-    return isOfDays || isSameClock ? local : to.rules.local(from.rules.instant(local));
 }
 
 } // namespace Platform::ICalendar

@@ -31,11 +31,13 @@ private:
     WritingClock own;
 };
 
-/// How the times of a series become those of a series that starts at another time, on whatever clock.
+/// How the times of a series become those of a series that starts at another time, on whatever clock. All of
+/// them move alike on the clock's face, as what a rule yields does, also where summer time begins on one
+/// clock alone.
 struct TimeMapping {
     WritingClock from;
     WritingClock to;
-    std::int64_t shift; ///< Seconds on the new clock.
+    std::int64_t shift; ///< Seconds from what the one clock shows to what the other does.
 
     /// The mapping that takes `local` on the clock `from` to `target` on the clock `to`.
     static TimeMapping taking(std::int64_t local, WritingClock from, std::int64_t target, WritingClock to);
@@ -45,9 +47,6 @@ struct TimeMapping {
     /// On the new clock; a day's midnight when that knows only days.
     [[nodiscard]] std::int64_t operator()(std::int64_t local) const;
     [[nodiscard]] WrittenTime written(std::int64_t local) const;
-
-private:
-    [[nodiscard]] std::int64_t converted(std::int64_t local) const;
 };
 
 } // namespace Platform::ICalendar

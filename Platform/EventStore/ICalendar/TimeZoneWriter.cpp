@@ -199,8 +199,9 @@ std::string timeZoneComponent(Foundation::TimeZone const& zone, std::int32_t fir
     return ZoneDescription(zone, firstYear, lineBreak).text();
 }
 
-std::string missingTimeZones(std::string_view components, CalendarFile const* target,
-                             CalendarFile const* origin, std::string_view lineBreak) {
+std::string missingTimeZones(std::string_view components, ZoneSources const& sources,
+                             std::string_view lineBreak) {
+    auto const* const target = sources.target;
     auto const named = read(newCalendar(components, lineBreak));
     auto const componentIn = [](CalendarFile const* file,
                                 std::string const& name) -> TimeZoneComponent const* {
@@ -214,10 +215,12 @@ std::string missingTimeZones(std::string_view components, CalendarFile const* ta
         bool const isKnown =
             target != nullptr && std::ranges::find(target->zoneNames, name) != target->zoneNames.end();
         if (isKnown || componentIn(target, name) != nullptr) continue;
-        if (auto const* const known = componentIn(origin, name)) {
+        if (auto const* const known = componentIn(sources.origin, name)) {
             result += known->bytes;
         } else if (auto const zone = ZoneCatalog::systemZone(name)) {
             result += timeZoneComponent(*zone, firstYearOf(*named), lineBreak);
+        } else if (sources.viewer && sources.viewer->identifier() == name) {
+            result += timeZoneComponent(*sources.viewer, firstYearOf(*named), lineBreak);
         }
     }
     return result;

@@ -4,6 +4,7 @@
 #include "Platform/EventStore/ICalendar/CalendarFile.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -14,9 +15,17 @@ namespace Platform::ICalendar {
 std::string timeZoneComponent(Foundation::TimeZone const& zone, std::int32_t firstYear,
                               std::string_view lineBreak);
 
-/// The VTIMEZONEs that `components` name and `target` does not have: those of `origin` as they stand there,
-/// else made from the system's zones; nothing for a name that neither explains.
-std::string missingTimeZones(std::string_view components, CalendarFile const* target,
-                             CalendarFile const* origin, std::string_view lineBreak);
+/// What explains the zones that events name. Those of the system need nobody.
+struct ZoneSources {
+    CalendarFile const* target =
+        nullptr; ///< Where the events go; what that has or gets by without is not added.
+    CalendarFile const* origin = nullptr;                      ///< Where they come from.
+    std::optional<Foundation::TimeZone> viewer = std::nullopt; ///< May have a name that is known here alone.
+};
+
+/// The VTIMEZONEs that `components` name and the target does not have: those of the origin as they stand
+/// there, else made from the system's zones or the viewer's; nothing for a name that none of them explains.
+std::string missingTimeZones(std::string_view components, ZoneSources const& sources,
+                             std::string_view lineBreak);
 
 } // namespace Platform::ICalendar

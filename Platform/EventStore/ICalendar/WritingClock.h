@@ -20,8 +20,16 @@ struct WritingClock {
     /// For events of the viewer's own: by the name of the zone if other programs can know it, else in UTC.
     static WritingClock ofViewer(Foundation::TimeZone const& viewer);
 
+    /// For events that repeat on days of the viewer's: by the name of the zone, which a VTIMEZONE of ours
+    /// explains where no other program can know it.
+    static WritingClock ofViewersDays(Foundation::TimeZone const& viewer);
+
     /// The one that a time of `event` is written on.
     static WritingClock of(CalendarTime const& time, ClockedEvent const& event, EventZone const& viewer);
+
+    /// Whether an event that begins at `utcSeconds` and goes on at the same time of this clock has the same
+    /// days on the other one, all the year round.
+    [[nodiscard]] bool countsDaysAs(WritingClock const& other, std::int64_t utcSeconds) const;
 
     /// What the clock shows at an instant.
     [[nodiscard]] WrittenTime at(std::int64_t utcSeconds) const;

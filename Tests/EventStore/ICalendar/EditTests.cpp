@@ -4,6 +4,8 @@
 #include "Platform/EventStore/ICalendar/SeriesEditor.h"
 
 #include "Platform/EventStore/ICalendar/CivilDays.h"
+#include "Platform/EventStore/ICalendar/EventTextWriter.h"
+#include "Platform/EventStore/ICalendar/TimeZoneWriter.h"
 #include "Tests/EventStore/ICalendar/CalendarFixtures.h"
 #include "Tests/Face/GoldenFile.h"
 
@@ -119,6 +121,9 @@ std::vector<Row> rows() {
         {"divided-into-a-single-changed-event", "20260316T090000Z", future, ruled({})},
         {"divided-at-an-added-date", "20260312T120000", future, titled("New")},
         {"divided-with-another-rule", "20260323T090000", future, ruled({"FREQ=MONTHLY;COUNT=10"})},
+        {"days-of-the-viewers-divided", "20260308T233000Z", future, ruled({"FREQ=WEEKLY;BYDAY=MO"})},
+        {"days-of-the-viewers-in-a-whole-series", "20260304T200000", future,
+         ruled({"FREQ=MONTHLY;BYMONTHDAY=5;COUNT=5"})},
         {"divided-into-a-single-event", "20260323T090000", future, ruled({})},
         {"the-whole-series-renamed", "20260302T090000", future, titled("New")},
         {"the-whole-series-moved", "20260302T090000", future,
@@ -165,6 +170,40 @@ TEST_P(EditTests, makesTheseBytes) {
     if (edit->newItem) GoldenFile::expectSame(folder + "/new.ics", edit->newItem->components);
     if (!file.leavesNothing)
         GoldenFile::expectSame(folder + "/after.ics", spliced(sources[0].bytes, file.splices));
+}
+
+// Elsewhere such a zone has no name, and in UTC the days of the rule would be others.
+TEST(EditZoneTests, daysOfAViewerWithoutANamedZoneAreTheViewers) {
+    struct Row {
+        char const* zone;
+        char const* start; // Monday, 01:00
+        std::vector<std::string> happenings;
+    };
+    for (auto const& row : std::vector<Row>{
+             {"<+03>-3",
+              "2026-11-22T22:00:00Z",
+              {"2026-11-22T22:00:00Z/2026-11-22T23:00:00Z Run",
+               "2026-11-24T22:00:00Z/2026-11-24T23:00:00Z Run",
+               "2026-11-29T22:00:00Z/2026-11-29T23:00:00Z Run",
+               "2026-12-01T22:00:00Z/2026-12-01T23:00:00Z Run"}},
+             {"CET-1CEST,M3.5.0,M10.5.0/3",
+              "2026-03-23T00:00:00Z",
+              {"2026-03-23T00:00:00Z/2026-03-23T01:00:00Z Run",
+               "2026-03-25T00:00:00Z/2026-03-25T01:00:00Z Run",
+               "2026-03-29T23:00:00Z/2026-03-30T00:00:00Z Run",
+               "2026-03-31T23:00:00Z/2026-04-01T00:00:00Z Run"}},
+         }) {
+        auto const viewer = zone(row.zone);
+        auto content = ruled({"FREQ=WEEKLY;BYDAY=MO,WE;COUNT=4"});
+        content.title = text("Run");
+        content.times = {.isAllDay = false, .start = seconds(row.start), .end = seconds(row.start) + 3600};
+        auto const event = newEventText("one", content, viewer, seconds(now), "\r\n");
+        auto const zones = missingTimeZones(event, {.viewer = viewer}, "\r\n");
+        // Somebody else, who knows of the clock only what the file says.
+        EXPECT_EQ(happenings(seriesOf(zones + event), "2026-01-01T00:00:00Z", "2027-01-01T00:00:00Z"),
+                  row.happenings)
+            << row.zone;
+    }
 }
 
 TEST(EditRefusalTests, aSeriesThatCannotBeDividedOrMovedIsLeftAlone) {
