@@ -74,21 +74,21 @@ AsideFile::~AsideFile() {
     if (isThere) ::unlink(file.c_str());
 }
 
-std::error_code AsideFile::fill(std::string_view content, mode_t mode) {
+std::error_code AsideFile::fill(std::string_view content, FileRights const& rights) {
     constexpr mode_t privateMode = 0600;
     FileDescriptor descriptor(
         ::open(file.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, privateMode));
     if (!descriptor.isOpen()) return lastError();
     isThere = true;
-    return write(descriptor, content, mode);
+    return write(descriptor, content, rights);
 }
 
-std::error_code AsideFile::write(FileDescriptor& descriptor, std::string_view content, mode_t mode) {
+std::error_code AsideFile::write(FileDescriptor& descriptor, std::string_view content,
+                                 FileRights const& rights) {
     struct stat status{};
     if (::fstat(descriptor.get(), &status) != 0) return lastError();
     ownInode = status.st_ino;
-    // Also for a new file: the process's mask may have taken away more than is asked for.
-    if (::fchmod(descriptor.get(), mode) != 0) return lastError();
+    if (auto const failure = rights.giveTo(descriptor.get())) return failure;
     while (!content.empty()) {
         auto const written = ::write(descriptor.get(), content.data(), content.size());
         if (written < 0 && errno == EINTR) continue;

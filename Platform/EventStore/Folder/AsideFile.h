@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/EventStore/Folder/FileRights.h"
 #include "Platform/Files/FileDescriptor.h"
 
 #include <cstdint>
@@ -39,8 +40,8 @@ public:
     AsideFile(AsideFile const&) = delete;
     AsideFile& operator=(AsideFile const&) = delete;
 
-    /// Creates it with that content and mode, synced to the disk.
-    std::error_code fill(std::string_view content, mode_t mode);
+    /// Creates it with that content and those rights, synced to the disk.
+    std::error_code fill(std::string_view content, FileRights const& rights);
 
     [[nodiscard]] std::filesystem::path const& path() const { return file; }
 
@@ -53,7 +54,7 @@ public:
     void release() { isThere = false; }
 
 private:
-    std::error_code write(FileDescriptor& descriptor, std::string_view content, mode_t mode);
+    std::error_code write(FileDescriptor& descriptor, std::string_view content, FileRights const& rights);
 
     std::filesystem::path file;
     ino_t ownInode = 0;

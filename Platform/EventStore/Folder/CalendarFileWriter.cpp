@@ -1,6 +1,7 @@
 #include "Platform/EventStore/Folder/CalendarFileWriter.h"
 
 #include "Platform/EventStore/Folder/AsideFile.h"
+#include "Platform/EventStore/Folder/FileRights.h"
 #include "Platform/EventStore/Folder/RegularFile.h"
 
 #include <algorithm>
@@ -30,6 +31,10 @@ std::error_code lastError() {
 
 std::unexpected<Failure> failed(path const& file, std::error_code reason) {
     return std::unexpected(Failure{.path = file, .reason = reason});
+}
+
+std::unexpected<Failure> readOnly(path const& file, std::error_code reason) {
+    return std::unexpected(Failure{.path = file, .reason = reason, .isReadOnlyFile = true});
 }
 
 bool isUnsupported(std::error_code failure) {
@@ -175,15 +180,16 @@ Result CalendarFileWriter::replace(path const& file, std::string_view expected,
         if (target.error() == std::errc::no_such_file_or_directory) return Outcome::changedMeanwhile;
         return failed(file, target.error());
     }
-    struct stat status{};
-    if (::stat(target->c_str(), &status) != 0) {
-        if (errno == ENOENT) return Outcome::changedMeanwhile;
-        return failed(*target, lastError());
+    auto const rights = FileRights::of(*target);
+    if (!rights) {
+        if (rights.error() == std::errc::no_such_file_or_directory) return Outcome::changedMeanwhile;
+        return failed(*target, rights.error());
     }
+    if (auto const reason = rights->whyNotToBeChanged(*target)) return readOnly(*target, reason);
     AsideFile aside(target->parent_path(), {.oldDigest = AsideName::digestOf(expected),
                                             .newDigest = AsideName::digestOf(content),
                                             .fileName = target->filename().string()});
-    if (auto const failure = aside.fill(content, status.st_mode & 0777)) return failed(*target, failure);
+    if (auto const failure = aside.fill(content, *rights)) return failed(*target, failure);
     if (method == Method::exchange) {
         auto result = exchange(aside, *target, expected);
         if (result || !isUnsupported(result.error().reason)) return result;
@@ -196,8 +202,7 @@ Result CalendarFileWriter::create(path const& file, std::string_view content) co
     AsideFile aside(folder, {.oldDigest = AsideName::digestOfNothing(),
                              .newDigest = AsideName::digestOf(content),
                              .fileName = file.filename().string()});
-    constexpr mode_t privateMode = 0600;
-    if (auto const failure = aside.fill(content, privateMode)) return failed(file, failure);
+    if (auto const failure = aside.fill(content, FileRights::ofNewFile())) return failed(file, failure);
     auto failure = method == Method::exchange ? rename(aside.path(), file, RENAME_NOREPLACE)
                                               : std::make_error_code(std::errc::invalid_argument);
     if (!failure) {
@@ -228,6 +233,9 @@ Result CalendarFileWriter::remove(path const& link, std::string_view expected) c
 }
 
 Result CalendarFileWriter::removeRegular(path const& file, std::string_view expected) {
+    auto const rights = FileRights::of(file);
+    auto const refusal = rights ? rights->whyNotToBeChanged(file) : std::error_code();
+    if (refusal) return readOnly(file, refusal);
     auto const folder = file.parent_path();
     AsideFile aside(folder, {.oldDigest = AsideName::digestOf(expected),
                              .newDigest = AsideName::digestOfNothing(),

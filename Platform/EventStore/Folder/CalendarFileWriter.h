@@ -28,6 +28,7 @@ public:
     struct Failure {
         std::filesystem::path path; ///< What could not be written.
         std::error_code reason;
+        bool isReadOnlyFile = false; ///< The file itself is not to be changed; its folder may be.
     };
     using Result = std::expected<Outcome, Failure>;
 
@@ -39,14 +40,15 @@ public:
 
     explicit CalendarFileWriter(Method method = Method::exchange) : method(method) {}
 
-    /// Replaces the content of a file that holds `expected`. It keeps its permissions; a link is followed.
+    /// Replaces the content of a file that holds `expected`. It keeps its permissions, its group and,
+    /// where this process may give that, its owner; a link is followed. A read-only file is not changed.
     [[nodiscard]] Result replace(std::filesystem::path const& file, std::string_view expected,
                                  std::string_view content) const;
 
     /// Makes a file of mode 0600; `changedMeanwhile` when the name is taken.
     [[nodiscard]] Result create(std::filesystem::path const& file, std::string_view content) const;
 
-    /// Deletes a file that holds `expected`, and the link that led to it.
+    /// Deletes a file that holds `expected`, and the link that led to it. A read-only file is not deleted.
     [[nodiscard]] Result remove(std::filesystem::path const& file, std::string_view expected) const;
 
     /// Removes what killed processes left in a folder longer ago than any living one could need it. A change

@@ -40,6 +40,11 @@ std::string shown(std::filesystem::path const& path) {
 [[noreturn]] void refuse(CalendarFileWriter::Failure const& failure, std::string_view consequence) {
     auto const folder = shown(failure.path.parent_path());
     auto const& reason = failure.reason;
+    if (failure.isReadOnlyFile) {
+        throw EKError(fmt::format("The file {} may not be written to ({}); {}. Allow it, or choose another "
+                                  "calendar.",
+                                  shown(failure.path), reason.message(), consequence));
+    }
     if (reason == std::errc::no_space_on_device || reason == std::errc::value_too_large ||
         reason.value() == EDQUOT) {
         throw EKError(

@@ -12,7 +12,11 @@
 #include <fstream>
 #include <iterator>
 #include <map>
+#include <optional>
 #include <sys/stat.h>
+#include <sys/xattr.h>
+#include <unistd.h>
+#include <vector>
 
 using namespace Platform;
 using Method = CalendarFileWriter::Method;
@@ -46,6 +50,17 @@ protected:
     TemporaryFolder folder;
     CalendarFileWriter writer{GetParam()};
 };
+
+// A group besides the usual one that this process may give a file to.
+std::optional<gid_t> anotherGroup() {
+    if (::geteuid() == 0) return 4242;
+    std::vector<gid_t> groups(static_cast<std::size_t>(std::max(::getgroups(0, nullptr), 0)));
+    auto const count = ::getgroups(static_cast<int>(groups.size()), groups.data());
+    for (int index = 0; index < count; ++index)
+        if (groups[static_cast<std::size_t>(index)] != ::getegid())
+            return groups[static_cast<std::size_t>(index)];
+    return std::nullopt;
+}
 
 std::string leftover(TemporaryFolder const& folder, AsideName const& name, std::string_view content) {
     auto const text = name.text();
@@ -93,6 +108,89 @@ TEST_P(CalendarFileWriterTests, aReplacedFileKeepsItsPermissions) {
     ASSERT_EQ(::chmod(file.c_str(), 0640), 0);
     EXPECT_EQ(writer.replace(file, "old", "new"), done);
     EXPECT_EQ(modeOf(file), 0640U);
+}
+
+TEST_P(CalendarFileWriterTests, aReplacedFileKeepsItsGroupAndOwner) {
+    auto const file = folder.write("a.ics", "old");
+    constexpr uid_t anotherUser = 4242;
+    auto const group = anotherGroup();
+    if (!group) GTEST_SKIP() << "this user has no other group to give a file to";
+    bool const mayGive = ::geteuid() == 0;
+    ASSERT_EQ(::chown(file.c_str(), mayGive ? anotherUser : ::geteuid(), *group), 0);
+    ASSERT_EQ(::chmod(file.c_str(), 0664), 0);
+    EXPECT_EQ(writer.replace(file, "old", "new"), done);
+    struct stat status{};
+    ASSERT_EQ(::stat(file.c_str(), &status), 0);
+    EXPECT_EQ(status.st_gid, *group);
+    EXPECT_EQ(status.st_uid, mayGive ? anotherUser : ::geteuid());
+    EXPECT_EQ(modeOf(file), 0664U);
+}
+
+TEST_P(CalendarFileWriterTests, withAGroupThatCannotBeKeptItsRightsGo) {
+    if (::geteuid() != 0) GTEST_SKIP() << "only the superuser can make such a file";
+    constexpr uid_t nobody = 65534;
+    constexpr gid_t unknownGroup = 4242;
+    struct Row {
+        mode_t before;
+        mode_t after;
+    };
+    ASSERT_EQ(::chown(folder.path().c_str(), nobody, nobody), 0);
+    TemporaryFolder const elsewhere;
+    for (auto const& row : {Row{0664, 0604}, Row{0606, 0600}, Row{0647, 0604}}) {
+        auto const file = folder.write("a.ics", "old");
+        ASSERT_EQ(::chown(file.c_str(), nobody, unknownGroup), 0);
+        ASSERT_EQ(::chmod(file.c_str(), row.before), 0);
+        {
+            OrdinaryUser const user(elsewhere.path());
+            if (!user.isBoundByModes()) GTEST_SKIP() << "no user is bound by permissions here";
+            EXPECT_EQ(writer.replace(file, "old", "new"), done);
+        }
+        EXPECT_EQ(modeOf(file), row.after) << row.before;
+        EXPECT_EQ(contentsOf(folder), (Contents{{"a.ics", "new"}}));
+    }
+}
+
+TEST_P(CalendarFileWriterTests, whatProgramsNotedAtAFileStays) {
+    auto const file = folder.write("a.ics", "old");
+    constexpr std::string_view note = "kept";
+    if (::setxattr(file.c_str(), "user.example", note.data(), note.size(), 0) != 0)
+        GTEST_SKIP() << "no notes on this file system";
+    EXPECT_EQ(writer.replace(file, "old", "new"), done);
+    std::string found(note.size(), '\0');
+    EXPECT_EQ(::getxattr(file.c_str(), "user.example", found.data(), found.size()),
+              static_cast<ssize_t>(note.size()));
+    EXPECT_EQ(found, note);
+}
+
+TEST_P(CalendarFileWriterTests, whatAnAccessListSaysStays) {
+    auto const file = folder.write("a.ics", "old");
+    // Version 2; the owner rw, user 4242 r, the group nothing, at most r, others nothing.
+    constexpr auto none = "\xff\xff\xff\xff";
+    auto const entry = [](char tag, char rights, std::string const& who) {
+        return std::string{tag, '\0', rights, '\0'} + who;
+    };
+    auto const list = std::string("\x02\x00\x00\x00", 4) + entry(0x01, 6, none) +
+                      entry(0x02, 4, std::string("\x92\x10\x00\x00", 4)) + entry(0x04, 0, none) +
+                      entry(0x10, 4, none) + entry(0x20, 0, none);
+    if (::setxattr(file.c_str(), "system.posix_acl_access", list.data(), list.size(), 0) != 0)
+        GTEST_SKIP() << "no access lists on this file system";
+    EXPECT_EQ(writer.replace(file, "old", "new"), done);
+    std::string found(list.size(), '\0');
+    EXPECT_EQ(::getxattr(file.c_str(), "system.posix_acl_access", found.data(), found.size()),
+              static_cast<ssize_t>(list.size()));
+    EXPECT_EQ(found, list);
+    EXPECT_EQ(modeOf(file), 0640U);
+}
+
+TEST_P(CalendarFileWriterTests, aReadOnlyFileStaysAsItIs) {
+    auto const file = folder.write("a.ics", "old");
+    ASSERT_EQ(::chmod(file.c_str(), 0444), 0);
+    for (auto const& result : {writer.replace(file, "old", "new"), writer.remove(file, "old")}) {
+        ASSERT_FALSE(result.has_value());
+        EXPECT_TRUE(result.error().isReadOnlyFile);
+        EXPECT_EQ(result.error().reason, std::errc::permission_denied);
+    }
+    EXPECT_EQ(contentsOf(folder), (Contents{{"a.ics", "old"}}));
 }
 
 TEST_P(CalendarFileWriterTests, whatSomebodyElseWroteIsNotReplaced) {

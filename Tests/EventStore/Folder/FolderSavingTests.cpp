@@ -222,6 +222,25 @@ TEST(FolderSavingTests, aClosedFolderIsRefusedInPlainWords) {
     EXPECT_EQ(added.eventIdentifier, std::nullopt);
 }
 
+TEST(FolderSavingTests, aReadOnlyFileIsRefusedInPlainWords) {
+    SavingFixture const world;
+    auto const file = world.home.write("Root/work/a.ics", smallFile({smallEvent("a", "A")}));
+    auto const store = world.store();
+    auto event = eventTitled(*store, "A");
+    auto const before = world.contents();
+    event.title = "B";
+    ASSERT_EQ(::chmod(file.c_str(), 0444), 0);
+    auto const text = "The file " + file.string() + " may not be written to (Permission denied); ";
+    EXPECT_EQ(refusalOf([&] { store->save(event, EKSpan::thisEvent); }),
+              text + "the event was not saved. Allow it, or choose another calendar.");
+    EXPECT_EQ(refusalOf([&] { store->remove(event, EKSpan::thisEvent); }),
+              text + "nothing was removed. Allow it, or choose another calendar.");
+    EXPECT_EQ(world.contents(), before);
+    ASSERT_EQ(::chmod(file.c_str(), 0644), 0);
+    store->save(event, EKSpan::thisEvent);
+    EXPECT_EQ(marchTitles(*world.store()), std::vector<std::string>{"B"});
+}
+
 TEST(FolderSavingTests, aVanishedCalendarIsRefusedInPlainWords) {
     SavingFixture const world;
     world.home.write("Root/work/a.ics", smallFile({smallEvent("a", "A")}));
