@@ -327,7 +327,7 @@ void CalendarRootReader::findFolderCalendar(std::string const& name,
                 .effect = StoreProblem::Effect::ignored,
                 .reason = "folders inside a calendar's folder are not read"});
     }
-    if (!listing.hasCalendarFiles) return;
+    if (!listing.isCalendar()) return;
     if (isTaken) return reportTaken(folder);
     auto calendar = folderCalendar(identifier, shownName, folder, listing);
     calendar.order = name;

@@ -241,6 +241,31 @@ TEST(FolderSavingTests, aReadOnlyFileIsRefusedInPlainWords) {
     EXPECT_EQ(marchTitles(*world.store()), std::vector<std::string>{"B"});
 }
 
+TEST(FolderSavingTests, aNamedCalendarStaysWithoutAnyEvent) {
+    SavingFixture const world;
+    for (auto const* name : {"named", "coloured", "bare"})
+        world.home.write(std::string("Root/") + name + "/a.ics", smallFile({smallEvent(name, name)}));
+    world.home.write("Root/named/displayname", "Named\n");
+    world.home.write("Root/coloured/color", "#102030\n");
+    auto const store = world.store();
+    for (auto const* name : {"named", "coloured", "bare"})
+        store->remove(eventTitled(*store, name), EKSpan::thisEvent);
+    std::vector<std::string> titles;
+    auto const later = world.store();
+    for (auto const& calendar : later->calendarsForEntityType(EKEntityType::event)) {
+        EXPECT_TRUE(calendar.allowsContentModifications);
+        EXPECT_TRUE(calendar.allowsContentModifications);
+        titles.push_back(calendar.title);
+    }
+    EXPECT_NE(std::ranges::find(titles, "Named"), titles.end());
+    EXPECT_NE(std::ranges::find(titles, "coloured"), titles.end());
+    EXPECT_EQ(std::ranges::find(titles, "bare"), titles.end());
+    EXPECT_TRUE(marchTitles(*later).empty());
+    auto event = newEvent(*later, "Named", "New");
+    later->save(event, EKSpan::thisEvent);
+    EXPECT_EQ(marchTitles(*world.store()), std::vector<std::string>{"New"});
+}
+
 TEST(FolderSavingTests, aVanishedCalendarIsRefusedInPlainWords) {
     SavingFixture const world;
     world.home.write("Root/work/a.ics", smallFile({smallEvent("a", "A")}));
