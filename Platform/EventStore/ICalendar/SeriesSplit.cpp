@@ -57,61 +57,8 @@ SeriesSplit::SeriesSplit(SeriesParts const& parts, std::int64_t local, Foundatio
       split(local),
       viewer(viewer),
       viewerZone(viewer),
-      times(*parts.series().master(), viewerZone) {}
-
-bool SeriesSplit::hasEarlier() const {
-    auto const& master = *parts.series().master()->component;
-    auto const& overrides = parts.series().overrides();
-    bool const hasException = std::ranges::any_of(overrides, [&](ClockedEvent const& event) {
-        return event.component->status != EventStatus::cancelled && !event.component->isThisAndFuture &&
-               times.local(*event.component->recurrenceId, event) < split;
-    });
-    if (hasException) return true;
-    auto const hidden = hiddenTimes();
-    auto const isShown = [&](std::int64_t local) {
-        return local < split && !std::ranges::binary_search(hidden, local);
-    };
-    if (isShown(master.start.localSeconds)) return true;
-    for (auto const& date : master.recurrenceDates) {
-        if (isShown(times.local(date.start, *parts.series().master()))) return true;
-    }
-    for (std::size_t index = 0; index < master.rules.size(); ++index) {
-        std::vector<std::int64_t> found;
-        std::int64_t steps = 2'000'000;
-        auto const last = std::min(split - 1, parts.series().ruleEnd(index).last);
-        bool const isWhole = RuleExpander(master.rules[index], master.start.localSeconds)
-                                 .expand(master.start.localSeconds, last, 200'000, steps, found);
-        if (!isWhole || std::ranges::any_of(found, isShown)) return true;
-    }
-    return false;
-}
-
-// What EXDATEs and cancelled exceptions take out, in order. A bare day takes out the series' own time of it.
-std::vector<std::int64_t> SeriesSplit::hiddenTimes() const {
-    std::vector<std::int64_t> hidden;
-    auto const& master = *parts.series().master();
-    for (auto const& time : master.component->exceptionDates)
-        hidden.push_back(times.local(time, master));
-    for (auto const& event : parts.series().overrides()) {
-        if (event.component->status == EventStatus::cancelled)
-            hidden.push_back(times.local(*event.component->recurrenceId, event));
-    }
-    std::ranges::sort(hidden);
-    return hidden;
-}
-
-// How many of a rule's occurrences lie before, DTSTART being the first of them in any case.
-std::optional<std::int64_t> SeriesSplit::countBefore(std::size_t rule) const {
-    auto const& master = *parts.series().master()->component;
-    auto const start = master.start.localSeconds;
-    if (split <= start) return 0;
-    RuleExpander const expander(master.rules[rule], start);
-    std::vector<std::int64_t> found;
-    std::int64_t steps = 2'000'000;
-    constexpr std::size_t most = 1'000'000;
-    if (!expander.expand(start, split - 1, most, steps, found)) return std::nullopt;
-    return std::ssize(found) + (expander.yields(start) ? 0 : 1);
-}
+      times(*parts.series().master(), viewerZone),
+      point(parts.series(), times, local) {}
 
 EditResult SeriesSplit::ended(std::int64_t now) const {
     CalendarEditBuilder builder(parts.sources(), parts.uid());
@@ -134,7 +81,7 @@ std::optional<std::string> SeriesSplit::endSeries(ComponentText& event) const {
         auto const& rule = master.component->rules[index];
         RuleText text(written[index].value);
         if (rule.count) {
-            auto const before = countBefore(index);
+            auto const before = point.countBefore(index);
             if (!before) return tooOften;
             if (*before >= *rule.count) continue;
             text.set("COUNT", std::to_string(*before));
@@ -366,28 +313,12 @@ WritingClock SeriesSplit::clockFor(bool isAllDay, std::int64_t start, EventChang
 // Where the rest of the series begins: at the occurrence; but at the next one of the rule where the
 // occurrence is an added date, which would put the rule out of step.
 std::int64_t SeriesSplit::anchor() const {
-    return parts.series().master()->component->rules.size() == 1 ? nextOf(0) : split;
+    return parts.series().master()->component->rules.size() == 1 ? point.nextOf(0) : split;
 }
 
 // Where the series begins that goes on so far, on the clock that it has now.
 std::int64_t SeriesSplit::startOf(Reach reach) const {
     return reach == Reach::whole ? parts.master().event.component->start.localSeconds : anchor();
-}
-
-// The first time from the occurrence on that a rule yields; the occurrence itself when there is none.
-std::int64_t SeriesSplit::nextOf(std::size_t rule) const {
-    auto const& master = *parts.series().master()->component;
-    RuleExpander const expander(master.rules[rule], master.start.localSeconds);
-    if (expander.yields(split)) return split;
-    auto const last = std::min(parts.series().ruleEnd(rule).last, lastSecond);
-    // Windows that grow: nearly always the first holds it.
-    for (std::int64_t from = split, width = 40 * secondsPerDay; from <= last; from += width, width *= 4) {
-        std::vector<std::int64_t> found;
-        std::int64_t steps = 100'000;
-        expander.expand(from, std::min(from + width - 1, last), 1, steps, found);
-        if (!found.empty()) return found.front();
-    }
-    return split;
 }
 
 // Writes when the continued series starts.
@@ -421,27 +352,6 @@ void SeriesSplit::writeStart(ComponentText& event, Occurrence const& occurrence,
     writeTime(event, "DTSTART", {.form = clock.form, .zone = clock.zone, .localSeconds = start});
 }
 
-// Whether the series itself, without its exceptions of that name, happens there.
-bool SeriesSplit::happens() const {
-    auto const& master = *parts.series().master();
-    auto const& event = *master.component;
-    bool const isExcluded = std::ranges::any_of(event.exceptionDates, [&](CalendarTime const& time) {
-        auto const local = times.local(time, master);
-        return time.form == TimeForm::date ? dayOf(local) == dayOf(split) : local == split;
-    });
-    if (isExcluded || !event.exceptionRules.empty()) return false;
-    if (event.start.localSeconds == split) return true;
-    bool const isAdded = std::ranges::any_of(event.recurrenceDates, [&](RecurrenceDate const& date) {
-        return times.local(date.start, master) == split;
-    });
-    if (isAdded) return true;
-    for (std::size_t index = 0; index < event.rules.size(); ++index) {
-        bool const yields = RuleExpander(event.rules[index], event.start.localSeconds).yields(split);
-        if (yields && split <= parts.series().ruleEnd(index).last) return true;
-    }
-    return false;
-}
-
 // The exception from which on a series is changed, changed with it. Absent when it is one no more.
 std::optional<ComponentText> SeriesSplit::keptException(Occurrence const& occurrence,
                                                         EventChange const& change,
@@ -456,7 +366,7 @@ std::optional<ComponentText> SeriesSplit::keptException(Occurrence const& occurr
     auto const& component = *base.event.component;
     auto text = parts.textOf(base);
     writeTexts(text, change);
-    if (!isOff && happens() && !differsFrom(next.event, text)) return std::nullopt;
+    if (!isOff && point.happens() && !differsFrom(next.event, text)) return std::nullopt;
     if (change.times) {
         auto const onItsClock = [&](std::optional<CalendarTime> const& time) {
             bool const isTimed = time && time->form != TimeForm::date;
@@ -484,7 +394,7 @@ std::optional<std::string> SeriesSplit::continueRules(ComponentText& event, Time
         RuleText text(written[index].value);
         bool isOver = false;
         if (rule.count && reach == Reach::rest) {
-            auto const before = countBefore(index);
+            auto const before = point.countBefore(index);
             if (!before) return tooOften;
             isOver = *before >= *rule.count;
             text.set("COUNT", std::to_string(*rule.count - *before));
@@ -498,7 +408,7 @@ std::optional<std::string> SeriesSplit::continueRules(ComponentText& event, Time
             event.removeLine(written[index].line);
             continue;
         }
-        auto const occurrence = nextOf(index);
+        auto const occurrence = point.nextOf(index);
         bool const isMoved =
             moveRule(text, rule, {.before = start, .after = mapping(start)},
                      {.before = occurrence, .after = mapping(occurrence)},
@@ -518,7 +428,7 @@ std::optional<std::string> SeriesSplit::countRest(std::vector<RuleChange>& rules
         auto const count = rules[index].rule.value("COUNT");
         bool const isUnchanged = count && known[index].count && numberIn(*count) == *known[index].count;
         if (!isUnchanged) continue;
-        auto const before = countBefore(index);
+        auto const before = point.countBefore(index);
         if (!before) return tooOften;
         rules[index].rule.set("COUNT",
                               std::to_string(std::max<std::int64_t>(*known[index].count - *before, 1)));

@@ -7,6 +7,7 @@
 #include "Platform/EventStore/ICalendar/Occurrence.h"
 #include "Platform/EventStore/ICalendar/SeriesParts.h"
 #include "Platform/EventStore/ICalendar/SeriesTimes.h"
+#include "Platform/EventStore/ICalendar/SplitPoint.h"
 
 #include <cstdint>
 #include <expected>
@@ -29,7 +30,7 @@ public:
     SeriesSplit(SeriesParts const& parts, std::int64_t local, Foundation::TimeZone const& viewer);
 
     /// Whether anything of the series happens before.
-    [[nodiscard]] bool hasEarlier() const;
+    [[nodiscard]] bool hasEarlier() const { return point.hasEarlier(); }
 
     /// The series up to the occurrence, which goes as well.
     [[nodiscard]] EditResult ended(std::int64_t now) const;
@@ -63,8 +64,6 @@ private:
         bool hasNewRules;
     };
 
-    [[nodiscard]] std::optional<std::int64_t> countBefore(std::size_t rule) const;
-    [[nodiscard]] std::vector<std::int64_t> hiddenTimes() const;
     [[nodiscard]] std::optional<std::string> endSeries(ComponentText& event) const;
     [[nodiscard]] SeriesPart const& speaker(Occurrence const& occurrence, EventChange const& change) const;
     [[nodiscard]] ComponentText continuedText(Occurrence const& occurrence, EventChange const& change) const;
@@ -74,8 +73,6 @@ private:
     [[nodiscard]] WritingClock clockFor(bool isAllDay, std::int64_t start, EventChange const& change) const;
     [[nodiscard]] std::int64_t anchor() const;
     [[nodiscard]] std::int64_t startOf(Reach reach) const;
-    [[nodiscard]] std::int64_t nextOf(std::size_t rule) const;
-    [[nodiscard]] bool happens() const;
     void writeStart(ComponentText& event, Occurrence const& occurrence, EventChange const& change,
                     TimeMapping const& mapping, Reach reach) const;
     [[nodiscard]] std::optional<ComponentText>
@@ -92,6 +89,7 @@ private:
     Foundation::TimeZone const& viewer;
     EventZone viewerZone;
     SeriesTimes times;
+    SplitPoint point;
 };
 
 } // namespace Platform::ICalendar
