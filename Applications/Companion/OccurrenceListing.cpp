@@ -76,6 +76,8 @@ OccurrenceListing listFile(Platform::FileManager const& files, std::filesystem::
     auto bytes = files.contents(path, std::size_t{Platform::largestCalendarFile});
     if (!bytes) throw CommandError::failed(Texts::unreadableFile(shownPath(path), bytes.error().message()));
     auto const file = ICalendar::read(*std::move(bytes), path.string());
+    if (file->isForeign)
+        throw CommandError::failed(Texts::unreadableFile(shownPath(path), file->problems.front().reason));
     ICalendar::SeriesSet const series({file}, std::make_shared<ICalendar::ZoneCatalog>());
     auto const expansion = series.occurrences(interval.from, interval.to, viewer);
 

@@ -131,6 +131,40 @@ TEST(OccurrencesJourneys, aSkippedEventIsNamedWithFileAndLine) {
     EXPECT_THAT(result.errors, HasSubstr("nonsense"));
 }
 
+TEST(OccurrencesJourneys, aFileThatIsNoCalendarIsAFailure) {
+    PrivateHome const home;
+    home.write(home.folder() / "page.ics", "<html>Log in</html>\n");
+    home.write(home.folder() / "wide.ics", std::string_view("\xFF\xFE"
+                                                            "B\0E\0",
+                                                            6));
+    home.write(home.folder() / "empty.ics", "");
+    auto const occurrences = [&](std::string name) {
+        return home.quillora(
+            {"occurrences", std::move(name), "--from", "2026-03-11", "--to", "2026-03-12", "--json"});
+    };
+    auto const page = occurrences("page.ics");
+    EXPECT_EQ(page.exitCode, 1);
+    EXPECT_EQ(page.output, "");
+    EXPECT_EQ(page.errors, "quillora: the file " + (home.folder() / "page.ics").string() +
+                               " cannot be read: it is no iCalendar file\n");
+    EXPECT_EQ(occurrences("wide.ics").exitCode, 1);
+    // An empty file is a calendar without events.
+    auto const empty = occurrences("empty.ics");
+    EXPECT_EQ(empty.exitCode, 0);
+    EXPECT_EQ(empty.errors, "");
+}
+
+TEST(OccurrencesJourneys, aFileThatIsNoCalendarCostsItsFolderNothing) {
+    PrivateHome const home;
+    home.write(home.calendars() / "page.ics", "<html>Log in</html>\n");
+    home.write(home.calendars() / "tea.ics", calendarFile(tea));
+    auto const result =
+        home.quillora({"occurrences", "calendars", "--from", "2026-03-11", "--to", "2026-03-12", "--json"});
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.output, teaLine);
+    EXPECT_THAT(result.errors, HasSubstr("it is no iCalendar file"));
+}
+
 TEST(OccurrencesJourneys, forAPersonItIsATable) {
     PrivateHome const home;
     home.write(home.folder() / "a.ics",

@@ -32,6 +32,7 @@ struct CalendarFile {
     std::vector<TimeZoneComponent> timeZones;
     std::vector<std::string> zoneNames; ///< The TZIDs that times name, each once.
     std::vector<Problem> problems;      ///< In the order of the file; at most `maximumProblems`.
+    bool isForeign = false;             ///< It holds something else than a calendar, as its one problem says.
 
     static constexpr std::size_t maximumProblems = 1000;
 };

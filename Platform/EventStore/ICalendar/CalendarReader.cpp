@@ -75,6 +75,7 @@ private:
         std::string_view content = *file.bytes;
         if (content.starts_with("\xEF\xBB\xBF")) content.remove_prefix(3);
         if (trimmed(content).empty()) return;
+        file.isForeign = true;
         bool const isWide = content.starts_with("\xFF\xFE") || content.starts_with("\xFE\xFF");
         file.problems.push_back({.path = file.path,
                                  .line = 1,
