@@ -11,11 +11,11 @@ namespace {
 constexpr std::string_view appGroupIdentifier = "group.quillora";
 constexpr std::string_view fileName = "enabledCalendarAccounts.json";
 
+} // namespace
+
 std::filesystem::path fileURL(Platform::FileManager const& files) {
     return Platform::appGroupFile(files, appGroupIdentifier, fileName);
 }
-
-} // namespace
 
 std::set<AccountProviderEnum> load(Platform::FileManager const& files) {
     return AccountProviderSetFile::load(files, fileURL(files));

@@ -2,6 +2,7 @@
 
 #include "Applications/Companion/Support.h"
 #include "Applications/Companion/Texts.h"
+#include "CalendarProviders/EnabledCalendarAccountsStore.h"
 #include "Platform/EventStore/Folder/RefusedFolder.h"
 
 #include <algorithm>
@@ -46,10 +47,19 @@ bool refusesItself(Composition::LiveServices& services) {
     return services.eventStore()->authorizationStatus() != consent->status();
 }
 
+std::optional<std::string> whyAnswerIsUnknown(Platform::ConsentRecord const& consent) {
+    auto const failure = consent.failure();
+    if (!failure) return std::nullopt;
+    auto const file = shownPath(consent.file());
+    if (failure == std::errc::bad_message) return Texts::accessRecordHoldsNoAnswer(file);
+    return Texts::accessRecordIsUnreadable(file, failure.message());
+}
+
 } // namespace
 
 void sayAccess(Invocation const& invocation, Composition::LiveServices& services) {
     auto const consent = requiredConsent(services);
+    if (auto const unknown = whyAnswerIsUnknown(*consent)) throw CommandError::failed(*unknown);
     invocation.console.writeLine(refusesItself(services) ? Texts::storeRefuses()
                                                          : Texts::accessStatus(consent->status()));
     for (auto const& refused : refusedFolders(services))
@@ -57,10 +67,19 @@ void sayAccess(Invocation const& invocation, Composition::LiveServices& services
 }
 
 std::string whyNoAccess(Composition::LiveServices& services, std::string const& consentIsMissing) {
+    if (auto const unknown = whyAnswerIsUnknown(*requiredConsent(services))) return *unknown;
     if (!refusesItself(services)) return consentIsMissing;
     auto const refused = refusedFolders(services);
     // Someone may have opened them just now.
     return refused.empty() ? consentIsMissing : remedy(refused.front());
+}
+
+std::string whyNotSwitchedOn(Composition::LiveServices& services) {
+    auto const file = CalendarProviders::EnabledCalendarAccountsStore::fileURL(*services.files());
+    auto const content = services.files()->contents(file, Platform::largestPreferenceFile);
+    if (content || content.error() == std::errc::no_such_file_or_directory)
+        return Texts::calendarsAreNotSetUp();
+    return Texts::enabledCalendarsAreUnreadable(shownPath(file), content.error().message());
 }
 
 } // namespace Companion

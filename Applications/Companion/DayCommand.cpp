@@ -136,7 +136,7 @@ void writePictures(Invocation const& invocation, WidgetExtension::ScheduleWidget
 void reportHints(Invocation const& invocation, Composition::LiveServices& services, ShownDay const& day) {
     auto const accounts = CalendarProviders::EnabledCalendarAccountsStore::load(*services.files());
     if (!accounts.contains(CalendarProviders::AccountProviderEnum::eventKit)) {
-        invocation.console.report(Texts::calendarsAreNotSetUp());
+        invocation.console.report(whyNotSwitchedOn(services));
     } else if (day.entry.hasAccessError) {
         invocation.console.report(whyNoAccess(services, Texts::accessIsMissing()));
     }

@@ -33,7 +33,7 @@ std::size_t sharedLength(std::string_view left, std::string_view right) {
 MeetsOfDay meetsOfDay(Composition::LiveServices& services, DayChoice const& choice) {
     auto const accounts = CalendarProviders::EnabledCalendarAccountsStore::load(*services.files());
     if (!accounts.contains(CalendarProviders::AccountProviderEnum::eventKit))
-        throw CommandError::failed(Texts::calendarsAreNotSetUp());
+        throw CommandError::failed(whyNotSwitchedOn(services));
     Foundation::TaskLoop loop;
     auto const widgetServices = services.scheduleWidgetServices(loop.executor());
     auto day = shownDay(widgetServices, loop, offsetOf(choice, widgetServices));

@@ -56,14 +56,15 @@ bool isMirrorRight(Composition::LiveServices& services, CalendarProviderRegistry
     return EnabledCalendarAccountsStore::load(*services.files()) == enabledKinds(registry);
 }
 
-void checkMirror(Composition::LiveServices& services, CalendarProviderRegistryApplication const& registry) {
+void checkMirror(Composition::LiveServices& services, CalendarProviderRegistryApplication const& registry,
+                 std::string (*message)(std::string_view why)) {
     auto const enabled = enabledKinds(registry);
     Platform::WriteWitness const files(services.files());
     if (EnabledCalendarAccountsStore::load(files) == enabled) return;
     // The registry writes it without a word; writing it once more mends it or tells why not.
     EnabledCalendarAccountsStore::save(files, enabled);
     if (EnabledCalendarAccountsStore::load(files) != enabled)
-        throw CommandError::failed(Texts::mirrorNotSaved(whyNotKept(files)));
+        throw CommandError::failed(message(whyNotKept(files)));
 }
 
 QuarantineReport::QuarantineReport(Composition::LiveServices& services, Console const& console)

@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 /// What the commands on the registry of calendar providers do alike.
@@ -42,10 +43,11 @@ CalendarProviders::CalendarProviderRegistryApplication requiredRegistry(Composit
 bool isMirrorRight(Composition::LiveServices& services,
                    CalendarProviders::CalendarProviderRegistryApplication const& registry);
 
-/// Throws CommandError with ExitCode::failed when the mirror is not right: the registry itself never tells
-/// that it could not be written.
+/// Throws CommandError with ExitCode::failed when the mirror is not right, which the registry itself never
+/// tells; `message` makes the words from the reason why it could not be written.
 void checkMirror(Composition::LiveServices& services,
-                 CalendarProviders::CalendarProviderRegistryApplication const& registry);
+                 CalendarProviders::CalendarProviderRegistryApplication const& registry,
+                 std::string (*message)(std::string_view why));
 
 /// Reports at its end what was set aside since its beginning: a database that did not open is emptied without
 /// a word by the registry, and nobody is to lose a registration unawares.

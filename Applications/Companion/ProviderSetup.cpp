@@ -103,7 +103,7 @@ bool ProviderSetup::registerThisComputer(Registry const& registry) {
         if (auto const known = registered()) return keepRegistered(registry, *known);
     }
     require(outcome, Texts::providerNotRegistered(provider.capId));
-    checkMirror(services, registry);
+    checkMirror(services, registry, Texts::mirrorNotSavedBySetup);
     say(Texts::providerRegistered(provider.capDisplayName, provider.capEmail, provider.capId));
     return true;
 }
@@ -118,7 +118,7 @@ bool ProviderSetup::keepRegistered(Registry const& registry, CalendarProviderEnt
     if (hasChanged) {
         // Also writes the mirror anew where only that was wrong.
         require(registry.update(provider), Texts::providerNotChanged(provider.capId));
-        checkMirror(services, registry);
+        checkMirror(services, registry, Texts::mirrorNotSavedBySetup);
     }
     if (isSwitchedOn)
         say(Texts::providerSwitched(provider.capDisplayName, true));

@@ -56,7 +56,7 @@ ExitCode onRegistry(Invocation const& invocation, std::function<void(Session con
 void finishChange(Session const& session, Registry const& registry, std::string const& whatWasDone) {
     session.services.widgetCenter()->reloadAllTimelines();
     session.say(whatWasDone);
-    checkMirror(session.services, registry);
+    checkMirror(session.services, registry, Texts::mirrorNotSaved);
 }
 
 JSON::Object providerValue(CalendarProviderEntity const& provider) {

@@ -19,8 +19,12 @@ namespace {
 std::vector<Platform::CalendarRoot> shownRoots(Invocation const& invocation,
                                                Platform::CalendarStoreConfiguration const& configuration) {
     auto content = configuration.load();
-    if (content.problem)
-        invocation.console.report(Texts::problemOf(shownPath(configuration.file()), *content.problem));
+    if (content.problem) {
+        auto const problem = Texts::problemOf(shownPath(configuration.file()), *content.problem);
+        // Nothing is known then, which is not the same as that there is none.
+        if (content.roots.empty()) throw CommandError::failed(problem);
+        invocation.console.report(problem);
+    }
     return std::move(content.roots);
 }
 

@@ -301,8 +301,20 @@ std::string accessNotGranted() {
     return text("access-not-granted");
 }
 
+std::string accessRecordHoldsNoAnswer(std::string_view path) {
+    return text("access-record-holds-no-answer", path);
+}
+
+std::string accessRecordIsUnreadable(std::string_view path, std::string_view reason) {
+    return text("access-record-is-unreadable", path, told(reason));
+}
+
 std::string calendarsAreNotSetUp() {
     return text("calendars-are-not-set-up");
+}
+
+std::string enabledCalendarsAreUnreadable(std::string_view path, std::string_view reason) {
+    return text("enabled-calendars-are-unreadable", path, told(reason));
 }
 
 std::string nobodyWasAsked() {
@@ -496,6 +508,10 @@ std::string providerIsGone(std::string_view id) {
 
 std::string mirrorNotSaved(std::string_view why) {
     return text("mirror-not-saved", why);
+}
+
+std::string mirrorNotSavedBySetup(std::string_view why) {
+    return text("mirror-not-saved-by-setup", why);
 }
 
 std::string databaseSetAside(std::string_view copy) {

@@ -101,7 +101,10 @@ std::string folderIsRefused(std::string_view path, std::string_view wordToOpen);
 std::string folderIsRefusedByOther(std::string_view path, std::string_view closed);
 std::string accessIsMissing();
 std::string accessNotGranted();
+std::string accessRecordHoldsNoAnswer(std::string_view path);
+std::string accessRecordIsUnreadable(std::string_view path, std::string_view reason);
 std::string calendarsAreNotSetUp();
+std::string enabledCalendarsAreUnreadable(std::string_view path, std::string_view reason);
 std::string nobodyWasAsked();
 
 // Set-up.
@@ -156,6 +159,7 @@ std::string providerNotRemoved(std::string_view id);
 std::string providerRemoved(std::string_view name);
 std::string providerIsGone(std::string_view id);
 std::string mirrorNotSaved(std::string_view why);
+std::string mirrorNotSavedBySetup(std::string_view why);
 std::string databaseSetAside(std::string_view copy);
 
 // The day.

@@ -164,13 +164,27 @@ TEST_F(BadInputJourneys, aDamagedListOfSourcesIsNamedAndKeepsNobodyFromTheRest) 
     EXPECT_EQ(day.exitCode, 0);
     EXPECT_EQ(day.output, "Wednesday 11\n\nNo events\n");
     EXPECT_THAT(day.errors, HasSubstr("calendar-store.json"));
+    auto const path = (home.configuration() / "calendar-store.json").string();
+    for (auto const& words :
+         std::vector<std::vector<std::string>>{{"sources", "list"}, {"sources", "list", "--json"}}) {
+        auto const list = home.quillora(words);
+        EXPECT_EQ(list.exitCode, 1);
+        // Nobody knows whether folders were added.
+        EXPECT_EQ(list.output, "");
+        EXPECT_EQ(list.errors,
+                  "quillora: " + path +
+                      ": the list of calendar folders is damaged, so none of them is shown; the next "
+                      "change keeps a copy of it and starts a new list\n");
+    }
+}
+
+TEST_F(BadInputJourneys, ofAListOfSourcesDamagedInPartTheRestIsShown) {
+    home.write(home.configuration() / "calendar-store.json",
+               R"({"version":1,"sources":[7,{"kind":"folder","id":"k3fa","path":"/c","title":"Kept"}]})");
     auto const list = home.quillora({"sources", "list"});
     EXPECT_EQ(list.exitCode, 0);
-    auto const path = (home.configuration() / "calendar-store.json").string();
-    EXPECT_EQ(list.errors,
-              "quillora: " + path +
-                  ": the list of calendar folders is damaged, so none of them is shown; the next "
-                  "change keeps a copy of it and starts a new list\n");
+    EXPECT_EQ(list.output, "k3fa  Kept  /c\n");
+    EXPECT_THAT(list.errors, HasSubstr("is damaged in 1 of its entries"));
 }
 
 TEST_F(BadInputJourneys, aListOfSourcesThatIsNoFileIsToldInPlainWords) {
@@ -230,11 +244,58 @@ TEST_F(BadInputJourneys, aDamagedSetOfAccountsIsAnEmptyDay) {
 
 TEST_F(BadInputJourneys, aDamagedConsentIsNoConsent) {
     home.write(home.configuration() / "calendar-access.json", "yes");
-    EXPECT_EQ(home.outputOf({"access", "status"}), "Calendar access: not asked yet\n");
+    auto const status = home.quillora({"access", "status"});
+    EXPECT_EQ(status.exitCode, 1);
+    EXPECT_EQ(status.output, "");
+    EXPECT_EQ(status.errors, "quillora: " + (home.configuration() / "calendar-access.json").string() +
+                                 " holds no answer, so it is not known whether Quillora may read your "
+                                 "calendars; answer anew with \"quillora access grant\" or \"quillora access "
+                                 "deny\"\n");
     EXPECT_EQ(*home.dayJSON(look).member("hasAccessError"), JSON::Value(true));
+    EXPECT_EQ(home.outputOf({"access", "grant"}), "Calendar access: granted\n");
+    EXPECT_THAT(meetNames(home.dayJSON(look)), ElementsAre("Tea"));
     home.write(home.configuration() / "calendar-access.json", "7");
     EXPECT_EQ(home.outputOf({"access", "status"}), "Calendar access: unknown (7), which counts as denied\n");
     EXPECT_EQ(*home.dayJSON(look).member("hasAccessError"), JSON::Value(true));
+}
+
+TEST_F(BadInputJourneys, settingsThatMayNotBeReadAreNamedAndNotTakenForNone) {
+    if (!canGiveUpOverride()) GTEST_SKIP() << "here root cannot give up its power to read everything";
+    std::filesystem::permissions(home.configuration(), std::filesystem::perms::none);
+    auto const list = home.quilloraWithoutOverride({"sources", "list"});
+    auto const status = home.quilloraWithoutOverride({"access", "status"});
+    auto const day = home.quilloraWithoutOverride({"day", "--at", look[1]});
+    std::filesystem::permissions(home.configuration(), std::filesystem::perms::owner_all);
+    EXPECT_EQ(list.exitCode, 1);
+    EXPECT_EQ(list.output, "");
+    EXPECT_THAT(list.errors, HasSubstr("could not be read (Permission denied)"));
+    auto const unknown =
+        "quillora: it is not known whether Quillora may read your calendars, since your answer "
+        "in " +
+        (home.configuration() / "calendar-access.json").string() + " cannot be read: Permission denied\n";
+    EXPECT_EQ(status.exitCode, 1);
+    EXPECT_EQ(status.output, "");
+    EXPECT_EQ(status.errors, unknown);
+    EXPECT_EQ(day.errors, unknown);
+}
+
+TEST_F(BadInputJourneys, aSharedFolderThatMayNotBeReadIsNotTakenForOneThatWasNeverSetUp) {
+    if (!canGiveUpOverride()) GTEST_SKIP() << "here root cannot give up its power to read everything";
+    std::filesystem::permissions(home.container(), std::filesystem::perms::none);
+    auto const day = home.quilloraWithoutOverride({"day"});
+    auto const setup = home.quilloraWithoutOverride({"setup", "--yes"});
+    std::filesystem::permissions(home.container(), std::filesystem::perms::owner_all);
+    auto const file = (home.container() / "enabledCalendarAccounts.json").string();
+    EXPECT_EQ(day.errors,
+              "quillora: no calendars are shown, since which ones are switched on cannot be read from " +
+                  file + ": Permission denied; \"quillora doctor\" names what mends it\n");
+    EXPECT_EQ(setup.exitCode, 1);
+    EXPECT_EQ(setup.errors,
+              "quillora: the calendars of this computer are registered, but the widget could not be "
+              "told: " +
+                  file +
+                  " cannot be written (Permission denied); when that is mended, run "
+                  "\"quillora setup\" once more\n");
 }
 
 TEST_F(BadInputJourneys, aFolderInPlaceOfAPreferenceFileIsNoFile) {

@@ -230,10 +230,10 @@ TEST(SetupJourneys, whatCannotBeSwitchedOnIsNamedWithItsFileAndCause) {
     EXPECT_EQ(result.exitCode, 1);
     EXPECT_EQ(
         result.errors,
-        "quillora: the registered providers were changed, but the widget could not be told: " +
+        "quillora: the calendars of this computer are registered, but the widget could not be told: " +
             (home.folder() / "gone/enabledCalendarAccounts.json").string() +
-            " cannot be written (No such file or directory); when that is mended, run the same \"quillora "
-            "providers enable\" or \"disable\" once more\n");
+            " cannot be written (No such file or directory); when that is mended, run \"quillora setup\" "
+            "once more\n");
 }
 
 TEST(CalendarsJourneys, aChoiceThatCannotBeKeptIsNamedWithItsFileAndCause) {

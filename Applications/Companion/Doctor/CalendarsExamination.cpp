@@ -21,8 +21,7 @@ constexpr double shownSeconds = 10 * 86400.0; // Either way from now, as far as 
 bool examineAccess(Composition::LiveServices& services, Findings& findings) {
     auto const consent = services.consent();
     auto const status = consent->status();
-    std::error_code error;
-    if (status == EKAuthorizationStatus::notDetermined && std::filesystem::exists(consent->file(), error)) {
+    if (consent->failure()) {
         findings.broken("access", Texts::accessRecordIsDamaged(shownPath(consent->file())),
                         Texts::grantCommand());
         return false;

@@ -3,6 +3,7 @@
 #include "Platform/EventStore/EKEventStore.h"
 #include "Platform/Files/FileManager.h"
 
+#include <expected>
 #include <filesystem>
 #include <memory>
 #include <system_error>
@@ -19,6 +20,10 @@ public:
     /// knows comes back as it stands, so that it never counts as granted.
     [[nodiscard]] EKAuthorizationStatus status() const;
 
+    /// Why a record that is there tells nothing: it cannot be read, or, as std::errc::bad_message, holds no
+    /// answer. Clear where there is an answer or no record at all.
+    [[nodiscard]] std::error_code failure() const;
+
     /// Remembers an answer. On an error the old record stays.
     [[nodiscard]] std::error_code record(EKAuthorizationStatus status) const;
 
@@ -28,6 +33,8 @@ public:
     [[nodiscard]] std::filesystem::path file() const;
 
 private:
+    [[nodiscard]] std::expected<EKAuthorizationStatus, std::error_code> answer() const;
+
     std::filesystem::path directory;
     std::shared_ptr<FileManager const> files;
 };

@@ -76,6 +76,25 @@ ConsentAnswer ask(int input, int output) {
 
 } // namespace
 
+TEST_F(ConsentRecordTests, aRecordThatTellsNothingHasAReason) {
+    EXPECT_EQ(consent.failure(), std::error_code()) << "no record";
+    ASSERT_FALSE(consent.record(EKAuthorizationStatus::denied));
+    EXPECT_EQ(consent.failure(), std::error_code());
+    for (auto const* damaged : {"", "rubbish", "-1", "2.5", "\"3\"", "[3]"}) {
+        SCOPED_TRACE(damaged);
+        ASSERT_FALSE(files->writeAtomically(file, damaged));
+        EXPECT_EQ(consent.failure(), std::errc::bad_message);
+        EXPECT_EQ(consent.status(), EKAuthorizationStatus::notDetermined);
+    }
+}
+
+TEST_F(ConsentRecordTests, aRecordThatCannotBeReadSaysWhy) {
+    ASSERT_FALSE(consent.record(EKAuthorizationStatus::fullAccess));
+    files->refusesReads();
+    EXPECT_EQ(consent.failure(), std::errc::permission_denied);
+    EXPECT_EQ(consent.status(), EKAuthorizationStatus::notDetermined);
+}
+
 TEST_F(ConsentRecordTests, theNumberInTheFileIsTheStatus) {
     struct Row {
         char const* content;
