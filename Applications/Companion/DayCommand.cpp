@@ -23,7 +23,9 @@
 
 #include <array>
 #include <charconv>
+#include <filesystem>
 #include <utility>
+#include <vector>
 
 namespace Companion {
 
@@ -66,6 +68,19 @@ bool goesToStandardOutput(ArgumentValues const& values, std::string_view option)
     return values.option(option) == standardOutput;
 }
 
+// The later of two pictures in one file would be the only one.
+void checkPicturesAreApart(ArgumentValues const& values) {
+    std::vector<std::pair<std::string_view, std::filesystem::path>> named;
+    for (auto const* option : pictureOptions) {
+        auto const path = values.option(option);
+        if (!path || path == standardOutput) continue;
+        auto const file = absolutePath(*path);
+        for (auto const& [other, otherFile] : named)
+            if (isSameOutput(otherFile, file)) throw CommandError::wrongUse(Texts::sameOutput(other, option));
+        named.emplace_back(option, file);
+    }
+}
+
 void checkOutputs(ArgumentValues const& values, DayRequest const& request) {
     int onStandardOutput =
         (request.writesText ? 1 : 0) + (request.writesJSON ? 1 : 0) + (request.writesStatusBar ? 1 : 0);
@@ -76,8 +91,11 @@ void checkOutputs(ArgumentValues const& values, DayRequest const& request) {
             ++onStandardOutput;
         } else if (auto const reason = whyNotAnOutputFile(absolutePath(*path))) {
             throw CommandError::wrongUse(*reason);
+        } else if (isStandardOutput(absolutePath(*path))) {
+            ++onStandardOutput;
         }
     }
+    checkPicturesAreApart(values);
     if (onStandardOutput > 1) throw CommandError::wrongUse(Texts::oneOutputAtATime());
 }
 

@@ -53,6 +53,16 @@ void replaceFile(fs::path const& path, std::string_view content, std::optional<m
     fail(path);
 }
 
+// Where the links lead, also those to a file that is not there yet.
+fs::path linksFollowed(fs::path path) {
+    constexpr int mostLinks = 40; // As the system itself follows.
+    std::error_code error;
+    for (int count = 0; count < mostLinks && fs::is_symlink(fs::symlink_status(path, error)); ++count)
+        path = path.parent_path() / fs::read_symlink(path, error);
+    auto folder = fs::weakly_canonical(path.parent_path(), error);
+    return (error ? path.parent_path() : folder) / path.filename();
+}
+
 } // namespace
 
 std::optional<std::string> whyNotAnOutputFile(fs::path const& path) {
@@ -61,6 +71,21 @@ std::optional<std::string> whyNotAnOutputFile(fs::path const& path) {
     if (!fs::is_directory(path.parent_path(), error))
         return Texts::noSuchFolder(shownPath(path.parent_path()));
     return std::nullopt;
+}
+
+bool isSameOutput(fs::path const& one, fs::path const& other) {
+    std::error_code error;
+    if (!fs::exists(one, error) || !fs::exists(other, error))
+        return linksFollowed(one) == linksFollowed(other);
+    return !fs::is_character_file(one, error) && fs::equivalent(one, other, error);
+}
+
+bool isStandardOutput(fs::path const& path) {
+    struct stat named{};
+    struct stat standard{};
+    if (::stat(path.c_str(), &named) != 0 || ::fstat(STDOUT_FILENO, &standard) != 0) return false;
+    if (named.st_dev != standard.st_dev || named.st_ino != standard.st_ino) return false;
+    return !S_ISCHR(standard.st_mode) || ::isatty(STDOUT_FILENO) == 1;
 }
 
 void writeOutputFile(fs::path const& path, std::string_view content) {

@@ -197,6 +197,10 @@ std::string oneOutputAtATime() {
     return text("one-output-at-a-time");
 }
 
+std::string sameOutput(std::string_view option, std::string_view other) {
+    return text("same-output", option, other);
+}
+
 std::string blankTitle() {
     return text("blank-title");
 }

@@ -73,6 +73,7 @@ std::string unknownZone(std::string_view value);
 std::string intervalIsBackwards();
 std::string badScale(std::string_view value, double largest);
 std::string oneOutputAtATime();
+std::string sameOutput(std::string_view option, std::string_view other);
 std::string blankTitle();
 
 // Files and folders. Paths come as they may be shown.

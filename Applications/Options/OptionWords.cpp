@@ -36,6 +36,17 @@ std::optional<OptionFault> faultOf(Slot const& slot) {
     return std::nullopt;
 }
 
+// Whether "--" stands where the option's value has to: there it ends the options, as it does anywhere.
+bool isCutOff(Slot const& slot, std::vector<std::string> const& words) {
+    if (!slot.form->takesValue || slot.option->results().empty() || slot.option->results().front() != "--") {
+        return false;
+    }
+    auto const isAtIt = [&](std::string const& word, std::string const& next) {
+        return next == "--" && slot.option->check_name(word);
+    };
+    return std::ranges::adjacent_find(words, isAtIt) != words.end();
+}
+
 } // namespace
 
 std::string_view OptionForm::name() const {
@@ -61,6 +72,7 @@ OptionWords readOptionWords(std::span<OptionForm const> forms, std::vector<std::
     }
 
     OptionWords read;
+    auto const given = words;
     std::string const lastWord = words.empty() ? "" : words.back();
     try {
         std::ranges::reverse(words); // Its parse takes the words from the back.
@@ -73,11 +85,14 @@ OptionWords readOptionWords(std::span<OptionForm const> forms, std::vector<std::
                       .option = lastWord.substr(0, lastWord.find('='))};
     }
     for (auto const& slot : slots) {
-        auto const& given = slot.option->results();
-        if (given.empty()) {
+        auto const& results = slot.option->results();
+        if (results.empty()) {
             continue;
         }
-        read.values.emplace(slot.form->name(), slot.form->takesValue ? given.front() : "");
+        read.values.emplace(slot.form->name(), slot.form->takesValue ? results.front() : "");
+        if (!read.fault && isCutOff(slot, given)) {
+            read.fault = {.kind = OptionFault::Kind::missingValue, .option = std::string(slot.form->name())};
+        }
         if (!read.fault) {
             read.fault = faultOf(slot);
         }

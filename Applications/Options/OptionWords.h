@@ -43,7 +43,7 @@ struct OptionWords {
 };
 
 /// Reads the words after a program's or command's name: "--family small" as well as "--family=small". After
-/// "--" no word is an option.
+/// "--" no word is an option; where a value has to stand it is none, though "--title=--" gives it.
 OptionWords readOptionWords(std::span<OptionForm const> forms, std::vector<std::string> words);
 
 } // namespace Options

@@ -26,6 +26,7 @@ TEST(CommandLineTests, anOptionTakesTheNextWordWhateverItLooksLike) {
     EXPECT_EQ(parsedCommand({"day", "--offset", "-3"}).values.option("--offset"), "-3");
     EXPECT_EQ(parsedCommand({"day", "--offset=-3"}).values.option("--offset"), "-3");
     EXPECT_EQ(parsedCommand({"day", "--png", "-"}).values.option("--png"), "-");
+    EXPECT_EQ(parsedCommand({"day", "--png=--"}).values.option("--png"), "--");
 }
 
 TEST(CommandLineTests, anOptionThatWasNotGivenIsAbsent) {
@@ -119,6 +120,12 @@ INSTANTIATE_TEST_SUITE_P(
         WrongUse{"optionWithoutItsValue",
                  {"day", "--offset"},
                  R"(--offset needs a value: N; see "quillora day --help")"},
+        WrongUse{"optionWithTheEndOfTheOptions",
+                 {"day", "--png", "--"},
+                 R"(--png needs a value: FILE; see "quillora day --help")"},
+        WrongUse{"optionWithTheEndOfTheOptionsAndMore",
+                 {"sources", "add", "--title", "--", "DIR"},
+                 R"(--title needs a value: TITLE; see "quillora sources add --help")"},
         WrongUse{"optionWithNothing",
                  {"day", "--offset="},
                  R"(--offset needs a value: N; see "quillora day --help")"},

@@ -82,6 +82,32 @@ TEST_F(OutputFileTests, aFullDeviceIsToldOf) {
     }
 }
 
+TEST_F(OutputFileTests, oneFileIsKnownByAllItsNames) {
+    std::ofstream(folder / "day.png") << "picture";
+    fs::create_directory(folder / "sub");
+    fs::create_symlink("day.png", folder / "link");
+    fs::create_symlink(".", folder / "here");
+    fs::create_symlink("../new", folder / "sub" / "dangling");
+    fs::create_symlink("sub/dangling", folder / "further");
+    EXPECT_TRUE(isSameOutput(folder / "day.png", folder / "day.png"));
+    EXPECT_TRUE(isSameOutput(folder / "day.png", folder / "link"));
+    EXPECT_TRUE(isSameOutput(folder / "here" / "day.png", folder / "day.png"));
+    // None of these is there yet.
+    EXPECT_TRUE(isSameOutput(folder / "new", folder / "here" / "new"));
+    EXPECT_TRUE(isSameOutput(folder / "new", folder / "sub" / "dangling"));
+    EXPECT_TRUE(isSameOutput(folder / "further", folder / "new"));
+    EXPECT_FALSE(isSameOutput(folder / "new", folder / "newer"));
+    EXPECT_FALSE(isSameOutput(folder / "day.png", folder / "new"));
+    EXPECT_FALSE(isSameOutput(folder / "sub" / "day.png", folder / "day.png"));
+    EXPECT_FALSE(isSameOutput("/dev/null", "/dev/null"));
+}
+
+TEST_F(OutputFileTests, aRingOfLinksEnds) {
+    fs::create_symlink("a", folder / "b");
+    fs::create_symlink("b", folder / "a");
+    EXPECT_FALSE(isSameOutput(folder / "a", folder / "c"));
+}
+
 TEST_F(OutputFileTests, aMissingFolderIsKnownBeforehand) {
     EXPECT_EQ(whyNotAnOutputFile(folder / "none" / "day.png"),
               "there is no folder " + (folder / "none").string());
