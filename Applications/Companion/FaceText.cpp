@@ -17,6 +17,12 @@ constexpr std::size_t gap = 2;             // Blanks between two columns.
 constexpr std::size_t barColumns = 2;      // The bar and the blank after it.
 constexpr std::size_t shortestName = 8;    // A narrower terminal wraps rather than lose the name.
 constexpr std::size_t widestTerminal = 72; // Durations further away than this are hard to follow.
+constexpr std::size_t widestPipe = 100;    // So that one long name does not push all durations away.
+
+// Columns that a line may take.
+std::size_t lineWidth(FaceTextStyle const& style) {
+    return style.columns ? std::min(*style.columns, widestTerminal) : widestPipe;
+}
 
 std::string padding(std::size_t columns) {
     return std::string(columns, ' ');
@@ -25,6 +31,11 @@ std::string padding(std::size_t columns) {
 std::string padded(std::string const& text, std::size_t columns) {
     auto const width = Text::terminalWidth(text);
     return width < columns ? text + padding(columns - width) : text;
+}
+
+// `name` made harmless, and short enough to be measured: it may be as long as a calendar's file.
+std::string shownName(std::string const& name) {
+    return Text::truncated(Text::neutralized(name), widestPipe);
 }
 
 int channel(double value) {
@@ -38,22 +49,18 @@ struct Columns {
     std::size_t duration = 0;
 };
 
-Columns columnsOf(Platform::FaceLayout const& layout, std::optional<std::size_t> limit) {
+Columns columnsOf(Platform::FaceLayout const& layout, std::size_t width) {
     Columns columns;
     for (auto const& row : layout.rows) {
         auto const* card = std::get_if<Platform::CardRow>(&row);
         if (card == nullptr) continue;
         columns.time = std::max(columns.time, Text::terminalWidth(card->time));
-        columns.name = std::max(columns.name, Text::terminalWidth(Text::neutralized(card->name)));
+        columns.name = std::max(columns.name, Text::terminalWidth(shownName(card->name)));
         columns.duration = std::max(columns.duration, Text::terminalWidth(card->duration.value_or("")));
     }
-    if (limit) {
-        auto const taken =
-            barColumns + columns.time + gap + (columns.duration > 0 ? gap + columns.duration : 0);
-        auto const width = std::min(*limit, widestTerminal);
-        auto const room = width > taken ? width - taken : 0;
-        columns.name = std::min(columns.name, std::max(room, shortestName));
-    }
+    auto const taken = barColumns + columns.time + gap + (columns.duration > 0 ? gap + columns.duration : 0);
+    auto const room = width > taken ? width - taken : 0;
+    columns.name = std::min(columns.name, std::max(room, shortestName));
     return columns;
 }
 
@@ -62,7 +69,7 @@ public:
     FaceTextWriter(Platform::FaceLayout const& layout, FaceTextStyle const& style)
         : layout(layout),
           style(style),
-          columns(columnsOf(layout, style.columns)) {}
+          columns(columnsOf(layout, lineWidth(style))) {}
 
     void operator()(Platform::HeaderRow const& row) {
         line(bold(fmt::format("{} {}", Text::neutralized(row.weekday), row.day)));
@@ -72,17 +79,14 @@ public:
     void operator()(Platform::LabelRow const& row) { line(faint(Text::neutralized(row.text))); }
 
     void operator()(Platform::BarRow const& row) {
-        auto const name = Text::neutralized(row.name);
-        auto const room = style.columns
-                              ? std::max(std::min(*style.columns, widestTerminal), barColumns + shortestName)
-                              : std::string::npos;
-        line(bar(row.color) + " " + (style.columns ? cutToColumns(name, room - barColumns) : name));
+        auto const room = std::max(lineWidth(style), barColumns + shortestName) - barColumns;
+        line(bar(row.color) + " " + cutToColumns(shownName(row.name), room));
     }
 
     void operator()(Platform::SpaceRow const&) { line(""); }
 
     void operator()(Platform::CardRow const& row) {
-        auto const name = cutToColumns(Text::neutralized(row.name), columns.name);
+        auto const name = cutToColumns(shownName(row.name), columns.name);
         auto text = bar(row.color) + " " + padded(row.time, columns.time) + padding(gap);
         if (row.duration) {
             auto const lead = columns.duration - Text::terminalWidth(*row.duration);

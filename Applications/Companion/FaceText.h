@@ -11,7 +11,8 @@ namespace Companion {
 /// How a face may be written.
 struct FaceTextStyle {
     bool showsColors;
-    /// Columns that a line may take; longer names are cut. Absent for a pipe or file: nothing is cut there.
+    /// Columns of the terminal; absent for a pipe or file, where a line takes at most 100. Longer names are
+    /// cut.
     std::optional<std::size_t> columns;
 };
 

@@ -77,9 +77,32 @@ TEST(FaceTextTests, aLongNameIsCutToTheTerminal) {
               "Wednesday 11\n\n▌ 09:00 a.m.  A very long name tha…  15m\n");
 }
 
-TEST(FaceTextTests, aLongNameIsWholeInAPipe) {
-    std::string const name(200, 'x');
-    EXPECT_NE(faceText(face({card(name, "09:00 a.m.", "15m")}), plain).find(name), std::string::npos);
+TEST(FaceTextTests, inAPipeALongNameIsCutToAHundredColumns) {
+    auto const layout =
+        face({BarRow{.identifier = "a", .name = std::string(400, 'f'), .color = red},
+              card(std::string(400, 'x'), "09:00 a.m.", "15m"), card("Tea", "10:00 a.m.", "1h 30m")});
+    EXPECT_EQ(faceText(layout, plain), "Wednesday 11\n\n"
+                                       "▌ " +
+                                           std::string(97, 'f') + "…\n▌ 09:00 a.m.  " + std::string(77, 'x') +
+                                           "…     15m\n▌ 10:00 a.m.  Tea" + std::string(75, ' ') +
+                                           "  1h 30m\n");
+}
+
+TEST(FaceTextTests, inAPipeANameThatFitsIsWhole) {
+    std::string const name(86, 'x');
+    EXPECT_EQ(faceText(face({card(name, "09:00 a.m.", std::nullopt)}), plain),
+              "Wednesday 11\n\n▌ 09:00 a.m.  " + name + "\n");
+}
+
+TEST(FaceTextTests, aNameWithoutWidthIsCutAllTheSame) {
+    std::string name = "x";
+    while (name.size() < 1024UL * 1024)
+        name += "\u200B";
+    EXPECT_LT(faceText(face({card(name, "09:00", std::nullopt)}), plain).size(), 1024U);
+    std::string pile = "x";
+    while (pile.size() < 1024UL * 1024)
+        pile += "\u0301";
+    EXPECT_LT(faceText(face({BarRow{.identifier = "a", .name = pile, .color = red}}), plain).size(), 7000U);
 }
 
 TEST(FaceTextTests, aNameIsCutBetweenClusters) {
