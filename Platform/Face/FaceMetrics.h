@@ -47,7 +47,8 @@ inline constexpr double barRowBarWidth = 2;
 inline constexpr double barRowNameGap = 5;
 inline constexpr double barRowFontSize = 10.5;
 inline constexpr double cardBarInset = 3.5;
-inline constexpr double cardPadding = 7; ///< From the last column to the card's edge.
+inline constexpr double barEdgeStroke = 0.5; ///< Around a bar that its surface would hide.
+inline constexpr double cardPadding = 7;     ///< From the last column to the card's edge.
 /// Room for "12h 30m" in most fonts, so that times keep their place from one day to the next.
 inline constexpr double durationColumnWidth = 34;
 inline constexpr double lineFontSize = 11;

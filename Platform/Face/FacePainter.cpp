@@ -46,6 +46,12 @@ FaceRect grown(FaceRect const& rect, double by) {
     return {.x = rect.x - by, .y = rect.y - by, .width = rect.width + 2 * by, .height = rect.height + 2 * by};
 }
 
+// A title may pile up marks that reach over its neighbours.
+void clipTo(cairo_t* context, FaceRect const& rect) {
+    cairo_rectangle(context, rect.x, rect.y, rect.width, rect.height);
+    cairo_clip(context);
+}
+
 void drawChevron(cairo_t* context, PlacedButton const& button, SRGBColor const& color) {
     double const towards = button.pointing == PlacedButton::Pointing::left ? -1 : 1;
     double const tip = button.frame.middleX() + towards * Measures::chevronWidth / 2;
@@ -106,13 +112,22 @@ void drawNoticeMark(cairo_t* context, FaceLayout const& layout, FaceGeometry con
     cairo_stroke(context);
 }
 
+void drawBar(cairo_t* context, FaceRect const& bar, RowColors const& colors) {
+    if (colors.barEdge) {
+        auto const edge = grown(bar, Measures::barEdgeStroke);
+        fillRounded(context, edge, edge.width / 2, *colors.barEdge);
+    }
+    fillRounded(context, bar, bar.width / 2, colors.bar);
+}
+
 /// The colours of a row without a surface of its own are those of the face.
 RowColors colorsOf(PlacedRow const& row, FacePalette const& palette) {
     if (!row.surface) {
         return RowColors{.fill = palette.background,
                          .bar = palette.background,
                          .text = palette.text,
-                         .duration = palette.secondary};
+                         .duration = palette.secondary,
+                         .barEdge = std::nullopt};
     }
     switch (row.surface->kind) {
     case PlacedSurface::Kind::allDayRow: return palette.allDayRow(row.surface->color);
@@ -165,15 +180,18 @@ void FacePainter::paint(cairo_t* context, FaceLayout const& layout, FaceGeometry
         auto const colors = colorsOf(row, palette);
         if (row.surface) {
             fillRounded(context, row.frame, row.surface->radius, colors.fill);
-            fillRounded(context, row.surface->bar, row.surface->bar.width / 2, colors.bar);
+            drawBar(context, row.surface->bar, colors);
             if (row.index < interaction.rows.size())
                 drawRowRing(context, row, interaction.rows[row.index], palette);
         }
         if (row.badge) fillRounded(context, *row.badge, row.badge->width / 2, palette.badge);
+        cairo_save(context);
+        if (row.surface) clipTo(context, row.frame);
         for (auto const& text : row.texts) {
             setColor(context, colorOf(text, layout.rows[row.index], colors, palette));
             measurer.show(context, text);
         }
+        cairo_restore(context);
     }
     if (interaction.hasNotice) drawNoticeMark(context, layout, geometry, palette);
     cairo_restore(context);

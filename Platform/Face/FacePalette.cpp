@@ -11,6 +11,8 @@ using ColorMath::mix;
 constexpr double secondaryShareOfBackground = 0.42;
 constexpr double durationShareOfFill = 0.38;
 constexpr double chevronShareOfText = 0.25;
+constexpr double leastBarContrast = 1.5;
+constexpr double barEdgeContrast = 3.0;
 constexpr double step = 0.01;
 
 /// `from` mixed towards `towards` by `share`, or by as much more as it takes to reach `contrast` on
@@ -36,6 +38,7 @@ RowColors rowColors(SRGBColor const& background, SRGBColor const& text, SRGBColo
             .bar = color,
             .text = text,
             .duration = mix(text, fill, durationShareOfFill),
+            .barEdge = std::nullopt,
         };
     };
     auto isClear = [&](RowColors const& colors) {
@@ -47,6 +50,9 @@ RowColors rowColors(SRGBColor const& background, SRGBColor const& text, SRGBColo
         share = std::max(0.0, share - step);
         colors = at(share);
     }
+    // White on white would tell nobody whose calendar a meet is on.
+    if (contrastRatio(color, colors.fill) < leastBarContrast)
+        colors.barEdge = mixedAtLeast(color, text, 0, colors.fill, barEdgeContrast);
     return colors;
 }
 

@@ -2,6 +2,8 @@
 
 #include "Platform/Face/FaceLayout.h"
 
+#include <optional>
+
 namespace Platform {
 
 /// The colours that one row is drawn in.
@@ -10,6 +12,9 @@ struct RowColors {
     SRGBColor bar;      ///< The meet's own colour, untouched.
     SRGBColor text;     ///< The name; at least 14:1 on `fill` of a card, 7:1 on that of an all-day row.
     SRGBColor duration; ///< At least 5.8:1 on `fill` of a card.
+    /// A line around a bar that is less than 1.5:1 on `fill`; 3:1, since a thin line is drawn paler than it
+    /// is.
+    std::optional<SRGBColor> barEdge = std::nullopt;
 
     bool operator==(RowColors const&) const = default;
 };

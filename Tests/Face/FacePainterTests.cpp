@@ -226,6 +226,50 @@ TEST(FacePainterTests, titlesOfEveryScriptKeepToTheirColumn) {
     }
 }
 
+TEST(FacePainterTests, barInTheColorOfItsFillHasAnEdge) {
+    for (auto const scheme : {ColorScheme::light, ColorScheme::dark}) {
+        auto layout = SampleFaces::blank(large, scheme);
+        auto const same = layout.background;
+        layout.rows.emplace_back(BarRow{.identifier = "a", .name = "Fair", .color = same});
+        layout.rows.emplace_back(SampleFaces::card(layout, "Tea", "09:00 a.m.", "1h", same));
+        auto const canvas = painted(layout);
+        for (auto const index : {1U, 2U}) {
+            auto const bar = painter().place(layout).rows.at(index).surface.value().bar;
+            FaceRect const around{.x = bar.x - 1, .y = bar.middleY(), .width = bar.width + 2, .height = 1};
+            EXPECT_GT(canvas.colorsIn(around), 1U) << index;
+        }
+    }
+}
+
+TEST(FacePainterTests, pilesOfMarksStayInTheirRow) {
+    // Thai tone marks are stacked by every font that has them; of the Latin ones it takes many.
+    std::string pile = "\u0E01";
+    for (int count = 0; count < 40; ++count)
+        pile += "\u0E48";
+    pile += "Z";
+    for (int count = 0; count < 40; ++count)
+        pile += "\u0300\u0316\u033F\u0332\u0352";
+    for (auto const scheme : {ColorScheme::light, ColorScheme::dark}) {
+        auto layout = SampleFaces::blank(large, scheme);
+        layout.rows.emplace_back(BarRow{.identifier = "a", .name = "Fair", .color = rgb(0x2E86AB)});
+        layout.rows.emplace_back(SampleFaces::card(layout, "Before", "09:00 a.m.", "1h", rgb(0xD1495B)));
+        layout.rows.emplace_back(SampleFaces::card(layout, "Z", "09:00 a.m.", "1h", rgb(0xD1495B)));
+        layout.rows.emplace_back(SampleFaces::card(layout, "After", "09:00 a.m.", "1h", rgb(0xD1495B)));
+        auto piled = layout;
+        std::get<CardRow>(piled.rows.at(3)).name = pile;
+        auto const usual = painted(layout, {}, 2);
+        auto const geometry = painter().place(piled);
+        auto const canvas = painted(piled, {}, 2);
+        EXPECT_GT(canvas.colorsIn(geometry.rows.at(3).texts.front().column), 2U);
+        for (auto const index : {1U, 2U, 4U}) {
+            auto const& row = geometry.rows.at(index).frame;
+            for (double y = row.y + 0.25; y < row.bottom(); y += 0.5)
+                for (double x = row.x + 0.25; x < row.right(); x += 0.5)
+                    ASSERT_EQ(canvas.colorAt(x, y), usual.colorAt(x, y)) << index << ": " << x << ", " << y;
+        }
+    }
+}
+
 TEST(FacePainterTests, rightToLeftTitleStaysAtItsPlace) {
     auto layout = SampleFaces::blank(large, ColorScheme::light);
     layout.rows.emplace_back(SampleFaces::card(layout, "פגישה", "09:00 a.m.", "1h", rgb(0xFFFFFF)));

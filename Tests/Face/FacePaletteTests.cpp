@@ -76,6 +76,28 @@ TEST(FacePaletteTests, allDayRowIsReadableInAnyColor) {
     }
 }
 
+TEST(FacePaletteTests, barIsSeenInAnyColor) {
+    for (auto const scheme : schemes) {
+        auto const colors = palette(scheme);
+        forEachColor([&](SRGBColor const& color) {
+            for (auto const& row : {colors.card(color), colors.allDayRow(color)}) {
+                bool const isSeen = contrastRatio(row.bar, row.fill) >= 1.5;
+                EXPECT_EQ(row.barEdge.has_value(), !isSeen) << hexText(color);
+                if (row.barEdge) {
+                    EXPECT_GE(contrastRatio(*row.barEdge, row.fill), 3.0) << hexText(color);
+                }
+            }
+        });
+    }
+    EXPECT_TRUE(palette(ColorScheme::light).card(rgb(0xFFFFFF)).barEdge);
+    EXPECT_TRUE(palette(ColorScheme::dark).card(rgb(0x000000)).barEdge);
+    for (auto const scheme : schemes) {
+        for (auto const color : {0xD1495BU, 0x2E86ABU, 0x8E6CB8U, 0xE4572EU}) {
+            EXPECT_FALSE(palette(scheme).card(rgb(color)).barEdge) << hexText(rgb(color));
+        }
+    }
+}
+
 TEST(FacePaletteTests, textStaysBlackOrWhiteAndTheBarTheCalendarsColor) {
     for (auto const scheme : schemes) {
         auto const colors = palette(scheme);
