@@ -80,7 +80,7 @@ void showDay(Invocation const& invocation, MeetsOfDay const& day, MeetWords cons
         return;
     }
     if (day.meetings.empty()) {
-        invocation.console.writeLine(Texts::noMeetsOn(words.day(day.date)));
+        invocation.console.writeLine(Texts::noMeetsOn(words.dayInSentence(day.date)));
         return;
     }
     invocation.console.writeLine(words.day(day.date));

@@ -68,7 +68,7 @@ std::string MeetWords::rule(EKRecurrenceRule const& rule) const {
     if (!days.empty()) words = Texts::onDays(words, Texts::listed(days));
 
     if (rule.occurrenceCount) words = Texts::timesInAll(words, *rule.occurrenceCount);
-    if (rule.endDate) words = Texts::untilDay(words, day(*rule.endDate));
+    if (rule.endDate) words = Texts::untilDay(words, dayInSentence(*rule.endDate));
     return words;
 }
 

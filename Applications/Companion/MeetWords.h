@@ -19,6 +19,7 @@ public:
 
     /// As Composition::TimeWords says them.
     [[nodiscard]] std::string day(Foundation::Date date) const { return times.day(date); }
+    [[nodiscard]] std::string dayInSentence(Foundation::Date date) const { return times.dayInSentence(date); }
     [[nodiscard]] std::string days(Foundation::Date start, Foundation::Date end) const {
         return times.days(start, end);
     }

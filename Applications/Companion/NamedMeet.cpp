@@ -64,14 +64,15 @@ MeetEntity meetCalled(std::string_view beginning, MeetsOfDay const& day, Invocat
                          [&](MeetEntity const& meet) { return isCalled(meet, *digits); });
     if (candidates.empty()) {
         throw CommandError::refused(
-            Texts::noSuchMeet(beginning, words.day(day.date)),
+            Texts::noSuchMeet(beginning, words.dayInSentence(day.date)),
             Texts::told(Meetings::EventKitMeetRepositoryError::eventNotFound().what()));
     }
     bool const isOne = std::ranges::all_of(
         candidates, [&](MeetEntity const& meet) { return meet.metId == candidates.front().metId; });
     if (!isOne) {
         invocation.console.tell(meetList(candidates, words));
-        throw CommandError::wrongUse(Texts::severalMeets(beginning, candidates.size(), words.day(day.date)));
+        throw CommandError::wrongUse(
+            Texts::severalMeets(beginning, candidates.size(), words.dayInSentence(day.date)));
     }
     return candidates.front();
 }

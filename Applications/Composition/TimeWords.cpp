@@ -17,6 +17,10 @@ Foundation::Date lastOf(Foundation::Date start, Foundation::Date end) {
     return last > start ? last : start;
 }
 
+std::string dateText(Foundation::DateComponents const& day) {
+    return fmt::format("{:04}-{:02}-{:02}", day.year, day.month, day.day);
+}
+
 } // namespace
 
 TimeWords::TimeWords(Foundation::Calendar calendar, Foundation::Locale locale)
@@ -24,9 +28,12 @@ TimeWords::TimeWords(Foundation::Calendar calendar, Foundation::Locale locale)
       locale(std::move(locale)) {}
 
 std::string TimeWords::day(Foundation::Date date) const {
-    auto const parts = calendar.components(date);
     auto const name = Foundation::Text::capitalized(Foundation::weekdayName(date, calendar, locale));
-    return fmt::format("{} {:04}-{:02}-{:02}", name, parts.year, parts.month, parts.day);
+    return name + " " + dateText(calendar.components(date));
+}
+
+std::string TimeWords::dayInSentence(Foundation::Date date) const {
+    return Foundation::weekdayName(date, calendar, locale) + " " + dateText(calendar.components(date));
 }
 
 std::string TimeWords::days(Foundation::Date start, Foundation::Date end) const {

@@ -17,6 +17,9 @@ public:
     /// "Wednesday 2026-03-11"
     [[nodiscard]] std::string day(Foundation::Date date) const;
 
+    /// The same inside a sentence, where many languages write weekdays small.
+    [[nodiscard]] std::string dayInSentence(Foundation::Date date) const;
+
     /// The day, or the first and the last one. `end` is exclusive.
     [[nodiscard]] std::string days(Foundation::Date start, Foundation::Date end) const;
 

@@ -20,6 +20,13 @@ protected:
     MeetWords words{calendar, {.identifier = "en"}};
 };
 
+TEST_F(MeetWordsTests, inASentenceAWeekdayIsWrittenAsTheLanguageDoes) {
+    EXPECT_EQ(words.dayInSentence(at("2026-11-23")), "Monday 2026-11-23");
+    MeetWords const spanish(calendar, {.identifier = "es"});
+    EXPECT_EQ(spanish.dayInSentence(at("2026-11-23")), "lunes 2026-11-23");
+    EXPECT_EQ(spanish.day(at("2026-11-23")), "Lunes 2026-11-23");
+}
+
 TEST_F(MeetWordsTests, timesAreToldWithTheirDays) {
     struct Row {
         char const* start;

@@ -122,6 +122,12 @@ TEST_F(SpanishTextsTests, aYesCountsInSpanishAndInEnglish) {
 TEST_F(SpanishTextsTests, whatOtherPartsSayIsTranslatedWithWhatItQuotes) {
     using Companion::Texts::told;
     EXPECT_EQ(told("/c/a.ics:12: the event has no DTSTART"), "/c/a.ics:12: el evento no tiene DTSTART");
+    EXPECT_EQ(told("/c/a.ics:7: DTSTART \"xx\" is not a date or time of the years 1 to 9999"),
+              "/c/a.ics:7: DTSTART «xx» no es una fecha u hora de los años 1 a 9999");
+    EXPECT_EQ(told("/c/a.ics:7: DURATION \"P\" is not a duration"),
+              "/c/a.ics:7: DURATION «P» no es una duración");
+    EXPECT_EQ(told("/c/a.ics:7: RRULE \"FREQ=X\" cannot be followed: its FREQ is not usable"),
+              "/c/a.ics:7: RRULE «FREQ=X» no se puede seguir: su FREQ no se puede usar");
     EXPECT_EQ(told("/c/a.ics: it could not be read: it is larger than 64 MiB"),
               "/c/a.ics: no se pudo leer: ocupa más de 64 MiB");
     EXPECT_EQ(

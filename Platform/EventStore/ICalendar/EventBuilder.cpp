@@ -13,10 +13,9 @@ namespace {
 EventComponent const emptyEvent{.uid = {}, .hasUID = false, .start = {}};
 
 // A value for a message: short, one line, valid UTF-8.
-std::string quoted(std::string_view value) {
+std::string shortened(std::string_view value) {
     constexpr std::size_t longest = 60;
-    auto text = PropertyValue(value.substr(0, longest)).uri();
-    return '"' + text + (value.size() > longest ? "…\"" : "\"");
+    return PropertyValue(value.substr(0, longest)).uri() + (value.size() > longest ? "…" : "");
 }
 
 bool isSameClock(CalendarTime const& left, CalendarTime const& right) {
@@ -151,8 +150,8 @@ void EventBuilder::readTimes(ContentLine const& content, bool isFolded) {
     }
     auto const is = [&content](std::string_view name) { return equalsIgnoringCase(content.name, name); };
     auto const notATime = [&content](std::string_view text) {
-        return std::string(content.name) + ' ' + quoted(text) +
-               " is not a date or time of the years 1 to 9999";
+        return std::string(content.name) + " \"" + shortened(text) +
+               "\" is not a date or time of the years 1 to 9999";
     };
     // One date of many is no reason to lose the event.
     auto const leaveOutValue = [&](std::string_view text) { leaveOut(notATime(text) + "; it is left out"); };
@@ -162,7 +161,7 @@ void EventBuilder::readTimes(ContentLine const& content, bool isFolded) {
         if (stamp) event.stamp = stamp->localSeconds;
     } else if (is("DURATION")) {
         event.duration = parseDuration(value);
-        if (!event.duration) fail("DURATION " + quoted(value) + " is not a duration");
+        if (!event.duration) fail("DURATION \"" + shortened(value) + "\" is not a duration");
     } else if (is("EXDATE")) {
         forEachValue(value, [&](std::string_view text) {
             auto const time = parseTime(text, parameters);
@@ -205,7 +204,7 @@ void EventBuilder::readRule(ContentLine const& content, bool isFolded) {
     }
     auto rule = parseRule(value);
     if (!rule) {
-        fail(std::string(content.name) + ' ' + quoted(value) + " cannot be followed: " + rule.error());
+        fail(std::string(content.name) + " \"" + shortened(value) + "\" cannot be followed: " + rule.error());
         return;
     }
     auto& rules = equalsIgnoringCase(content.name, "RRULE") ? event.rules : event.exceptionRules;
