@@ -3,11 +3,15 @@
 #include "Applications/Companion/Doctor/Examinations.h"
 #include "Applications/Companion/DoctorTexts.h"
 #include "Applications/Companion/PlainJSON.h"
+#include "Applications/Companion/ShellWord.h"
 #include "Applications/Companion/Support.h"
 #include "Applications/Companion/Texts.h"
 #include "Platform/EventStore/Folder/CalendarStorePlaces.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <system_error>
+#include <unistd.h>
 
 namespace Companion {
 
@@ -18,6 +22,16 @@ using Doctor::Health;
 
 namespace {
 
+void examineHome(std::filesystem::path const& folder, Findings& findings) {
+    auto const shown = shownPath(folder);
+    if (::access(folder.c_str(), R_OK | W_OK | X_OK) == 0 || errno == ENOENT)
+        findings.works("home", Texts::homeIsKnown(shown));
+    else
+        findings.broken("home",
+                        Texts::homeIsClosed(shown, std::error_code(errno, std::generic_category()).message()),
+                        Texts::makeWritableCommand(shellWord(folder.string())));
+}
+
 Findings examined(Foundation::Environment const& environment) {
     auto const problems = std::make_shared<Doctor::CalendarProblems>();
     Composition::LiveServices services(environment, {.fixedMoment = std::nullopt,
@@ -25,7 +39,7 @@ Findings examined(Foundation::Environment const& environment) {
                                                      .logSink = problems});
     Findings findings;
     if (auto const places = services.calendarPlaces()) {
-        findings.works("home", Texts::homeIsKnown(shownPath(places->configurationDirectory)));
+        examineHome(places->configurationDirectory, findings);
         examineRegistry(services, findings);
         examineCalendars(services, *problems, findings);
         examineSharedFolder(services, findings);

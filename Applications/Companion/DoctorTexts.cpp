@@ -29,6 +29,10 @@ std::string homeIsKnown(std::string_view configuration) {
     return text("doctor-home-is-known", configuration);
 }
 
+std::string homeIsClosed(std::string_view path, std::string_view reason) {
+    return text("doctor-home-is-closed", path, told(reason));
+}
+
 std::string mendHome() {
     return text("doctor-mend-home");
 }
@@ -176,6 +180,10 @@ std::string accessOfNoUse() {
 
 std::string ownCalendarIsMissing(std::string_view reason) {
     return text("doctor-own-calendar-is-missing", told(reason));
+}
+
+std::string whoseFolderCommand(std::string_view folder) {
+    return text("doctor-whose-folder-command", folder);
 }
 
 std::string sourceIsRead(std::string_view title, std::string_view path) {
@@ -408,6 +416,10 @@ std::string removeCopiesCommand(std::string_view files) {
 
 std::string removeKeyFileCommand(std::string_view file) {
     return fmt::format("rm {} && {}", file, setupCommand());
+}
+
+std::string openFolderCommand(std::string_view folder) {
+    return fmt::format("chmod u+rx {}", folder);
 }
 
 std::string moveAwayCommand(std::string_view file) {

@@ -16,6 +16,7 @@ std::string doctorMend(std::string_view mend);
 std::string doctorIsContent();
 std::string doctorFound(std::size_t count);
 std::string homeIsKnown(std::string_view configuration);
+std::string homeIsClosed(std::string_view path, std::string_view reason);
 std::string mendHome();
 
 // Keychain.
@@ -62,6 +63,8 @@ std::string mirrorCannotBeRead(std::string_view path, std::string_view reason);
 std::string accessRecordIsDamaged(std::string_view path);
 std::string accessOfNoUse();
 std::string ownCalendarIsMissing(std::string_view reason);
+std::string openFolderCommand(std::string_view folder);
+std::string whoseFolderCommand(std::string_view folder);
 std::string sourceIsRead(std::string_view title, std::string_view path);
 std::string eventsAreRead(std::size_t count);
 std::string eventsAreSkipped(std::size_t count, std::string_view first);

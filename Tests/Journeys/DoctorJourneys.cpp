@@ -333,6 +333,35 @@ TEST_F(DoctorJourneys, calendarsThatNobodyMayOpenAreNamed) {
     EXPECT_THAT(sick.worst("sources").text, HasSubstr("Permission denied"));
 }
 
+TEST_F(DoctorJourneys, aCalendarsFolderThatMayNotBeReadIsNamed) {
+    if (!canGiveUpOverride()) GTEST_SKIP() << "here root cannot give up its power to read everything";
+    auto const folder = home.calendars() / "home";
+    fs::permissions(folder, fs::perms::none);
+    auto const run = home.quilloraWithoutOverride({"doctor", "--json"});
+    fs::permissions(folder, fs::perms::owner_all);
+    auto const sick = DoctorReport::from(run);
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_THAT(sick.broken(), ElementsAre("sources"));
+    EXPECT_EQ(sick.worst("sources").text,
+              "the folder " + folder.string() + " cannot be read: Permission denied");
+    EXPECT_EQ(sick.worst("sources").mend, "chmod u+rx " + folder.string());
+    EXPECT_THAT(report().broken(), IsEmpty());
+}
+
+TEST_F(DoctorJourneys, settingsThatMayNotBeReadAreNamedWithTheirFolder) {
+    if (!canGiveUpOverride()) GTEST_SKIP() << "here root cannot give up its power to read everything";
+    for (auto const& [folder, check] :
+         {std::pair{home.configuration(), "home"}, {home.container(), "mirror"}}) {
+        SCOPED_TRACE(check);
+        fs::permissions(folder, fs::perms::none);
+        auto const sick = DoctorReport::from(home.quilloraWithoutOverride({"doctor", "--json"}));
+        fs::permissions(folder, fs::perms::owner_all);
+        EXPECT_THAT(sick.worst(check).text, HasSubstr("Permission denied"));
+        EXPECT_EQ(sick.worst(check).mend, "chmod u+rwx " + folder.string());
+    }
+    EXPECT_THAT(report().broken(), IsEmpty());
+}
+
 TEST_F(DoctorJourneys, aSourceThatIsGoneIsNamed) {
     fs::rename(home.calendars(), home.folder() / "elsewhere");
     auto const sick = report();

@@ -8,6 +8,9 @@
 #include "Platform/Clock/Clock.h"
 #include "Platform/EventStore/EKEventStore.h"
 #include "Platform/EventStore/Folder/CalendarStorePlaces.h"
+#include "Platform/EventStore/Folder/RefusedFolder.h"
+
+#include <algorithm>
 
 namespace Companion::Doctor {
 
@@ -43,6 +46,52 @@ void examineOwnCalendar(std::filesystem::path const& folder, Findings& findings)
         findings.broken("sources", Texts::ownCalendarIsMissing(*reason), Texts::setupCommand());
 }
 
+// Why the file system refuses to open `folder`, which is `source` or lies in it; absent when it does not.
+std::optional<Platform::RefusedFolder> refusalOf(std::filesystem::path const& folder,
+                                                 Platform::CalendarRoot const& source,
+                                                 Platform::CalendarStorePlaces const& places) {
+    auto asked = source;
+    asked.path = folder;
+    auto const refused = Platform::refusedFolders(places, {asked});
+    auto const found = std::ranges::find(refused, folder, &Platform::RefusedFolder::folder);
+    return found == refused.end() ? std::nullopt : std::optional(*found);
+}
+
+void reportRefusal(Platform::RefusedFolder const& refused, Findings& findings) {
+    auto const word = shellWord(refused.closed.string());
+    auto const reason = std::make_error_code(std::errc::permission_denied).message();
+    findings.broken("sources", Texts::unreadableFolder(shownPath(refused.folder), reason),
+                    refused.isClosedByOther ? Texts::whoseFolderCommand(word)
+                                            : Texts::openFolderCommand(word));
+}
+
+// The folders in a source that the store reads as calendars. Whether all of them may be read.
+bool examineCalendarFolders(Platform::CalendarRoot const& source, Platform::CalendarStorePlaces const& places,
+                            Findings& findings) {
+    bool areOpen = true;
+    std::error_code error;
+    std::filesystem::directory_iterator entry(source.path, error);
+    for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
+        std::error_code unknown;
+        if (entry->path().filename().string().starts_with('.') || !entry->is_directory(unknown)) continue;
+        auto const refused = refusalOf(entry->path(), source, places);
+        if (!refused) continue;
+        areOpen = false;
+        reportRefusal(*refused, findings);
+    }
+    return areOpen;
+}
+
+void examineSource(Platform::CalendarRoot const& source, Platform::CalendarStorePlaces const& places,
+                   Findings& findings) {
+    if (auto const refused = refusalOf(source.path, source, places))
+        reportRefusal(*refused, findings);
+    else if (auto const reason = whyNotAFolder(source.path))
+        findings.broken("sources", *reason, Texts::removeSourceCommand(shellWord(source.id)));
+    else if (examineCalendarFolders(source, places, findings))
+        findings.works("sources", Texts::sourceIsRead(source.title, shownPath(source.path)));
+}
+
 void examineSources(Composition::LiveServices& services, Findings& findings) {
     examineOwnCalendar(services.calendarPlaces()->nativeCalendar, findings);
     auto const configuration = services.calendarConfiguration();
@@ -55,12 +104,8 @@ void examineSources(Composition::LiveServices& services, Findings& findings) {
     } else if (content.roots.empty()) {
         findings.note("sources", Texts::noSources(), Texts::addSourceCommand());
     }
-    for (auto const& root : content.roots) {
-        if (auto const reason = whyNotAFolder(root.path))
-            findings.broken("sources", *reason, Texts::removeSourceCommand(shellWord(root.id)));
-        else
-            findings.works("sources", Texts::sourceIsRead(root.title, shownPath(root.path)));
-    }
+    for (auto const& root : content.roots)
+        examineSource(root, *services.calendarPlaces(), findings);
 }
 
 void examineContent(Composition::LiveServices& services, CalendarProblems const& problems,

@@ -237,15 +237,23 @@ private:
         }
     }
 
+    [[nodiscard]] std::string mendOfUnreadableMirror(std::filesystem::path const& file,
+                                                     std::error_code reason) {
+        auto const word = shellWord(file.string());
+        if (reason != std::errc::permission_denied)
+            return Texts::moveAwayCommand(word) + " && " + rewriteMirrorCommand();
+        auto const folder = file.parent_path();
+        bool const isFolderOpen = ::access(folder.c_str(), X_OK) == 0;
+        return isFolderOpen ? Texts::makeUsableCommand(word)
+                            : Texts::makeWritableCommand(shellWord(folder.string()));
+    }
+
     void examineMirror() {
         auto const file = Platform::appGroupFile(*services.files(), mirrorGroup, mirrorName);
         auto const content = services.files()->contents(file, Platform::largestPreferenceFile);
         if (!content && content.error() != std::errc::no_such_file_or_directory) {
-            auto const word = shellWord(file.string());
             findings.broken("mirror", Texts::mirrorCannotBeRead(shownPath(file), content.error().message()),
-                            content.error() == std::errc::permission_denied
-                                ? Texts::makeUsableCommand(word)
-                                : Texts::moveAwayCommand(word) + " && " + rewriteMirrorCommand());
+                            mendOfUnreadableMirror(file, content.error()));
             return;
         }
         auto const mirror = EnabledCalendarAccountsStore::load(*services.files());
