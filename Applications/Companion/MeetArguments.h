@@ -52,6 +52,9 @@ struct MeetArguments {
     /// Whether anything is to be written that a meet's own use cases leave alone.
     [[nodiscard]] bool goesBeyondAMeet() const;
     [[nodiscard]] bool isEmpty() const;
+
+    /// Whether it is said how long the meet lasts, or when it ends.
+    [[nodiscard]] bool givesALength() const { return end || minutes; }
 };
 
 /// Reads the options that the command has. Throws CommandError with ExitCode::wrongUse.

@@ -3,8 +3,10 @@
 #include "Applications/Companion/CommandError.h"
 #include "Applications/Companion/MeetJSON.h"
 #include "Applications/Companion/MeetTexts.h"
+#include "Applications/Companion/NamedMeet.h"
 #include "Applications/Companion/PlainJSON.h"
 #include "Applications/Companion/Texts.h"
+#include "Foundation/Task.h"
 #include "Meetings/EventKit/EventKitMeetMapper.h"
 #include "Meetings/EventKit/EventKitMeetRepositoryError.h"
 #include "Meetings/EventKit/EventKitMeetRepositoryImpl.h"
@@ -51,6 +53,19 @@ void changing(std::string const& whatWasNotDone, std::function<void()> const& ch
     } catch (Platform::EKError const& error) {
         throw CommandError::refused(whatWasNotDone, Texts::told(error.what()));
     }
+}
+
+void requireReadiness(MeetEntity const& meet, Composition::LiveServices& services) {
+    using Meetings::EventKitMeetRepositoryError;
+    using Platform::EKAuthorizationStatus;
+    auto const store = services.eventKitStore();
+    auto const status = store->authorizationStatus();
+    bool isAllowed = status == EKAuthorizationStatus::fullAccess;
+    if (status == EKAuthorizationStatus::notDetermined)
+        isAllowed = Foundation::runTask(store->requestFullAccessToEvents());
+    if (!isAllowed) throw EventKitMeetRepositoryError::accessDenied();
+    if (!eventBehind(meet, *store, services.region()->currentCalendar()))
+        throw EventKitMeetRepositoryError::eventNotFound();
 }
 
 void confirm(Invocation const& invocation, std::string const& plan) {

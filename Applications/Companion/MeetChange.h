@@ -26,6 +26,11 @@ Meetings::MeetEntity meetOf(Platform::EKEvent const& event, Composition::LiveSer
 /// was not done, and then their own message.
 void changing(std::string const& whatWasNotDone, std::function<void()> const& change);
 
+/// What the use cases look at before a change, for one that goes to the store past them: that the calendars
+/// may be read, asking where nobody has decided, and that the meet is still there. Throws
+/// EventKitMeetRepositoryError.
+void requireReadiness(Meetings::MeetEntity const& meet, Composition::LiveServices& services);
+
 /// Says what is going to happen and goes on only with a yes; with `--yes` at once. `plan` is harmless, whole
 /// lines. Throws CommandError with ExitCode::failed after a no, and where nobody can be asked.
 void confirm(Invocation const& invocation, std::string const& plan);

@@ -28,17 +28,14 @@ std::string planOf(MeetEntity const& meet, EKEvent const& event, ChangeReach rea
 
 void carryOut(MeetEntity const& meet, EKEvent const& event, ChangeReach reach,
               Composition::LiveServices& services) {
-    switch (reach) {
-    case ChangeReach::asTheUseCaseDoes:
+    if (reach == ChangeReach::asTheUseCaseDoes) {
         Foundation::runTask(meetingsApplication(services).deleteMeet(meet));
         return;
-    case ChangeReach::thisOccurrence:
-        services.eventKitStore()->remove(event, Platform::EKSpan::thisEvent);
-        return;
-    case ChangeReach::fromThisOneOn:
-        services.eventKitStore()->remove(event, Platform::EKSpan::futureEvents);
-        return;
     }
+    requireReadiness(meet, services);
+    services.eventKitStore()->remove(event, reach == ChangeReach::fromThisOneOn
+                                                ? Platform::EKSpan::futureEvents
+                                                : Platform::EKSpan::thisEvent);
 }
 
 ExitCode run(Invocation const& invocation) {

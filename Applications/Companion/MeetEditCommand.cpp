@@ -1,4 +1,5 @@
 #include "Applications/Companion/Commands.h"
+#include "Applications/Companion/LaterMeets.h"
 #include "Applications/Companion/MeetArguments.h"
 #include "Applications/Companion/MeetChange.h"
 #include "Applications/Companion/MeetTexts.h"
@@ -27,9 +28,18 @@ struct Edit {
     ChangeReach reach;
     MeetEntity before;
     MeetEntity after;
-    EKEvent event;                              ///< The store's record of the meet as it is.
+    EKEvent event;   ///< The store's record of the meet as it is.
+    EKEvent changed; ///< The same as it will be.
+    /// An occurrence that goes along, where the meet was changed by itself and so says nothing of them.
+    std::optional<EKEvent> later;
     std::optional<Platform::EKCalendar> target; ///< The calendar that it goes to, if it does.
 
+    [[nodiscard]] bool changesNothing() const {
+        return !target && changed.title == event.title && changed.notes == event.notes &&
+               changed.location == event.location && changed.url == event.url &&
+               changed.startDate == event.startDate && changed.endDate == event.endDate &&
+               changed.recurrenceRules == event.recurrenceRules;
+    }
     [[nodiscard]] bool isOfASeries() const { return event.occurrenceKey.has_value(); }
     [[nodiscard]] bool movesSeries() const { return target && isOfASeries(); }
 };
@@ -67,7 +77,10 @@ void check(Edit const& edit, Meetings::EventKitStoring& store, Foundation::Calen
     if (edit.movesSeries() && isMoreThanAMove) throw CommandError::wrongUse(Texts::seriesMovesAlone());
     if (edit.reach == ChangeReach::asTheUseCaseDoes && !findsTheMeet(edit, store, calendar))
         throw CommandError::wrongUse(Texts::movedTooFar());
-    changing(Texts::meetNotChanged(edit.before.metName), [&] { Meetings::MeetDomain::validate(edit.after); });
+    auto validated = edit.after;
+    // A meet may last no time in its calendar; only a length that is typed must be one.
+    if (!edit.arguments.givesALength()) validated.metDuration = std::max(validated.metDuration, 1.0);
+    changing(Texts::meetNotChanged(edit.before.metName), [&] { Meetings::MeetDomain::validate(validated); });
 }
 
 std::string headingOf(Edit const& edit, MeetWords const& words) {
@@ -78,31 +91,47 @@ std::string headingOf(Edit const& edit, MeetWords const& words) {
     return Texts::changesOccurrence(meet.metName, words.when(meet));
 }
 
-std::string planOf(Edit const& edit, MeetWords const& words, Foundation::Calendar const& calendar) {
+// One line for each thing that an event and what becomes of it tell differently.
+std::string differences(EKEvent const& before, EKEvent const& after, MeetWords const& words) {
     std::vector<std::vector<std::string>> rows;
-    auto const add = [&](std::string const& label, std::string const& before, std::string const& after) {
-        if (before != after) rows.push_back({label, Texts::shortened(before), "→", Texts::shortened(after)});
+    auto const add = [&](std::string const& label, std::string const& from, std::string const& to) {
+        if (from != to) rows.push_back({label, Texts::shortened(from), "→", Texts::shortened(to)});
     };
-    EKEvent after = edit.event;
-    writeFields(edit.arguments, after, calendar);
-    add(Texts::titleLabel(), edit.before.metName, edit.after.metName);
-    if (edit.target) {
-        add(Texts::calendarLabel(),
-            Texts::calendarNamed(edit.before.metCalendarName, edit.before.metCalendarIdentifier),
-            Texts::calendarNamed(edit.target->title, edit.target->calendarIdentifier));
-    }
-    add(Texts::whenLabel(), words.when(edit.before), words.when(edit.after));
-    add(Texts::descriptionLabel(), edit.before.metDescription, edit.after.metDescription);
-    add(Texts::placeLabel(), edit.event.location.value_or(""), after.location.value_or(""));
-    add(Texts::linkLabel(), edit.event.url.value_or(Foundation::URL{}).absoluteString,
-        after.url.value_or(Foundation::URL{}).absoluteString);
-    add(Texts::repeatsLabel(), words.repetition(edit.event.recurrenceRules),
+    auto const link = [](EKEvent const& event) {
+        return event.url.value_or(Foundation::URL{}).absoluteString;
+    };
+    auto const when = [&](EKEvent const& event) {
+        return words.when(*event.startDate, *event.endDate, event.isAllDay);
+    };
+    auto const calendar = [](EKEvent const& event) {
+        return Texts::calendarNamed(event.calendar->title, event.calendar->calendarIdentifier);
+    };
+    add(Texts::titleLabel(), before.title.value_or(""), after.title.value_or(""));
+    add(Texts::calendarLabel(), calendar(before), calendar(after));
+    add(Texts::whenLabel(), when(before), when(after));
+    add(Texts::descriptionLabel(), before.notes.value_or(""), after.notes.value_or(""));
+    add(Texts::placeLabel(), before.location.value_or(""), after.location.value_or(""));
+    add(Texts::linkLabel(), link(before), link(after));
+    add(Texts::repeatsLabel(), words.repetition(before.recurrenceRules),
         words.repetition(after.recurrenceRules));
-    return headingOf(edit, words) + "\n" + alignedColumns(rows, "  ");
+    return alignedColumns(rows, "  ");
+}
+
+std::string planOf(Edit const& edit, MeetWords const& words) {
+    auto plan = headingOf(edit, words) + "\n";
+    if (!edit.later) return plan + differences(edit.event, edit.changed, words);
+    // How the series repeats is told of the later ones: this one bears no rule.
+    auto changed = edit.changed;
+    changed.recurrenceRules = edit.event.recurrenceRules;
+    plan += differences(edit.event, changed, words);
+    auto const ofLaterOnes = differences(*edit.later, followed(*edit.later, edit.event, edit.changed), words);
+    if (ofLaterOnes.empty()) return plan;
+    return plan + Texts::changesLaterOnes() + "\n" + ofLaterOnes;
 }
 
 // The meet as it is after its series has gone to the other calendar.
 MeetEntity moveSeries(Edit const& edit, Composition::LiveServices& services) {
+    requireReadiness(edit.before, services);
     auto const store = services.eventKitStore();
     auto first = store->eventWithIdentifier(edit.before.metOriginalIdentifier).value_or(edit.event);
     first.calendar = std::make_shared<Platform::EKCalendar const>(*edit.target);
@@ -120,11 +149,8 @@ MeetEntity carryOut(Edit const& edit, Composition::LiveServices& services) {
     if (edit.movesSeries()) return moveSeries(edit, services);
     if (edit.reach == ChangeReach::asTheUseCaseDoes)
         return Foundation::runTask(meetingsApplication(services).editMeet(edit.after));
-    EKEvent event = edit.event;
-    event.startDate = edit.after.metDate;
-    event.endDate = endOf(edit.after);
-    writeFields(edit.arguments, event, services.region()->currentCalendar());
-    if (edit.target) event.calendar = std::make_shared<Platform::EKCalendar const>(*edit.target);
+    requireReadiness(edit.before, services);
+    EKEvent event = edit.changed;
     services.eventKitStore()->save(event, edit.reach == ChangeReach::fromThisOneOn
                                               ? Platform::EKSpan::futureEvents
                                               : Platform::EKSpan::thisEvent);
@@ -160,14 +186,25 @@ Edit editOf(Invocation const& invocation, Composition::LiveServices& services, M
     if (arguments.isEmpty() && !target)
         throw CommandError::wrongUse(Texts::inThatCalendarAlready(meet.metName));
     auto reach = reachOf(invocation.values);
-    // What the use case would leave unwritten, the store writes to the same one occurrence.
-    bool const goesBeyond = arguments.goesBeyondAMeet() || (target && !event->occurrenceKey);
+    // What the use case would leave unwritten or refuse, the store writes to the same one occurrence.
+    bool const lastsNoTime = meet.metDuration == 0 && !arguments.givesALength();
+    bool const goesBeyond = arguments.goesBeyondAMeet() || lastsNoTime || (target && !event->occurrenceKey);
     if (reach == ChangeReach::asTheUseCaseDoes && goesBeyond) reach = ChangeReach::thisOccurrence;
+    auto changed = *event;
+    changed.startDate = after.metDate;
+    changed.endDate = endOf(after);
+    if (target) changed.calendar = std::make_shared<Platform::EKCalendar const>(*target);
+    writeFields(arguments, changed, calendar);
+    std::optional<EKEvent> later;
+    if (reach == ChangeReach::fromThisOneOn)
+        later = unchangedOccurrence(*event, *services.eventKitStore(), calendar);
     return {.arguments = std::move(arguments),
             .reach = reach,
             .before = meet,
             .after = std::move(after),
             .event = *std::move(event),
+            .changed = std::move(changed),
+            .later = std::move(later),
             .target = std::move(target)};
 }
 
@@ -177,7 +214,11 @@ ExitCode run(Invocation const& invocation) {
     auto const calendar = services->region()->currentCalendar();
     auto const edit = editOf(invocation, *services, words);
     check(edit, *services->eventKitStore(), calendar);
-    confirm(invocation, planOf(edit, words, calendar));
+    if (edit.changesNothing()) {
+        finishChange(invocation, *services, edit.before, Texts::meetIsSoAlready(edit.before.metName));
+        return ExitCode::done;
+    }
+    confirm(invocation, planOf(edit, words));
 
     std::optional<MeetEntity> stored;
     changing(Texts::meetNotChanged(edit.before.metName), [&] { stored = carryOut(edit, *services); });

@@ -220,6 +220,10 @@ std::string movesSeries(std::string_view name) {
     return text("moves-series", quoted(name));
 }
 
+std::string changesLaterOnes() {
+    return text("changes-later-ones");
+}
+
 std::string deletesMeet(std::string_view name, std::string_view when, std::string_view calendar) {
     return text("deletes-meet", quoted(name), when, quoted(calendar));
 }
@@ -259,6 +263,10 @@ std::string meetNotAdded() {
 
 std::string meetChanged(std::string_view name, std::string_view when, std::string_view id) {
     return text("meet-changed", quoted(name), when, id);
+}
+
+std::string meetIsSoAlready(std::string_view name) {
+    return text("meet-is-so-already", quoted(name));
 }
 
 std::string meetNotChanged(std::string_view name) {

@@ -66,6 +66,7 @@ std::string changesMeet(std::string_view name, std::string_view when);
 std::string changesOccurrence(std::string_view name, std::string_view when);
 std::string changesFuture(std::string_view name, std::string_view when);
 std::string movesSeries(std::string_view name);
+std::string changesLaterOnes();
 std::string deletesMeet(std::string_view name, std::string_view when, std::string_view calendar);
 std::string deletesOccurrence(std::string_view name, std::string_view when, std::string_view calendar);
 std::string deletesFuture(std::string_view name, std::string_view when, std::string_view calendar);
@@ -79,6 +80,7 @@ std::string meetAdded(std::string_view name, std::string_view when, std::string_
                       std::string_view id);
 std::string meetNotAdded();
 std::string meetChanged(std::string_view name, std::string_view when, std::string_view id);
+std::string meetIsSoAlready(std::string_view name);
 std::string meetNotChanged(std::string_view name);
 std::string meetDeleted(std::string_view name);
 std::string meetNotDeleted(std::string_view name);

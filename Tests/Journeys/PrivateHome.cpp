@@ -49,13 +49,14 @@ ProgramResult PrivateHome::quillora(std::vector<std::string> words, ProgramRun::
 }
 
 ProgramResult PrivateHome::quilloraAsked(std::vector<std::string> words, std::string question,
-                                         std::string input) const {
+                                         std::string input, std::function<void()> meanwhile) const {
     return run({.path = QUILLORA_BUILD_DIR "/bin/quillora",
                 .arguments = std::move(words),
                 .environment = environment,
                 .directory = root.string(),
                 .input = std::move(input),
                 .inputAfter = std::move(question),
+                .beforeInput = std::move(meanwhile),
                 .output = ProgramRun::Output::terminal});
 }
 

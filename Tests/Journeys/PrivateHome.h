@@ -5,6 +5,7 @@
 #include "Foundation/JSON.h"
 
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <string>
 #include <string_view>
@@ -25,9 +26,9 @@ public:
     /// The same, with more said about how.
     [[nodiscard]] ProgramResult quillora(std::vector<std::string> words, ProgramRun::Output output,
                                          std::string input = {}) const;
-    /// On a terminal, where it is given the input once it has asked `question`.
+    /// On a terminal, where it is given the input once it has asked `question` and `meanwhile` is done.
     [[nodiscard]] ProgramResult quilloraAsked(std::vector<std::string> words, std::string question,
-                                              std::string input) const;
+                                              std::string input, std::function<void()> meanwhile = {}) const;
     [[nodiscard]] ProgramResult quilloraWithoutOverride(std::vector<std::string> words) const;
 
     /// Runs it, expects exit code 0 and yields its output.

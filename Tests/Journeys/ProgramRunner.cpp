@@ -173,6 +173,7 @@ ProgramResult run(ProgramRun const& program) {
     auto const deadline = std::chrono::steady_clock::now() + program.patience;
     Gathering gathering(program.output == ProgramRun::Output::readerGone ? -1 : output.ours, errors.ours);
     if (!program.inputAfter.empty()) gathering.run(deadline, program.inputAfter);
+    if (program.beforeInput) program.beforeInput();
     auto commandLine = commandLineOf(child);
     writeInput(input.ours, program.input);
     if (!isTerminal) ::close(input.ours);

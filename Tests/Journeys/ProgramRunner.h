@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -39,6 +40,7 @@ struct ProgramRun {
     /// What the program must have written before it is given the input; a terminal takes Ctrl-C and the like
     /// only from then on. Empty: at once.
     std::string inputAfter = {};
+    std::function<void()> beforeInput = {}; ///< What others do while the program waits for its input.
     Output output = Output::captured;
     Rights rights = Rights::usual;
     std::chrono::seconds patience{60};
