@@ -182,6 +182,11 @@ local_days dayOf(std::string_view option, TypedTime const& time) {
     return *day;
 }
 
+// What lies beyond them has no day and no time to be told by.
+void requireWithinTheYears(Date end, Calendar const& calendar) {
+    if (!calendar.dateByAddingMinutes(0, end)) throw CommandError::wrongUse(Texts::endsBeyondTheYears());
+}
+
 // The end typed as a time or a length; absent when neither was.
 std::optional<Date> typedEnd(MeetArguments const& arguments, Date start, Calendar const& calendar) {
     if (arguments.end) return instantOf("--end", *arguments.end, calendar.day(start), calendar);
@@ -212,6 +217,8 @@ MeetTimes changedDays(MeetArguments const& arguments, Meetings::MeetEntity const
     auto const first = arguments.start ? dayOf("--start", *arguments.start) : formerFirst;
     auto const end = arguments.end ? dayOf("--end", *arguments.end) + std::chrono::days(1)
                                    : first + (formerEnd - formerFirst);
+    // The end is the day after the last one, and may be the first that lies beyond.
+    requireWithinTheYears(calendar.startOfDay(end - std::chrono::days(1)), calendar);
     return {.start = calendar.startOfDay(first), .end = calendar.startOfDay(end)};
 }
 
@@ -288,8 +295,10 @@ MeetTimes changedTimes(MeetArguments const& arguments, Meetings::MeetEntity cons
     auto const start = arguments.start ? instantOf("--start", *arguments.start,
                                                    dayOnTheClocks(meet.metDate, calendar), calendar)
                                        : meet.metDate;
-    auto const end = typedEnd(arguments, start, calendar);
-    return {.start = start, .end = end.value_or(start.addingTimeInterval(meet.metDuration))};
+    if (auto const end = typedEnd(arguments, start, calendar)) return {.start = start, .end = *end};
+    auto const end = start.addingTimeInterval(meet.metDuration);
+    requireWithinTheYears(end, calendar);
+    return {.start = start, .end = end};
 }
 
 void checkLastDay(MeetArguments const& arguments, Date start, Calendar const& calendar) {

@@ -75,6 +75,7 @@ MeetTimes newTimes(MeetArguments const& arguments, std::chrono::local_days day,
                    Foundation::Calendar const& calendar);
 
 /// The times of a meet that is changed: what is not given stays, and with a new start alone its length does.
+/// Throws as above, also for times outside the years 1 to 9999.
 MeetTimes changedTimes(MeetArguments const& arguments, Meetings::MeetEntity const& meet,
                        Foundation::Calendar const& calendar);
 

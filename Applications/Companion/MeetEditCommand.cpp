@@ -117,14 +117,17 @@ std::string differences(EKEvent const& before, EKEvent const& after, MeetWords c
     return alignedColumns(rows, "  ");
 }
 
-std::string planOf(Edit const& edit, MeetWords const& words) {
+std::string planOf(Edit const& edit, MeetWords const& words, Foundation::Calendar const& calendar) {
     auto plan = headingOf(edit, words) + "\n";
     if (!edit.later) return plan + differences(edit.event, edit.changed, words);
     // How the series repeats is told of the later ones: this one bears no rule.
     auto changed = edit.changed;
     changed.recurrenceRules = edit.event.recurrenceRules;
     plan += differences(edit.event, changed, words);
-    auto const ofLaterOnes = differences(*edit.later, followed(*edit.later, edit.event, edit.changed), words);
+    auto const later = followed(*edit.later, edit.event, edit.changed);
+    // Past the last year there is nothing to tell of them.
+    if (!calendar.dateByAddingMinutes(0, *later.endDate)) return plan;
+    auto const ofLaterOnes = differences(*edit.later, later, words);
     if (ofLaterOnes.empty()) return plan;
     return plan + Texts::changesLaterOnes() + "\n" + ofLaterOnes;
 }
@@ -218,7 +221,7 @@ ExitCode run(Invocation const& invocation) {
         finishChange(invocation, *services, edit.before, Texts::meetIsSoAlready(edit.before.metName));
         return ExitCode::done;
     }
-    confirm(invocation, planOf(edit, words));
+    confirm(invocation, planOf(edit, words, calendar));
 
     std::optional<MeetEntity> stored;
     changing(Texts::meetNotChanged(edit.before.metName), [&] { stored = carryOut(edit, *services); });

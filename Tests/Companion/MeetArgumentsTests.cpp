@@ -1,3 +1,4 @@
+#include "Applications/Companion/CommandError.h"
 #include "Applications/Companion/MeetArguments.h"
 #include "Foundation/DateFormatting.h"
 
@@ -91,6 +92,23 @@ TEST_F(MeetArgumentsTests, movedDaysStayAsManyAcrossAChangeOfClocks) {
     auto const fair = meet("2026-03-26", "2026-03-28", true);
     expectTimes(changedTimes(read({{"--start", "2026-03-28"}}), fair, calendar), "2026-03-28", "2026-03-30");
     expectTimes(changedTimes(read({{"--end", "2026-03-29"}}), fair, calendar), "2026-03-26", "2026-03-30");
+}
+
+TEST_F(MeetArgumentsTests, whatLeavesTheCalendarsYearsIsWrongUse) {
+    auto const tea = meet("2026-03-11T09:00", "2026-03-11T10:00", false);
+    auto const fair = meet("2026-03-11", "2026-03-15", true);
+    for (auto const& options :
+         std::vector<Options>{{{"--start", "9999-12-31T23:00"}},
+                              {{"--start", "9999-12-31T23:00-12:00"}},
+                              {{"--end", "9999-12-31T23:00-12:00"}},
+                              {{"--start", "9999-12-31T22:59"}, {"--duration", "2h"}}}) {
+        EXPECT_THROW(static_cast<void>(changedTimes(read(options), tea, calendar)), CommandError);
+    }
+    EXPECT_THROW(static_cast<void>(timesOf({{"--start", "9999-12-31T23:30"}})), CommandError);
+    EXPECT_THROW(static_cast<void>(changedTimes(read({{"--start", "9999-12-29"}}), fair, calendar)),
+                 CommandError);
+    expectTimes(changedTimes(read({{"--start", "9999-12-31T22:59"}}), tea, calendar), "9999-12-31T22:59",
+                "9999-12-31T23:59");
 }
 
 TEST_F(MeetArgumentsTests, aRepetitionIsReadWhole) {
