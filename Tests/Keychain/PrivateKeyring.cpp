@@ -60,6 +60,16 @@ PrivateKeyring::~PrivateKeyring() {
 }
 
 void PrivateKeyring::start(Login login) {
+    // Now and then the daemon takes its name and then never answers; another one does.
+    for (int attempt = 0; attempt < 3; ++attempt) {
+        spawn(login);
+        if (waitUntilServing(login)) return;
+        kill();
+    }
+    throw std::runtime_error("the keyring daemon does not serve");
+}
+
+void PrivateKeyring::spawn(Login login) {
     auto* launcher = g_subprocess_launcher_new(
         static_cast<GSubprocessFlags>(G_SUBPROCESS_FLAGS_STDIN_PIPE | G_SUBPROCESS_FLAGS_STDOUT_SILENCE |
                                       G_SUBPROCESS_FLAGS_STDERR_SILENCE));
@@ -85,16 +95,15 @@ void PrivateKeyring::start(Login login) {
     auto* password = g_subprocess_get_stdin_pipe(daemon);
     if (login == Login::unlocked) g_output_stream_write_all(password, "secret", 6, nullptr, nullptr, nullptr);
     g_output_stream_close(password, nullptr, nullptr);
-    waitUntilServing(login);
 }
 
-void PrivateKeyring::waitUntilServing(Login login) {
+bool PrivateKeyring::waitUntilServing(Login login) {
     auto const end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
     while (std::chrono::steady_clock::now() < end) {
-        if (isServing(login)) return;
-        std::this_thread::yield();
+        if (isServing(login)) return true;
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
-    throw std::runtime_error("the keyring daemon does not serve");
+    return false;
 }
 
 void PrivateKeyring::stop() {

@@ -58,7 +58,8 @@ public:
                    Schema schema = Schema::ours);
 
 private:
-    void waitUntilServing(Login login);
+    void spawn(Login login);
+    [[nodiscard]] bool waitUntilServing(Login login);
 
     PrivateBus const& bus;
     TemporaryFolder home;
