@@ -55,8 +55,8 @@ public:
     void require(Foundation::Task<void> task, std::string const& whatWasNotDone,
                  std::string const& ifInterrupted);
 
-    /// What the error's own text, `message`, leaves unsaid, for a sentence that goes on: why the keychain gave
-    /// no token, or the status of an answer without a text. Absent when that is not what failed.
+    /// What the error's own text, `message`, leaves unsaid, for a sentence that goes on: why the keychain
+    /// gave no token, or the status of an answer without a text. Absent when that is not what failed.
     [[nodiscard]] std::optional<std::string> unsaidReason(std::string_view message) const;
 
 private:

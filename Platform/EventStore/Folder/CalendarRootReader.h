@@ -25,8 +25,10 @@ namespace Platform {
 
 /// How a root's files make calendars.
 enum class RootLayout : std::uint8_t {
-    /// Each direct sub-folder that holds .ics files, or a calendar's name or colour, is a calendar, identified by
-    /// its name. So is each loose file that holds several events or names itself. The other loose files together are one calendar,
+    /// Each direct sub-folder that holds .ics files, or a calendar's name or colour, is a calendar,
+    /// identified by
+    /// its name. So is each loose file that holds several events or names itself. The other loose files
+    /// together are one calendar,
     /// identified as "." and titled as the root. Nothing deeper is read.
     folderOfCalendars,
     /// The folder is one calendar, whose identifier is the root's id alone, also without any file.

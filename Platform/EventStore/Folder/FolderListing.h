@@ -25,8 +25,8 @@ struct FolderListing {
     /// Why the folder could not be listed; then all else is empty.
     std::optional<std::error_code> failure;
 
-    /// Whether the folder is a calendar: it holds one's files, or the name or colour of one that has no event at
-    /// present.
+    /// Whether the folder is a calendar: it holds one's files, or the name or colour of one that has no event
+    /// at present.
     [[nodiscard]] bool isCalendar() const { return hasCalendarFiles || hasDisplayName || hasColor; }
 };
 
