@@ -28,6 +28,7 @@ std::span<Command const> commandTable() {
         sourcesListCommand(),
         sourcesAddCommand(),
         sourcesRemoveCommand(),
+        sourcesRefreshCommand(),
         accessGroup(),
         accessStatusCommand(),
         accessRequestCommand(),

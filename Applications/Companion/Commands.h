@@ -34,6 +34,7 @@ Command sourcesGroup();
 Command sourcesListCommand();
 Command sourcesAddCommand();
 Command sourcesRemoveCommand();
+Command sourcesRefreshCommand();
 
 Command providersGroup();
 Command providersListCommand();

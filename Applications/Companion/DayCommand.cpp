@@ -1,5 +1,6 @@
 #include "Applications/Companion/AskedOnceAppearance.h"
 #include "Applications/Companion/CalendarAccess.h"
+#include "Applications/Companion/CalendarRefresh.h"
 #include "Applications/Companion/Commands.h"
 #include "Applications/Companion/DayJSON.h"
 #include "Applications/Companion/DayWithBackend.h"
@@ -204,7 +205,9 @@ ExitCode run(Invocation const& invocation) {
     auto const request = requestOf(invocation);
     if (invocation.values.has("--live")) return showLiveDay(invocation, request.family);
     if (invocation.values.has("--follow")) return follow(invocation, request);
-    auto const live = liveServices(invocation, request.at);
+    bool isLookDue = false;
+    auto const live =
+        liveServices(invocation, {.fixedMoment = request.at, .calendarLookDue = [&] { isLookDue = true; }});
     Foundation::TaskLoop loop;
     auto services = live->scheduleWidgetServices(loop.executor());
     services.appearance = std::make_shared<AskedOnceAppearance>(services.appearance, request.scheme);
@@ -232,6 +235,7 @@ ExitCode run(Invocation const& invocation) {
                                                    .columns = invocation.console.columns()}));
     }
     reportHints(invocation, *live, day);
+    if (isLookDue) startCalendarRefresh(invocation.environment);
     return ExitCode::done;
 }
 

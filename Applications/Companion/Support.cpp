@@ -36,13 +36,14 @@ private:
 
 std::unique_ptr<Composition::LiveServices> liveServices(Invocation const& invocation,
                                                         std::optional<Foundation::Date> fixedMoment) {
-    return std::make_unique<Composition::LiveServices>(
-        invocation.environment,
-        Composition::LiveServicesOptions{
-            .fixedMoment = fixedMoment,
-            .consentPrompt = std::make_shared<QuestionOfConsent>(),
-            .logSink = std::make_shared<ConsoleLogSink>(invocation.console, invocation.environment),
-        });
+    return liveServices(invocation, Composition::LiveServicesOptions{.fixedMoment = fixedMoment});
+}
+
+std::unique_ptr<Composition::LiveServices> liveServices(Invocation const& invocation,
+                                                        Composition::LiveServicesOptions options) {
+    options.consentPrompt = std::make_shared<QuestionOfConsent>();
+    options.logSink = std::make_shared<ConsoleLogSink>(invocation.console, invocation.environment);
+    return std::make_unique<Composition::LiveServices>(invocation.environment, std::move(options));
 }
 
 std::shared_ptr<Platform::CalendarStoreConfiguration const>

@@ -21,6 +21,10 @@ namespace Companion {
 std::unique_ptr<Composition::LiveServices> liveServices(Invocation const& invocation,
                                                         std::optional<Foundation::Date> fixedMoment = {});
 
+/// The same with options of one's own; where log records go and how access is asked for are set.
+std::unique_ptr<Composition::LiveServices> liveServices(Invocation const& invocation,
+                                                        Composition::LiveServicesOptions options);
+
 /// Throw CommandError with ExitCode::failed when the environment names no home.
 std::shared_ptr<Platform::CalendarStoreConfiguration const>
 requiredConfiguration(Composition::LiveServices& services);

@@ -414,6 +414,10 @@ std::string sourceRemoved(std::string_view title, std::string_view path) {
     return text("source-removed", quoted(title), path);
 }
 
+std::string calendarsRefreshed(std::int64_t changed) {
+    return text("calendars-refreshed", std::to_string(changed));
+}
+
 std::string unknownSource(std::string_view name) {
     return text("unknown-source", quoted(name));
 }

@@ -133,6 +133,7 @@ std::string sourceIsOwnCalendar(std::string_view path);
 std::string sourcesAreNested(std::string_view inner, std::string_view outer, std::string_view id);
 std::string sourceAdded(std::string_view title, std::string_view path, std::string_view id);
 std::string sourceRemoved(std::string_view title, std::string_view path);
+std::string calendarsRefreshed(std::int64_t changed);
 std::string unknownSource(std::string_view name);
 std::string folderHoldsNoCalendars(std::string_view path);
 std::string noCalendars();

@@ -66,7 +66,7 @@ struct LiveServices::Parts {
     std::shared_ptr<Platform::CalendarStoreConfiguration const> configuration;
     std::shared_ptr<Platform::ConsentRecord const> consent;
     std::shared_ptr<Platform::UserDefaults> userDefaults;
-    std::shared_ptr<Platform::EKEventStore> eventStore;
+    std::shared_ptr<Platform::FolderEventStore> eventStore;
     std::shared_ptr<Meetings::EventKitStoring> eventKitStore;
 
     // The texts of the bundle that `Marker` stands for; `overrides` may name another place for it.
@@ -200,6 +200,14 @@ std::shared_ptr<Platform::UserDefaults> LiveServices::userDefaults() {
 }
 
 std::shared_ptr<Platform::EKEventStore> LiveServices::eventStore() {
+    return folderStore();
+}
+
+std::int64_t LiveServices::refreshCalendars() {
+    return folderStore()->refresh();
+}
+
+std::shared_ptr<Platform::FolderEventStore> LiveServices::folderStore() {
     std::scoped_lock const lock(parts->mutex);
     return once(parts->eventStore, [&] {
         auto const places = calendarPlaces();
@@ -218,6 +226,7 @@ std::shared_ptr<Platform::EKEventStore> LiveServices::eventStore() {
             .logger = Platform::Logger(logSink(), std::string(Meetings::MeetConfigEnum::loggerSubsystem),
                                        std::string(calendarStoreLogCategory)),
             .onDifference = parts->options.calendarsDiffer,
+            .onLookDue = parts->options.calendarLookDue,
         });
     });
 }

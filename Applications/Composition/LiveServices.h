@@ -4,6 +4,7 @@
 #include "Foundation/Environment.h"
 #include "Foundation/Task.h"
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -18,6 +19,7 @@ class ConsentPrompt;
 class ConsentRecord;
 class EKEventStore;
 class FileManager;
+class FolderEventStore;
 class HTMLReader;
 class LogSink;
 class NotificationCenter;
@@ -50,6 +52,8 @@ struct LiveServicesOptions {
     /// For a program that stays: the calendars are answered from at once and looked at afterwards, and this
     /// is called, on any thread, when another answer would come of that. Absent for one that asks once.
     std::function<void()> calendarsDiffer = nullptr;
+    /// For a program that asks once and is in a hurry: see Platform::FolderEventStoreParts::onLookDue.
+    std::function<void()> calendarLookDue = nullptr;
 };
 
 /// The log category of the calendar store: what it could not read, and why.
@@ -97,6 +101,10 @@ public:
     std::shared_ptr<Platform::EKEventStore> eventStore();
     std::shared_ptr<Meetings::EventKitStoring> eventKitStore();
 
+    /// Looks at every calendar file and brings the indexes up to date; yields how many files were read
+    /// because they were new or changed. Throws as above.
+    std::int64_t refreshCalendars();
+
     /// What the widget's timeline provider, view and intents are built from. The provider's tasks run on
     /// `executor`.
     WidgetExtension::ScheduleWidgetServices scheduleWidgetServices(Foundation::TaskExecutor executor);
@@ -104,6 +112,7 @@ public:
 private:
     struct Parts;
     explicit LiveServices(std::shared_ptr<Parts> parts);
+    std::shared_ptr<Platform::FolderEventStore> folderStore();
 
     std::shared_ptr<Parts> parts;
 };

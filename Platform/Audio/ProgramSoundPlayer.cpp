@@ -1,6 +1,6 @@
 #include "Platform/Audio/ProgramSoundPlayer.h"
 
-#include "Platform/Audio/ChildProgram.h"
+#include "Platform/Processes/ChildProgram.h"
 
 #include <array>
 #include <string>

@@ -1,7 +1,7 @@
 #include "Platform/Audio/SpeechDispatcherSynthesizer.h"
 
 #include "Foundation/Text.h"
-#include "Platform/Audio/ChildProgram.h"
+#include "Platform/Processes/ChildProgram.h"
 
 #include <utility>
 

@@ -1,4 +1,4 @@
-#include "Platform/Audio/ChildProgram.h"
+#include "Platform/Processes/ChildProgram.h"
 #include "Platform/Audio/ProgramSoundPlayer.h"
 #include "Platform/Audio/SpeechDispatcherSynthesizer.h"
 

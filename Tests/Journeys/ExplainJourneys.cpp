@@ -257,9 +257,11 @@ TEST_F(ExplainedSamplesJourneys, onEachDayEachMeetOfTheDayAndNoOtherHasItsPlaceT
         std::vector<std::string> const words = {"--offset", std::to_string(offset)};
         std::multiset<std::string> listed;
         std::multiset<std::string> saidToBe;
-        for (auto const& meet : list(day(words), "meetings"))
+        auto const face = day(words);
+        auto const explanations = explained(words);
+        for (auto const& meet : list(face, "meetings"))
             listed.insert(member(meet, "metId"));
-        for (auto const& explanation : list(explained(words), "meets")) {
+        for (auto const& explanation : list(explanations, "meets")) {
             expectPlace(explanation);
             auto const rule = member(explanation, "rule");
             seenRules.insert(rule);

@@ -1,9 +1,9 @@
 #include "Platform/EventStore/Folder/CalendarRootReader.h"
 
 #include "Foundation/Text.h"
+#include "Platform/EventStore/Folder/CalendarLooks.h"
 #include "Platform/EventStore/Folder/FolderListing.h"
 #include "Platform/EventStore/Folder/OccurrenceMapping.h"
-#include "Platform/EventStore/ICalendar/ColorText.h"
 #include "Platform/EventStore/Index/IndexFolder.h"
 
 #include <algorithm>
@@ -20,27 +20,8 @@ bool concernsNone(std::string_view) {
     return false;
 }
 
-CGColor colorOf(std::optional<std::string> const& text) {
-    auto const color = text ? ICalendar::colorFromText(*text) : std::nullopt;
-    if (!color) return {.components = std::nullopt};
-    auto const channel = [](std::uint8_t value) { return static_cast<double>(value) / 255.0; };
-    return {.components = {{channel(color->red), channel(color->green), channel(color->blue), 1.0}}};
-}
-
 constexpr std::int64_t mostTextOfSeries = 16LL * 1024 * 1024;
 constexpr std::int64_t isCut = -1;
-
-// The content of a vdir's one-line file; absent when it cannot be read or is blank.
-std::optional<std::string> metadata(std::filesystem::path const& file) {
-    constexpr std::int64_t limit = 4096;
-    if (!stampOfRegularFile(file)) return std::nullopt;
-    auto const read = readRegularFile(file, limit);
-    if (!read) return std::nullopt;
-    auto text =
-        Foundation::Text::trimmingWhitespacesAndNewlines(Foundation::Text::sanitizedUTF8(read->content));
-    if (text.empty()) return std::nullopt;
-    return text;
-}
 
 StoreProblem::Effect effectOf(ICalendar::Problem const& problem) {
     return problem.effect == ICalendar::Problem::Effect::skipped ? StoreProblem::Effect::skipped
@@ -86,12 +67,13 @@ struct CalendarRootReader::KnownSeries {
 CalendarRootReader::CalendarRootReader(CalendarRoot root, RootLayout layout,
                                        std::shared_ptr<ICalendar::ZoneCatalog> zones,
                                        std::optional<std::filesystem::path> indexDirectory,
-                                       std::shared_ptr<FolderChanges> changes)
+                                       std::shared_ptr<FolderChanges> changes, FolderTrust trust)
     : givenRoot(std::move(root)),
       layout(layout),
       zones(std::move(zones)),
       indexDirectory(std::move(indexDirectory)),
-      changes(std::move(changes)) {}
+      changes(std::move(changes)),
+      trust(trust) {}
 
 CalendarRootReader::~CalendarRootReader() = default;
 
@@ -184,6 +166,12 @@ std::vector<std::filesystem::path> CalendarRootReader::filesOfEvent(std::string_
         }
     }
     return paths;
+}
+
+void CalendarRootReader::refresh(std::int64_t now) {
+    writing = IndexWriting::always;
+    find([](std::string_view) { return true; }, now);
+    writing = IndexWriting::ifWorthIt;
 }
 
 std::vector<StoreProblem> CalendarRootReader::problems(std::int64_t now) {
@@ -288,7 +276,7 @@ CalendarRootReader::Found CalendarRootReader::looseCalendar(FolderIndex::OwnCale
     return {
         .record = {.calendarIdentifier = givenRoot.id + "/" + Foundation::Text::sanitizedUTF8(calendar.file),
                    .title = calendar.name.value_or(stem),
-                   .cgColor = colorOf(calendar.color),
+                   .cgColor = calendarColor(calendar.color),
                    .sourceIdentifier = givenRoot.id,
                    .allowsContentModifications = isWritable(givenRoot.path)},
         .order = calendar.file,
@@ -311,7 +299,7 @@ void CalendarRootReader::findFolderCalendar(std::string const& name,
     if (concerns(identifier) && !isTaken) {
         listing = look({.folder = folder, .root = canonicalRoot}, folder, now);
     } else {
-        listing = listFolder(folder, canonicalRoot, ListingExtent::untilCalendarFile);
+        listing = shortListing({.folder = folder, .root = canonicalRoot}, folder, now);
     }
     if (listing.failure) {
         report({.path = folder,
@@ -346,12 +334,12 @@ void CalendarRootReader::reportTaken(std::filesystem::path const& path) {
 CalendarRootReader::Found CalendarRootReader::folderCalendar(std::string identifier, std::string title,
                                                              std::filesystem::path const& folder,
                                                              FolderListing const& listing) const {
-    auto const displayName = listing.hasDisplayName ? metadata(folder / "displayname") : std::nullopt;
-    auto const color = listing.hasColor ? metadata(folder / "color") : std::nullopt;
+    auto const displayName = listing.hasDisplayName ? calendarMetadata(folder / "displayname") : std::nullopt;
+    auto const color = listing.hasColor ? calendarMetadata(folder / "color") : std::nullopt;
     return {
         .record = {.calendarIdentifier = std::move(identifier),
                    .title = displayName.value_or(std::move(title)),
-                   .cgColor = colorOf(color),
+                   .cgColor = calendarColor(color),
                    .sourceIdentifier = givenRoot.id,
                    .allowsContentModifications = isWritable(folder)},
         .order = {},
@@ -369,15 +357,36 @@ FolderListing CalendarRootReader::look(Unverified const& place, std::filesystem:
         if (auto listing = listingWithoutALook(known, place, now)) return *std::move(listing);
         // Before the look, so that nothing happens between the two.
         changes->watch(place.folder);
+    } else if (trust == FolderTrust::asSeen && writing == IndexWriting::ifWorthIt) {
+        if (auto listing = listingAsSeen(known, place, now)) return *std::move(listing);
     }
     auto scan = place.look();
     for (auto const& problem : scan.listing.problems)
         report(problem);
     if (scan.listing.failure) return std::move(scan.listing);
     update(known.index, scan.files, now);
+    noteLook(known.index, scan, now);
+    if (trust == FolderTrust::asSeen && known.index.isWrittenBehind()) unverified.push_back(place);
     known.listing = scan.listing;
     known.lookedAt = now;
     return std::move(scan.listing);
+}
+
+// What tells a calendar from other folders.
+FolderListing CalendarRootReader::shortListing(Unverified const& place, std::filesystem::path const& folder,
+                                               std::int64_t now) {
+    bool const isAsSeen =
+        trust == FolderTrust::asSeen && !changes && knownFolder(place, folder).index.isAsSeen(now);
+    return isAsSeen ? listingOfCalendar(place.folder)
+                    : listFolder(place.folder, place.root, ListingExtent::untilCalendarFile);
+}
+
+std::optional<FolderListing> CalendarRootReader::listingAsSeen(KnownFolder const& folder,
+                                                               Unverified const& place, std::int64_t now) {
+    if (!folder.index.isAsSeen(now)) return std::nullopt;
+    unverified.push_back(place);
+    bool const isRoot = place.folder == place.root && layout == RootLayout::folderOfCalendars;
+    return isRoot ? listFolder(place.folder, place.root) : listingOfCalendar(place.folder);
 }
 
 // Absent when one has to look first.
@@ -412,6 +421,7 @@ bool CalendarRootReader::verified(Unverified const& folder, FolderScan scan, std
     if (scan.listing.failure) return true;
     bool isAnother = known.index.update(scan.files, now);
     takeProblemsOf(known.index);
+    noteLook(known.index, scan, now);
     if (known.listing) isAnother = isAnother || known.listing->folders != scan.listing.folders;
     known.listing = std::move(scan.listing);
     known.lookedAt = now;
@@ -421,8 +431,14 @@ bool CalendarRootReader::verified(Unverified const& folder, FolderScan scan, std
 void CalendarRootReader::update(FolderIndex& index, ScannedFiles const& scan, std::int64_t now) {
     // Of a folder that never held any there is nothing to keep.
     if (scan.empty() && !index.isKnown()) return;
-    index.update(scan, now);
+    index.update(scan, now, writing);
     takeProblemsOf(index);
+}
+
+// What lies behind a link may change without a trace in the folder.
+void CalendarRootReader::noteLook(FolderIndex const& index, FolderScan const& scan, std::int64_t now) {
+    bool const isWhole = !scan.listing.hasLinks && scan.files.failures().empty();
+    if (isWhole && scan.listing.stamp) index.noteLook(*scan.listing.stamp, now);
 }
 
 void CalendarRootReader::takeProblemsOf(FolderIndex& index) {
@@ -442,7 +458,8 @@ FolderIndex CalendarRootReader::newIndex(std::filesystem::path const& folder) {
                                              : std::nullopt);
     if (readsForProblems) {
         index.onRead([this, folder](std::shared_ptr<ICalendar::CalendarFile const> const& file) {
-            for (auto const& problem : ICalendar::SeriesSet({file}, zones).problems())
+            ICalendar::SeriesSet const set({file}, zones);
+            for (auto const& problem : set.problems())
                 report({.path = folder, .line = 0, .effect = effectOf(problem), .reason = problem.reason});
         });
     }

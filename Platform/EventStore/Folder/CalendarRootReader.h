@@ -35,16 +35,23 @@ enum class RootLayout : std::uint8_t {
     singleCalendar,
 };
 
+/// What a process that asks once takes for granted.
+enum class FolderTrust : std::uint8_t {
+    none,   ///< Every file is looked at before an answer.
+    asSeen, ///< Of a folder that is as it was at the last look, the files that an answer comes from.
+};
+
 /// Reads the calendars of one root by an index of each folder: only what changed, and what the question is
-/// about. Every call looks at the folders anew; or, given `changes`, it answers from what is known of them,
-/// looks at those that have changed, and names those where only a look could tell. Not safe for use from two
-/// threads at once.
+/// about. Every call looks at the folders anew, as far as `trust` says so; or, given `changes`, it answers
+/// from what is known of them, looks at those that have changed, and names those where only a look could
+/// tell. Not safe for use from two threads at once.
 class CalendarRootReader {
 public:
     /// Without a folder for the indexes they are made anew in memory.
     CalendarRootReader(CalendarRoot root, RootLayout layout, std::shared_ptr<ICalendar::ZoneCatalog> zones,
                        std::optional<std::filesystem::path> indexDirectory = std::nullopt,
-                       std::shared_ptr<FolderChanges> changes = nullptr);
+                       std::shared_ptr<FolderChanges> changes = nullptr,
+                       FolderTrust trust = FolderTrust::none);
     ~CalendarRootReader();
 
     [[nodiscard]] CalendarRoot const& root() const;
@@ -65,7 +72,11 @@ public:
     std::vector<std::filesystem::path> filesOfEvent(std::string_view calendarIdentifier, std::string_view uid,
                                                     std::int64_t now);
 
-    /// A folder that was answered from before anyone looked at it.
+    /// Looks at every file and writes what the indexes do not have yet.
+    void refresh(std::int64_t now);
+
+    /// A folder that was answered from before anyone looked at it, or that the next process will have to read
+    /// anew unless somebody looks at it before.
     struct Unverified {
         std::filesystem::path folder;
         std::filesystem::path root; ///< Canonical.
@@ -110,9 +121,14 @@ private:
                                        FolderListing const& listing) const;
     [[nodiscard]] Found looseCalendar(FolderIndex::OwnCalendar const& calendar) const;
     FolderListing look(Unverified const& place, std::filesystem::path const& folder, std::int64_t now);
+    std::optional<FolderListing> listingAsSeen(KnownFolder const& folder, Unverified const& place,
+                                               std::int64_t now);
+    FolderListing shortListing(Unverified const& place, std::filesystem::path const& folder,
+                               std::int64_t now);
     std::optional<FolderListing> listingWithoutALook(KnownFolder const& folder, Unverified const& place,
                                                      std::int64_t now);
     void update(FolderIndex& index, ScannedFiles const& scan, std::int64_t now);
+    static void noteLook(FolderIndex const& index, FolderScan const& scan, std::int64_t now);
     void takeProblemsOf(FolderIndex& index);
     KnownFolder& knownFolder(Unverified const& place, std::filesystem::path const& folder);
     [[nodiscard]] FolderIndex newIndex(std::filesystem::path const& folder);
@@ -127,6 +143,8 @@ private:
     std::shared_ptr<ICalendar::ZoneCatalog> zones;
     std::optional<std::filesystem::path> indexDirectory;
     std::shared_ptr<FolderChanges> changes;
+    FolderTrust trust;
+    IndexWriting writing = IndexWriting::ifWorthIt;
     std::map<std::filesystem::path, std::unique_ptr<KnownFolder>> folders; ///< By their path as it is listed.
     std::map<std::string, std::unique_ptr<KnownSeries>, std::less<>> series; ///< By calendar identifier.
     std::vector<Unverified> unverified;

@@ -56,7 +56,8 @@ std::string explanationIn(CalendarFile const& file, std::string const& zone) {
 std::optional<std::string> zoneExplainedOtherwise(std::string const& components, CalendarFile const& origin,
                                                   CalendarFile const& target, ICalendar::ZoneCatalog& zones) {
     CalendarFile const nothing{};
-    for (auto const& zone : ICalendar::read(ICalendar::newCalendar(components))->zoneNames) {
+    auto const moved = ICalendar::read(ICalendar::newCalendar(components));
+    for (auto const& zone : moved->zoneNames) {
         ICalendar::FileZones none(nothing);
         if (zones.zone(zone, none)) continue;
         bool const isKnown = std::ranges::find(target.zoneNames, zone) != target.zoneNames.end() ||
@@ -103,7 +104,8 @@ std::string itemOf(std::string const& uid, std::vector<CalendarSource> const& so
         auto const own = componentsIn(source, uid);
         auto const missing = ICalendar::missingTimeZones(own, {.target = target, .origin = source.file.get()},
                                                          ICalendar::lineBreakOf(source.bytes));
-        for (auto const& zone : ICalendar::read(ICalendar::newCalendar(missing))->timeZones) {
+        auto const lacking = ICalendar::read(ICalendar::newCalendar(missing));
+        for (auto const& zone : lacking->timeZones) {
             if (added.insert(zone.identifier).second) zones += zone.bytes;
         }
         components += own;

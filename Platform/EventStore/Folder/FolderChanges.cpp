@@ -1,12 +1,13 @@
 #include "Platform/EventStore/Folder/FolderChanges.h"
 
+#include "Platform/EventStore/Folder/SharedFileSystem.h"
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstring>
 #include <sys/inotify.h>
 #include <sys/stat.h>
-#include <sys/vfs.h>
 #include <unistd.h>
 
 namespace Platform {
@@ -19,22 +20,6 @@ constexpr std::size_t mostFolders = 512;
 // A file that is linked in is created and nothing more.
 constexpr std::uint32_t whatMatters = IN_CREATE | IN_MODIFY | IN_CLOSE_WRITE | IN_ATTRIB | IN_MOVED_FROM |
                                       IN_MOVED_TO | IN_DELETE | IN_DELETE_SELF | IN_MOVE_SELF | IN_ONLYDIR;
-
-// Whether other computers, or programs behind the kernel's back, may change what lies there.
-bool isSharedWithOthers(std::filesystem::path const& folder) {
-    constexpr auto nfs = 0x6969U;
-    constexpr auto smb = 0x517BU;
-    constexpr auto cifs = 0xFF534D42U;
-    constexpr auto smb2 = 0xFE534D42U;
-    constexpr auto fuse = 0x65735546U;
-    constexpr auto plan9 = 0x01021997U;
-    constexpr auto afs = 0x5346414FU;
-    constexpr auto ceph = 0x00C36400U;
-    struct statfs status{};
-    if (::statfs(folder.c_str(), &status) != 0) return true;
-    constexpr std::array kinds{nfs, smb, cifs, smb2, fuse, plan9, afs, ceph};
-    return std::ranges::find(kinds, static_cast<std::uint32_t>(status.f_type)) != kinds.end();
-}
 
 } // namespace
 

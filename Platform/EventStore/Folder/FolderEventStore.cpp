@@ -186,8 +186,22 @@ std::vector<StoreProblem> FolderEventStore::problems() {
     return all;
 }
 
+std::int64_t FolderEventStore::refresh() {
+    std::scoped_lock const lock(mutex);
+    bringRootsUpToDate();
+    auto const before = readsSoFar();
+    for (auto const& reader : readers)
+        reader->refresh(now());
+    finishCall();
+    return readsSoFar() - before;
+}
+
 std::int64_t FolderEventStore::fileReads() {
     std::scoped_lock const lock(mutex);
+    return readsSoFar();
+}
+
+std::int64_t FolderEventStore::readsSoFar() const {
     std::int64_t count = 0;
     for (auto const& reader : readers)
         count += reader->reads();
@@ -237,8 +251,9 @@ void FolderEventStore::bringRootsUpToDate() {
             next.push_back(std::move(*known));
         } else {
             auto const layout = layoutOf(root);
-            next.push_back(std::make_unique<CalendarRootReader>(std::move(root), layout, zones,
-                                                                parts.places.indexDirectory, changes));
+            next.push_back(std::make_unique<CalendarRootReader>(
+                std::move(root), layout, zones, parts.places.indexDirectory, changes,
+                parts.onLookDue ? FolderTrust::asSeen : FolderTrust::none));
         }
     }
     readers = std::move(next);
@@ -247,11 +262,16 @@ void FolderEventStore::bringRootsUpToDate() {
 
 // What a call leaves behind.
 void FolderEventStore::finishCall() {
+    bool isLookDue = false;
     for (auto const& reader : readers) {
         logNew(reader->takeProblems());
-        for (auto& folder : reader->takeUnverified())
-            toVerify.push_back({.rootIdentifier = reader->root().id, .folder = std::move(folder)});
+        for (auto& folder : reader->takeUnverified()) {
+            isLookDue = true;
+            if (changes)
+                toVerify.push_back({.rootIdentifier = reader->root().id, .folder = std::move(folder)});
+        }
     }
+    if (isLookDue && parts.onLookDue) parts.onLookDue();
     if (toVerify.empty()) return;
     if (!verifier.joinable()) {
         verifier = std::jthread([this](std::stop_token const& stop) {

@@ -40,6 +40,11 @@ struct FolderEventStoreParts {
     /// afterwards, and this is called, on a thread of its own, when that found what another answer would have
     /// come of. Absent for a program that asks once: then the folders are looked at first.
     std::function<void()> onDifference = nullptr;
+    /// For a program that asks once and is in a hurry: a folder of many files that is as it was when they
+    /// were last looked at is not looked at file by file before a query is answered. The query calls this
+    /// when somebody should do so by `refresh`, or the next answer may lack what was written into a file in
+    /// place.
+    std::function<void()> onLookDue = nullptr;
 };
 
 /// The user's calendars in folders of iCalendar files: the product's own calendar, once it has been made,
@@ -74,6 +79,10 @@ public:
     /// Reads every file and yields all that could not be taken as it stands, in the order of the roots.
     std::vector<StoreProblem> problems();
 
+    /// Looks at every file and brings the indexes up to date, to the last file. Yields how many files were
+    /// read because they were new or changed.
+    std::int64_t refresh();
+
     /// Waits until all folders have been looked at that answers came from without a look.
     void awaitVerification();
 
@@ -90,6 +99,7 @@ private:
     [[nodiscard]] EditSurroundings editSurroundings();
     void logNew(std::vector<StoreProblem> const& problems);
     void finishCall();
+    [[nodiscard]] std::int64_t readsSoFar() const;
     [[nodiscard]] std::int64_t now() const;
     [[nodiscard]] std::vector<CalendarRoot> rootsOnRecord(std::vector<StoreProblem>& problems) const;
     bool record(ConsentAnswer answer);

@@ -1,8 +1,10 @@
 #include "Platform/EventStore/Folder/FolderIndex.h"
 
+#include "Platform/EventStore/Folder/SharedFileSystem.h"
 #include "Platform/EventStore/Index/IndexBuilder.h"
 #include "Platform/EventStore/Index/IndexFolder.h"
 #include "Platform/EventStore/Index/Mixing.h"
+#include "Platform/EventStore/Index/SeenFolder.h"
 
 #include <algorithm>
 #include <bit>
@@ -13,8 +15,12 @@ namespace {
 
 using IndexFormat::none;
 
-constexpr std::int64_t hour = 3600LL * 1'000'000'000;
+constexpr std::int64_t minute = 60LL * 1'000'000'000;
+constexpr std::int64_t hour = 60 * minute;
 constexpr std::int64_t month = 30 * 24 * hour;
+
+// A look at so few files takes no time worth saving.
+constexpr std::size_t fewFiles = 500;
 
 // What is kept of parsed files from one question to the next.
 constexpr std::size_t mostParsedBytes = 2 * 1024 * 1024;
@@ -55,10 +61,10 @@ private:
 
 // Whether so much has changed that the index is better written anew than made up for at every start.
 bool isWorthWriting(std::size_t changes, std::size_t bytes, std::size_t files, std::int64_t age) {
-    constexpr std::size_t fewFiles = 16;
+    constexpr std::size_t fewChanges = 16;
     constexpr std::size_t manyBytes = 512 * 1024;
     if (changes == 0) return false;
-    return changes > fewFiles + files / 64 || bytes > manyBytes || age > hour || age < 0;
+    return changes > fewChanges + files / 64 || bytes > manyBytes || age > hour || age < 0;
 }
 
 } // namespace
@@ -82,7 +88,7 @@ FolderIndex::FolderIndex(std::filesystem::path folder, std::optional<std::filesy
     stored.emplace(*std::move(file));
     isStale.assign(stored->fileCount(), false);
     auto const& header = stored->header();
-    if (header.untrusted == 0) known = {.count = header.fileCount, .stampSum = header.stampSum};
+    if (header.untrusted == 0) known = storedState();
 }
 
 void FolderIndex::discard() {
@@ -123,7 +129,7 @@ FolderIndex::Differences FolderIndex::differences(ScannedFiles const& scan) {
     return found;
 }
 
-bool FolderIndex::update(ScannedFiles const& scan, std::int64_t now) {
+bool FolderIndex::update(ScannedFiles const& scan, std::int64_t now, IndexWriting writing) {
     ++round;
     for (auto const& failure : scan.failures())
         reportUnreadable(failure.name, failure.reason);
@@ -134,18 +140,54 @@ bool FolderIndex::update(ScannedFiles const& scan, std::int64_t now) {
     if (known == state) return isAnother;
     known.reset();
     try {
-        updateFrom(scan, now);
+        updateFrom(scan, now, writing);
     } catch (IndexDamaged const&) {
         discard();
-        updateFrom(scan, now);
+        updateFrom(scan, now, writing);
     }
     return isAnother;
 }
 
-void FolderIndex::updateFrom(ScannedFiles const& scan, std::int64_t now) {
+FolderIndex::State FolderIndex::storedState() const {
+    return {.count = stored->header().fileCount, .stampSum = stored->header().stampSum};
+}
+
+void FolderIndex::noteLook(FileStamp const& stamp, std::int64_t now) const {
+    if (!indexFile || !stored || stored->fileCount() <= fewFiles) return;
+    SeenFolderFile const file(*indexFile, folderHash);
+    auto const before = file.load();
+    bool const isToBeTrusted =
+        isFileTrusted && known == storedState() && !stamp.isYoung(now) && !isSharedWithOthers(folder);
+    if (!isToBeTrusted) {
+        if (before) file.remove();
+        return;
+    }
+    SeenFolder const sight{
+        .stamp = stampOfFile(stamp), .stampSum = known->stampSum, .fileCount = known->count, .lookedAt = now};
+    bool const isNoted = before && before->stamp == sight.stamp && before->stampSum == sight.stampSum &&
+                         before->fileCount == sight.fileCount && before->lookedAt <= now &&
+                         now - before->lookedAt < minute;
+    if (!isNoted) file.save(sight);
+}
+
+bool FolderIndex::isAsSeen(std::int64_t now) const {
+    constexpr auto longestTrust = 15 * minute;
+    if (!indexFile || !known || known->count <= fewFiles) return false;
+    auto const sight = SeenFolderFile(*indexFile, folderHash).load();
+    if (!sight || sight->fileCount != known->count || sight->stampSum != known->stampSum) return false;
+    if (sight->lookedAt > now || now - sight->lookedAt > longestTrust) return false;
+    auto const stamp = stampOfFolder(folder);
+    return stamp && stampOfFile(*stamp) == sight->stamp;
+}
+
+bool FolderIndex::isWrittenBehind() const {
+    return indexFile && stored && stored->fileCount() > fewFiles && known != storedState();
+}
+
+void FolderIndex::updateFrom(ScannedFiles const& scan, std::int64_t now, IndexWriting writing) {
     auto const changes = differences(scan);
-    constexpr std::size_t fewFiles = 64;
-    if (!stored || changes.files.size() > fewFiles + stored->fileCount() / 8)
+    constexpr std::size_t fewChanges = 64;
+    if (!stored || changes.files.size() > fewChanges + stored->fileCount() / 8)
         return rewrite(scan, changes, now);
 
     std::map<std::string, Fresh, std::less<>> former;
@@ -167,8 +209,11 @@ void FolderIndex::updateFrom(ScannedFiles const& scan, std::int64_t now) {
     }
     rememberUIDs();
     auto const age = now - stored->header().writtenAt;
-    if (isWorthWriting(changes.files.size() + changes.gone, bytes, stored->fileCount(), age))
-        return rewrite(scan, changes, now);
+    auto const changed = changes.files.size() + changes.gone;
+    bool const isToBeWritten = writing == IndexWriting::always
+                                   ? changed > 0
+                                   : isWorthWriting(changed, bytes, stored->fileCount(), age);
+    if (isToBeWritten) return rewrite(scan, changes, now);
     if (isWhole) known = {.count = scan.files().size(), .stampSum = scan.stampSum()};
 }
 
@@ -196,7 +241,7 @@ void FolderIndex::rewrite(ScannedFiles const& scan, Differences const& changes, 
     freshUIDs.clear();
     auto const& header = stored->header();
     // Where reading found other stamps than the look before it, the next look will find out.
-    if (header.untrusted == 0) known = {.count = header.fileCount, .stampSum = header.stampSum};
+    if (header.untrusted == 0) known = storedState();
 }
 
 void FolderIndex::keep(std::vector<std::byte> image, std::int64_t now) {

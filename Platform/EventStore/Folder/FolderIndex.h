@@ -35,6 +35,12 @@ struct FileChoice {
     [[nodiscard]] bool covers(std::string_view file, bool isCalendarOfItsOwn) const;
 };
 
+/// When a look at a folder is written into its index.
+enum class IndexWriting : std::uint8_t {
+    ifWorthIt, ///< Not for a few files, which are as soon read at each start.
+    always,
+};
+
 /// The calendar files of one folder, known by an index: a question reads those files alone whose events may
 /// matter to it. What the index says holds as long as the files are those that it was made from; `update`
 /// finds out. Without a place to keep it, it is made at the first look and lives in memory.
@@ -58,7 +64,19 @@ public:
     /// trusted when they were read, are read again. `now` is the time of the file system's clock, in
     /// nanoseconds since 1970. Yields whether the files are other ones than at the last look, or than those
     /// that the index was made from.
-    bool update(ScannedFiles const& scan, std::int64_t now);
+    bool update(ScannedFiles const& scan, std::int64_t now, IndexWriting writing = IndexWriting::ifWorthIt);
+
+    /// Notes that `update` has taken in a look at every file, before which the folder had that stamp, so that
+    /// the next process can do without.
+    void noteLook(FileStamp const& stamp, std::int64_t now) const;
+
+    /// Whether the folder has many files and is as it was when each of them was last looked at, a quarter of
+    /// an hour ago at most: none came, went or was renamed since. One that was written in place does not
+    /// show.
+    [[nodiscard]] bool isAsSeen(std::int64_t now) const;
+
+    /// Whether the folder has many files and the written index is not that of the last look.
+    [[nodiscard]] bool isWrittenBehind() const;
 
     /// Forgets the index, and keeps the next one in memory.
     void discard();
@@ -117,7 +135,7 @@ private:
 
     struct Differences;
     Differences differences(ScannedFiles const& scan);
-    void updateFrom(ScannedFiles const& scan, std::int64_t now);
+    void updateFrom(ScannedFiles const& scan, std::int64_t now, IndexWriting writing);
     void rewrite(ScannedFiles const& scan, Differences const& changes, std::int64_t now);
     void keep(std::vector<std::byte> image, std::int64_t now);
     std::optional<ReadFile> read(std::string const& name, std::int64_t now);
@@ -152,6 +170,7 @@ private:
         std::uint64_t stampSum;
         bool operator==(State const&) const = default;
     };
+    [[nodiscard]] State storedState() const;
     std::optional<State> known; // The state of the folder that all this describes.
     std::optional<State> seen;  // That of the last look.
 

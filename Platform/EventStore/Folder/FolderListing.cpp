@@ -12,6 +12,9 @@ namespace Platform {
 
 namespace {
 
+constexpr auto displayNameFile = "displayname";
+constexpr auto colorFile = "color";
+
 enum class EntryKind : std::uint8_t { folder, file, link, unknown };
 
 EntryKind kindOf(char const* name, unsigned char type, int folder) {
@@ -49,6 +52,7 @@ public:
             ::opendir(folder.c_str()));
         if (!directory) return failed();
         descriptor = ::dirfd(directory.get());
+        listing.stamp = stampOfFolder(descriptor);
         while (extent == ListingExtent::whole || !listing.hasCalendarFiles) {
             errno = 0;
             auto const* const entry = ::readdir(directory.get());
@@ -71,9 +75,6 @@ public:
     }
 
 private:
-    static constexpr auto displayNameFile = "displayname";
-    static constexpr auto colorFile = "color";
-
     static FolderListing failed() {
         FolderListing failure;
         failure.failure = std::error_code(errno, std::generic_category());
@@ -158,6 +159,18 @@ bool isCalendarFileName(std::string_view name) {
 FolderListing listFolder(std::filesystem::path const& folder, std::filesystem::path const& root,
                          ListingExtent extent) {
     return Lister(folder, root, extent).list();
+}
+
+FolderListing listingOfCalendar(std::filesystem::path const& folder) {
+    auto const isThere = [&](char const* name) {
+        struct stat status{};
+        return ::lstat((folder / name).c_str(), &status) == 0;
+    };
+    FolderListing listing;
+    listing.hasCalendarFiles = true;
+    listing.hasDisplayName = isThere(displayNameFile);
+    listing.hasColor = isThere(colorFile);
+    return listing;
 }
 
 FolderScan scanFolder(std::filesystem::path const& folder, std::filesystem::path const& root) {

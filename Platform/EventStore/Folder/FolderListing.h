@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/EventStore/Folder/RegularFile.h"
 #include "Platform/EventStore/Folder/ScannedFiles.h"
 #include "Platform/EventStore/Folder/StoreProblem.h"
 
@@ -20,7 +21,8 @@ struct FolderListing {
     bool hasCalendarFiles = false;
     bool hasDisplayName = false;
     bool hasColor = false;
-    bool hasLinks = false; ///< To files and folders in the root.
+    bool hasLinks = false;          ///< To files and folders in the root.
+    std::optional<FileStamp> stamp; ///< Of the folder itself, from before it was listed.
     std::vector<StoreProblem> problems;
     /// Why the folder could not be listed; then all else is empty.
     std::optional<std::error_code> failure;
@@ -46,7 +48,12 @@ enum class ListingExtent : std::uint8_t {
 FolderListing listFolder(std::filesystem::path const& folder, std::filesystem::path const& root,
                          ListingExtent extent = ListingExtent::whole);
 
-/// The same, with a look at every calendar file; these are then in `files` and not in the listing.
+/// What `listFolder` yields until the first calendar file, of a folder that is known to hold some: without
+/// reading it, which takes long where there are many.
+FolderListing listingOfCalendar(std::filesystem::path const& folder);
+
+/// The same as `listFolder`, with a look at every calendar file; these are then in `files` and not in the
+/// listing.
 struct FolderScan {
     FolderListing listing;
     ScannedFiles files;

@@ -39,15 +39,19 @@ std::int64_t nanosecondsOf(struct timespec const& time) {
     return seconds * nanoseconds + time.tv_nsec;
 }
 
-std::expected<FileStamp, std::string> stampFrom(struct stat const& status) {
-    if (!S_ISREG(status.st_mode)) return std::unexpected("it is not a regular file");
-    return FileStamp{
+FileStamp anyStampFrom(struct stat const& status) {
+    return {
         .device = static_cast<std::uint64_t>(status.st_dev),
         .inode = static_cast<std::uint64_t>(status.st_ino),
         .size = static_cast<std::int64_t>(status.st_size),
         .modified = nanosecondsOf(status.st_mtim),
         .changed = nanosecondsOf(status.st_ctim),
     };
+}
+
+std::expected<FileStamp, std::string> stampFrom(struct stat const& status) {
+    if (!S_ISREG(status.st_mode)) return std::unexpected("it is not a regular file");
+    return anyStampFrom(status);
 }
 
 int openToRead(std::filesystem::path const& path) {
@@ -78,6 +82,18 @@ std::expected<FileStamp, std::string> stampOfRegularFile(int folder, char const*
     struct stat status{};
     if (::fstatat(folder, name, &status, 0) != 0) return lastError();
     return stampFrom(status);
+}
+
+std::optional<FileStamp> stampOfFolder(std::filesystem::path const& path) {
+    struct stat status{};
+    if (::stat(path.c_str(), &status) != 0 || !S_ISDIR(status.st_mode)) return std::nullopt;
+    return anyStampFrom(status);
+}
+
+std::optional<FileStamp> stampOfFolder(int folder) {
+    struct stat status{};
+    if (::fstat(folder, &status) != 0 || !S_ISDIR(status.st_mode)) return std::nullopt;
+    return anyStampFrom(status);
 }
 
 std::expected<StampedContent, std::string> readRegularFile(std::filesystem::path const& path,

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <expected>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -40,6 +41,12 @@ std::expected<FileStamp, std::string> stampOfRegularFile(std::filesystem::path c
 
 /// The same of a file in an open folder.
 std::expected<FileStamp, std::string> stampOfRegularFile(int folder, char const* name);
+
+/// The stamp of a folder itself, links followed; absent when it cannot be had.
+std::optional<FileStamp> stampOfFolder(std::filesystem::path const& path);
+
+/// The same of an open one.
+std::optional<FileStamp> stampOfFolder(int folder);
 
 /// Reads a regular file of at most `limit` bytes. Nothing else is ever waited on: a pipe or a device is
 /// refused. Errors as above.

@@ -2,6 +2,7 @@
 
 #include "Platform/EventStore/Index/IndexFile.h"
 #include "Platform/EventStore/Index/Mixing.h"
+#include "Platform/EventStore/Index/SeenFolder.h"
 
 #include <fcntl.h>
 #include <fmt/format.h>
@@ -54,7 +55,9 @@ void sweep(std::filesystem::path const& directory, std::int64_t now, std::filesy
         if (::lstat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) continue;
         if (path == spared) continue;
         auto const age = now / second - status.st_mtim.tv_sec;
-        bool const isForgotten = path.extension() == indexSuffix && age > 60 * day / second;
+        bool const isOfAFolder =
+            path.extension() == indexSuffix || path.extension() == SeenFolderFile::suffix;
+        bool const isForgotten = isOfAFolder && age > 60 * day / second;
         bool const isLeftBehind = path.extension() == asideSuffix && age > day / second;
         if (isForgotten || isLeftBehind) ::unlink(path.c_str());
     }

@@ -39,6 +39,12 @@ std::unique_ptr<CalendarRootReader> IndexedRoot::reader() const {
                                                 std::make_shared<ICalendar::ZoneCatalog>(), indexes());
 }
 
+std::unique_ptr<CalendarRootReader> IndexedRoot::trustingReader() const {
+    return std::make_unique<CalendarRootReader>(rootAt(root / "calendars"), RootLayout::folderOfCalendars,
+                                                std::make_shared<ICalendar::ZoneCatalog>(), indexes(),
+                                                nullptr, FolderTrust::asSeen);
+}
+
 std::unique_ptr<CalendarRootReader> IndexedRoot::readerWithoutPlace() const {
     return std::make_unique<CalendarRootReader>(rootAt(root / "calendars"), RootLayout::folderOfCalendars,
                                                 std::make_shared<ICalendar::ZoneCatalog>());
@@ -49,7 +55,7 @@ std::filesystem::path IndexedRoot::onlyIndex() const {
     std::uintmax_t most = 0;
     // That of the root itself is there, too, and as good as empty.
     for (auto const& entry : std::filesystem::directory_iterator(indexes())) {
-        if (entry.file_size() <= most) continue;
+        if (entry.path().extension() != ".index" || entry.file_size() <= most) continue;
         most = entry.file_size();
         found = entry.path();
     }

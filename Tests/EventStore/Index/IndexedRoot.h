@@ -35,6 +35,8 @@ public:
 
     /// A reader as a new process would have it.
     [[nodiscard]] std::unique_ptr<Platform::CalendarRootReader> reader() const;
+    /// One that takes for granted what was seen of folders of many files.
+    [[nodiscard]] std::unique_ptr<Platform::CalendarRootReader> trustingReader() const;
     /// One that keeps its index in memory.
     [[nodiscard]] std::unique_ptr<Platform::CalendarRootReader> readerWithoutPlace() const;
 

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-/// Other programs, run to their end without a terminal.
+/// Other programs, run without a terminal.
 namespace Platform::ChildProgram {
 
 /// The program of that name in the first folder of PATH that has one. A relative folder is passed over: what
@@ -20,5 +20,10 @@ std::optional<std::filesystem::path> find(Foundation::Environment const& environ
 /// code. Absent when it does not start, is ended by a signal, or is not done in time: then it is ended.
 std::optional<int> run(std::filesystem::path const& program, std::vector<std::string> const& arguments,
                        Foundation::Environment const& environment, std::chrono::milliseconds patience);
+
+/// Starts it in the same way, in a session of its own that outlives this program, and does not wait for it.
+/// Yields whether it has started.
+bool startApart(std::filesystem::path const& program, std::vector<std::string> const& arguments,
+                Foundation::Environment const& environment);
 
 } // namespace Platform::ChildProgram

@@ -1,8 +1,9 @@
-#include "Platform/Audio/ChildProgram.h"
+#include "Platform/Processes/ChildProgram.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
+#include <cstdint>
 #include <utility>
 
 #include <fcntl.h>
@@ -18,7 +19,9 @@ namespace {
 // How a child starts: with none of our streams, and none of our signals' settings.
 class Surroundings {
 public:
-    Surroundings() {
+    enum class Session : std::uint8_t { ours, itsOwn };
+
+    explicit Surroundings(Session session) {
         posix_spawn_file_actions_init(&actions);
         posix_spawnattr_init(&attributes);
         for (int const descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
@@ -30,7 +33,9 @@ public:
         sigaddset(&signals, SIGPIPE);
         sigaddset(&signals, SIGXFSZ);
         posix_spawnattr_setsigdefault(&attributes, &signals);
-        posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+        auto const apart = session == Session::itsOwn ? POSIX_SPAWN_SETSID : 0;
+        posix_spawnattr_setflags(&attributes,
+                                 static_cast<short>(POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF | apart));
     }
     Surroundings(Surroundings const&) = delete;
     Surroundings& operator=(Surroundings const&) = delete;
@@ -52,12 +57,12 @@ std::vector<char*> pointersTo(std::vector<std::string>& texts) {
 }
 
 std::optional<pid_t> start(std::filesystem::path const& program, std::vector<std::string> arguments,
-                           Foundation::Environment const& environment) {
+                           Foundation::Environment const& environment, Surroundings::Session session) {
     arguments.insert(arguments.begin(), program.string());
     auto variables = environment.assignments();
     auto const words = pointersTo(arguments);
     auto const surroundingVariables = pointersTo(variables);
-    Surroundings const surroundings;
+    Surroundings const surroundings(session);
     pid_t child = -1;
     if (::posix_spawn(&child, program.c_str(), &surroundings.actions, &surroundings.attributes, words.data(),
                       surroundingVariables.data()) != 0)
@@ -101,7 +106,7 @@ std::optional<std::filesystem::path> find(Foundation::Environment const& environ
 
 std::optional<int> run(std::filesystem::path const& program, std::vector<std::string> const& arguments,
                        Foundation::Environment const& environment, std::chrono::milliseconds patience) {
-    auto const child = start(program, arguments, environment);
+    auto const child = start(program, arguments, environment, Surroundings::Session::ours);
     if (!child) return std::nullopt;
     bool const hasEnded = endsWithin(*child, patience);
     if (!hasEnded) ::kill(*child, SIGKILL);
@@ -111,6 +116,11 @@ std::optional<int> run(std::filesystem::path const& program, std::vector<std::st
     }
     if (!hasEnded || !WIFEXITED(status)) return std::nullopt;
     return WEXITSTATUS(status);
+}
+
+bool startApart(std::filesystem::path const& program, std::vector<std::string> const& arguments,
+                Foundation::Environment const& environment) {
+    return start(program, arguments, environment, Surroundings::Session::itsOwn).has_value();
 }
 
 } // namespace Platform::ChildProgram
