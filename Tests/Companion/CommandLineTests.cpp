@@ -104,7 +104,7 @@ INSTANTIATE_TEST_SUITE_P(
                  R"(there is no command "sources delete"; see "quillora --help")"},
         WrongUse{"groupAlone",
                  {"sources"},
-                 R"(sources needs a command: list, add or remove; see "quillora sources --help")"},
+                 R"(sources needs a command: list, add, remove or refresh; see "quillora sources --help")"},
         WrongUse{
             "unknownOption", {"day", "--frob"}, R"(there is no option "--frob"; see "quillora day --help")"},
         WrongUse{"unknownOptionWithValue",

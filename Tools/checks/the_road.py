@@ -35,6 +35,8 @@ PARTS_ACROSS = {
     # Keys and sealed databases are files, read and written by descriptor.
     "quillora_platform_keychain_file": {"quillora_platform_files_posix"},
     "quillora_platform_objectdatabase_sealed": {"quillora_platform_files_posix"},
+    # Sound and speech are other programs.
+    "quillora_platform_audio_programs": {"quillora_platform_processes_posix"},
     # The window shows what the painter draws, and is one instance on the bus that the host listens to.
     "quillora_platform_desktop_gtk": {"quillora_platform_face_cairo", "quillora_platform_widgethost_glib"},
 }
