@@ -6,7 +6,7 @@ import random
 
 DAY = datetime.date(2026, 3, 11)
 FIRST, LAST = datetime.date(2006, 1, 1), datetime.date(2027, 1, 1)
-BASE = 100_000  # What is beyond so many events lies far from the day.
+BASE = 100_000  # What is beyond so many events lies far from the day, its last repetition too.
 ZONES = ["Europe/Berlin"] * 7 + ["America/New_York", "Asia/Shanghai", "Australia/Sydney"]
 WORDS = "agenda budget review lunch call with the team about next steps and the numbers of last quarter".split()
 WEEKDAYS = "MO TU WE TH FR SA SU".split()
@@ -22,7 +22,7 @@ class Event:
     def __init__(self, number):
         numbers = random.Random(number)
         self.number = number
-        last = LAST if number < BASE else datetime.date(2024, 1, 1)
+        last = LAST if number < BASE else datetime.date(2022, 1, 1)
         self.day = FIRST + datetime.timedelta(numbers.randrange((last - FIRST).days))
         self.is_all_day = numbers.random() < 0.17
         self.start = datetime.datetime.combine(self.day, datetime.time(numbers.randrange(7, 21), numbers.choice([0, 15, 30, 45])))
@@ -79,14 +79,14 @@ def small_files(folder, count, calendars=8):
     return folder
 
 
-def large_files(folder, count, events=10_000):
-    """So many events a file, each file in a calendar folder of its own."""
-    for first in range(0, count, events):
-        path = os.path.join(folder, f"calendar-{first // events:03}")
+def large_files(folder, count, calendars=16):
+    """All events in so many calendar folders with one file each."""
+    for calendar in range(calendars):
+        path = os.path.join(folder, f"calendar-{calendar:02}")
         os.makedirs(path)
         with open(os.path.join(path, "events.ics"), "w", encoding="utf-8", newline="") as file:
             file.write(HEAD)
-            for number in range(first, min(first + events, count)):
+            for number in range(calendar, count, calendars):
                 file.write(Event(number).text())
             file.write(FOOT)
     return folder
