@@ -160,9 +160,20 @@ private:
              {std::pair("ActionInvoked", &actionInvoked), std::pair("NotificationClosed", &closed)}) {
             subscriptions.push_back(g_dbus_connection_signal_subscribe(
                 bus.get(), serverName, serverName, signal, serverPath, nullptr, G_DBUS_SIGNAL_FLAGS_NONE,
-                handler, new std::weak_ptr(weak_from_this()),
-                [](gpointer weak) { delete static_cast<std::weak_ptr<Server>*>(weak); }));
+                handler, new std::weak_ptr(weak_from_this()), releaseWeak));
         }
+        // A new server gives the numbers of a former one to other programs' notifications.
+        subscriptions.push_back(g_dbus_connection_signal_subscribe(
+            bus.get(), "org.freedesktop.DBus", "org.freedesktop.DBus", "NameOwnerChanged",
+            "/org/freedesktop/DBus", serverName, G_DBUS_SIGNAL_FLAGS_NONE, serverChanged,
+            new std::weak_ptr(weak_from_this()), releaseWeak));
+    }
+
+    static void releaseWeak(gpointer weak) noexcept { delete static_cast<std::weak_ptr<Server>*>(weak); }
+
+    static void serverChanged(GDBusConnection*, gchar const*, gchar const*, gchar const*, gchar const*,
+                              GVariant*, gpointer data) noexcept {
+        if (auto const server = static_cast<std::weak_ptr<Server>*>(data)->lock()) server->shown.clear();
     }
 
     void disconnect() {
@@ -248,16 +259,22 @@ private:
         showing->end({});
     }
 
-    static void actionInvoked(GDBusConnection*, gchar const*, gchar const*, gchar const*, gchar const*,
-                              GVariant* arguments, gpointer data) noexcept {
+    static void actionInvoked(GDBusConnection* bus, gchar const* sender, gchar const*, gchar const*,
+                              gchar const*, GVariant* arguments, gpointer data) noexcept {
         auto const server = static_cast<std::weak_ptr<Server>*>(data)->lock();
         if (!server || g_variant_is_of_type(arguments, G_VARIANT_TYPE("(us)")) == FALSE) return;
         std::uint32_t number = 0;
         char const* action = nullptr;
         g_variant_get(arguments, "(u&s)", &number, &action);
         auto const answered = server->take(number);
+        if (answered.empty()) return;
+        // Most servers take away what was answered by themselves; not all do, nor in all their ways to
+        // answer.
+        g_dbus_connection_call(bus, sender, serverPath, serverName, "CloseNotification",
+                               g_variant_new("(u)", number), nullptr, G_DBUS_CALL_FLAGS_NO_AUTO_START,
+                               answerPatience, nullptr, nullptr, nullptr);
         auto const handler = server->onResponse;
-        if (answered.empty() || !handler) return;
+        if (!handler) return;
         bool const isPress = std::string_view(action) == pressAction;
         handler(answered.key(), isPress ? answered.mapped().pressAction : action);
     }

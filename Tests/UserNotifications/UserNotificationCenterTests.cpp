@@ -2,6 +2,7 @@
 #include "Platform/UserNotifications/SessionBusUserNotificationCenter.h"
 
 #include "Tests/Platform/PrivateBus.h"
+#include "Tests/UserNotifications/DesktopNotificationServer.h"
 #include "Tests/UserNotifications/StubNotificationServer.h"
 #include "Tests/WidgetHost/LoopDriver.h"
 
@@ -30,14 +31,15 @@ class World {
 public:
     virtual ~World() = default;
     virtual UserNotificationCenter& center() = 0;
-    /// Titles of what is on the screen, oldest first.
+    /// Titles of what is on the screen, oldest first. Asked once, at the end.
     virtual Texts titlesOnScreen() = 0;
     virtual void choose(std::string const& title, std::string const& action) = 0;
-    virtual void refuse() = 0;
+    /// From now on nothing can be shown; yields what the reason then contains.
+    virtual std::string refuse() = 0;
     virtual bool waitUntil(std::function<bool()> const& condition) = 0;
 };
 
-class BusWorld final : public World {
+class StubWorld final : public World {
 public:
     UserNotificationCenter& center() override { return notifications; }
 
@@ -51,7 +53,10 @@ public:
         for (auto const& one : onScreen())
             if (one.title == title) server.choose(one.number, action);
     }
-    void refuse() override { server.refuse(); }
+    std::string refuse() override {
+        server.refuse();
+        return "the screen is full";
+    }
     bool waitUntil(std::function<bool()> const& condition) override {
         return LoopDriver::runUntil(condition);
     }
@@ -71,6 +76,30 @@ private:
     SessionBusUserNotificationCenter notifications{bus.address(), {.name = "Test", .desktopEntry = "t"}};
 };
 
+class DesktopWorld final : public World {
+public:
+    UserNotificationCenter& center() override { return notifications; }
+    Texts titlesOnScreen() override { return isServing ? server.titlesClearedAndRemembered() : Texts{}; }
+    void choose(std::string const& title, std::string const& action) override {
+        EXPECT_TRUE(server.awaitOnScreen(1)); // Its menu names what is there.
+        server.choose(title, action);
+    }
+    std::string refuse() override {
+        server.kill();
+        isServing = false;
+        return SessionBusUserNotificationCenter::serverName;
+    }
+    bool waitUntil(std::function<bool()> const& condition) override {
+        return LoopDriver::runUntil(condition);
+    }
+
+private:
+    PrivateBus bus;
+    DesktopNotificationServer server{bus.address()};
+    bool isServing = true;
+    SessionBusUserNotificationCenter notifications{bus.address(), {.name = "Test", .desktopEntry = "t"}};
+};
+
 class FakeWorld final : public World {
 public:
     UserNotificationCenter& center() override { return notifications; }
@@ -85,7 +114,10 @@ public:
         for (auto const& one : onScreen)
             if (one.title == title) notifications.choose(one.identifier, action);
     }
-    void refuse() override { notifications.failsWith("the screen is full"); }
+    std::string refuse() override {
+        notifications.failsWith("the screen is full");
+        return "the screen is full";
+    }
     bool waitUntil(std::function<bool()> const& condition) override { return condition(); }
 
 private:
@@ -120,7 +152,9 @@ protected:
 INSTANTIATE_TEST_SUITE_P(
     , UserNotificationCenterContractTests,
     testing::Values(
-        Implementation{"Bus", []() -> std::unique_ptr<World> { return std::make_unique<BusWorld>(); }},
+        Implementation{"Stub", []() -> std::unique_ptr<World> { return std::make_unique<StubWorld>(); }},
+        Implementation{"Desktop",
+                       []() -> std::unique_ptr<World> { return std::make_unique<DesktopWorld>(); }},
         Implementation{"Fake", []() -> std::unique_ptr<World> { return std::make_unique<FakeWorld>(); }}),
     [](auto const& tested) { return tested.param.name; });
 
@@ -153,8 +187,8 @@ TEST_P(UserNotificationCenterContractTests, aChosenActionIsToldOnce) {
 }
 
 TEST_P(UserNotificationCenterContractTests, whyNothingCanBeShownIsTold) {
-    world->refuse();
-    EXPECT_NE(outcomeOf(standUp).find("the screen is full"), std::string::npos);
+    auto const reason = world->refuse();
+    EXPECT_NE(outcomeOf(standUp).find(reason), std::string::npos);
     EXPECT_EQ(world->titlesOnScreen(), Texts{});
 }
 
