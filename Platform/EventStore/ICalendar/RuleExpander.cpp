@@ -1,63 +1,15 @@
 #include "Platform/EventStore/ICalendar/RuleExpander.h"
 
+#include "Platform/EventStore/ICalendar/BitSets.h"
 #include "Platform/EventStore/ICalendar/CivilDays.h"
 
 #include <algorithm>
-#include <bit>
 
 namespace Platform::ICalendar {
 namespace {
 
 constexpr std::int64_t minutesPerDay = 1440;
 constexpr std::int64_t hoursPerDay = 24;
-
-// Bits 0, 7, 14, 21, 28: the days of a month that share the weekday of the 1st.
-constexpr std::uint32_t everySeventhDay = 0x10204081;
-
-constexpr std::uint32_t lowBits(std::int64_t count) {
-    return static_cast<std::uint32_t>((std::uint64_t(1) << count) - 1);
-}
-
-constexpr bool hasBit(std::uint64_t bits, std::int64_t bit) {
-    return (bits >> bit & 1) != 0;
-}
-
-constexpr std::int64_t lowestBit(std::uint64_t bits) {
-    return std::countr_zero(bits);
-}
-
-constexpr std::int64_t bitCount(std::uint64_t bits) {
-    return std::popcount(bits);
-}
-
-// The value of the bit that has `position` set bits below it.
-std::int64_t bitAt(std::uint64_t bits, std::int64_t position) {
-    for (; position > 0; --position)
-        bits &= bits - 1;
-    return lowestBit(bits);
-}
-
-void setBit(std::uint64_t& bits, std::int32_t bit) {
-    bits |= std::uint64_t(1) << bit;
-}
-
-std::uint64_t bitsOf(std::vector<std::int32_t> const& values) {
-    std::uint64_t bits = 0;
-    for (auto const value : values)
-        setBit(bits, value);
-    return bits;
-}
-
-// Sets the bit of a month for a day of the year, both counted from 0, if it lies in that month.
-void setDayOfYear(std::uint32_t& days, std::int64_t dayOfYear, std::int64_t firstDayOfYear,
-                  std::int32_t length) {
-    auto const day = dayOfYear - firstDayOfYear;
-    if (day >= 0 && day < length) days |= std::uint32_t(1) << day;
-}
-
-std::int64_t newYear(std::int32_t year) {
-    return dayNumber({.year = year, .month = 1, .day = 1});
-}
 
 // The smallest multiple of `interval` away from `base` that is not below `value`.
 std::int64_t alignedUp(std::int64_t value, std::int64_t base, std::int64_t interval) {
@@ -70,43 +22,10 @@ RuleExpander::RuleExpander(RecurrenceRule const& rule, std::int64_t start)
     : rule(rule),
       start(start),
       startDay(floorDivide(start, secondsPerDay)),
-      startMonth(monthOfDay(startDay).index),
-      startWeek(startDay - floorModulo(weekdayOf(startDay) - rule.weekStart, 7)) {
-    setDayFilters();
+      startMonth(RuleMonth::ofDay(startDay).index),
+      startWeek(startDay - floorModulo(weekdayOf(startDay) - rule.weekStart, 7)),
+      ruleDays(rule, startDay) {
     setTimes();
-}
-
-void RuleExpander::setDayFilters() {
-    auto const civil = civilDay(startDay);
-    months = static_cast<std::uint32_t>(bitsOf(rule.byMonth));
-    for (auto const day : rule.byMonthDay)
-        setBit(day > 0 ? monthDays : monthDaysFromEnd, std::abs(day));
-    for (auto const week : rule.byWeekNumber)
-        setBit(week > 0 ? weekNumbers : weekNumbersFromEnd, std::abs(week));
-    bool const mayCount = rule.frequency == Frequency::monthly ||
-                          (rule.frequency == Frequency::yearly && rule.byWeekNumber.empty());
-    for (auto const& day : rule.byDay) {
-        if (day.ordinal != 0 && mayCount) {
-            countsWeekdays = true;
-        } else {
-            weekdays |= 1U << day.weekday;
-        }
-    }
-    countsWeekdaysInYear = countsWeekdays && rule.frequency == Frequency::yearly && rule.byMonth.empty();
-
-    // What the rule leaves open comes from DTSTART.
-    bool const namesDays = !rule.byDay.empty() || !rule.byMonthDay.empty() || !rule.byYearDay.empty();
-    bool const isYearly = rule.frequency == Frequency::yearly;
-    if (!namesDays && isYearly && !rule.byWeekNumber.empty()) {
-        weekdays = 1U << weekdayOf(startDay);
-    } else if (!namesDays && rule.byWeekNumber.empty()) {
-        if (isYearly && months == 0) months = 1U << civil.month;
-        if (isYearly || rule.frequency == Frequency::monthly) setBit(monthDays, civil.day);
-        if (rule.frequency == Frequency::weekly) weekdays = 1U << weekdayOf(startDay);
-    }
-    filtersWeekdays = weekdays != 0 || countsWeekdays;
-    filtersDays = filtersWeekdays || months != 0 || monthDays != 0 || monthDaysFromEnd != 0 ||
-                  !rule.byYearDay.empty() || !rule.byWeekNumber.empty();
 }
 
 void RuleExpander::setTimes() {
@@ -131,97 +50,9 @@ void RuleExpander::setTimes() {
     timesPerDay = bitCount(hours) * bitCount(minutes) * bitCount(seconds);
 }
 
-RuleExpander::Month RuleExpander::monthWithIndex(std::int64_t index) {
-    auto const year = static_cast<std::int32_t>(floorDivide(index, 12));
-    auto const month = static_cast<std::int32_t>(floorModulo(index, 12)) + 1;
-    return {.index = index,
-            .firstDay = dayNumber({.year = year, .month = month, .day = 1}),
-            .year = year,
-            .month = month,
-            .length = daysInMonth(year, month)};
-}
-
-RuleExpander::Month RuleExpander::monthOfDay(std::int64_t dayNumber) {
-    auto const civil = civilDay(dayNumber);
-    return {.index = std::int64_t(civil.year) * 12 + civil.month - 1,
-            .firstDay = dayNumber - civil.day + 1,
-            .year = civil.year,
-            .month = civil.month,
-            .length = daysInMonth(civil.year, civil.month)};
-}
-
-// The days of a month that pass every filter, as bits from the 1st on. The interval is another matter.
-std::uint32_t RuleExpander::matchingDays(Month const& month) const {
-    if (months != 0 && !hasBit(months, month.month)) return 0;
-    auto days = lowBits(month.length);
-    if (monthDays != 0 || monthDaysFromEnd != 0) days &= daysOfMonthDays(month);
-    if (filtersWeekdays) days &= daysOfWeekdays(month);
-    if (!rule.byYearDay.empty()) days &= daysOfYearDays(month);
-    if (!rule.byWeekNumber.empty()) days &= daysOfWeekNumbers(month);
-    return days;
-}
-
-std::uint32_t RuleExpander::daysOfMonthDays(Month const& month) const {
-    auto days = static_cast<std::uint32_t>(monthDays >> 1);
-    for (auto rest = monthDaysFromEnd; rest != 0; rest &= rest - 1) {
-        auto const day = month.length - lowestBit(rest);
-        if (day >= 0) days |= std::uint32_t(1) << day;
-    }
-    return days;
-}
-
-std::uint32_t RuleExpander::daysOfWeekdays(Month const& month) const {
-    std::uint32_t days = 0;
-    auto const firstWeekday = weekdayOf(month.firstDay);
-    for (std::uint64_t rest = weekdays; rest != 0; rest &= rest - 1) {
-        days |= everySeventhDay << floorModulo(lowestBit(rest) - firstWeekday, 7);
-    }
-    if (!countsWeekdays) return days;
-
-    auto const scopeStart = countsWeekdaysInYear ? newYear(month.year) : month.firstDay;
-    auto const scopeLength = countsWeekdaysInYear ? daysInYear(month.year) : month.length;
-    for (auto const& counted : rule.byDay) {
-        if (counted.ordinal == 0) continue;
-        auto const first = floorModulo(counted.weekday - weekdayOf(scopeStart), 7);
-        auto const last = first + (scopeLength - 1 - first) / 7 * 7;
-        auto const day =
-            counted.ordinal > 0 ? first + 7 * (counted.ordinal - 1) : last + 7 * (counted.ordinal + 1);
-        if (day < 0 || day >= scopeLength) continue;
-        setDayOfYear(days, day, month.firstDay - scopeStart, month.length);
-    }
-    return days;
-}
-
-std::uint32_t RuleExpander::daysOfYearDays(Month const& month) const {
-    std::uint32_t days = 0;
-    auto const firstDayOfYear = month.firstDay - newYear(month.year);
-    auto const yearLength = daysInYear(month.year);
-    for (auto const day : rule.byYearDay) {
-        setDayOfYear(days, day > 0 ? day - 1 : yearLength + day, firstDayOfYear, month.length);
-    }
-    return days;
-}
-
-// A week belongs to the year that holds its fourth day, and so most of it.
-std::uint32_t RuleExpander::daysOfWeekNumbers(Month const& month) const {
-    std::uint32_t days = 0;
-    auto week = month.firstDay - floorModulo(weekdayOf(month.firstDay) - rule.weekStart, 7);
-    for (; week < month.firstDay + month.length; week += 7) {
-        auto const year = civilDay(week + 3).year;
-        auto const number = (week + 3 - newYear(year)) / 7 + 1;
-        auto const lateDecember = dayNumber({.year = year, .month = 12, .day = 28});
-        auto const lastWeek = lateDecember - floorModulo(weekdayOf(lateDecember) - rule.weekStart, 7);
-        auto const weeksInYear = (lastWeek + 3 - newYear(year)) / 7 + 1;
-        if (!hasBit(weekNumbers, number) && !hasBit(weekNumbersFromEnd, weeksInYear - number + 1)) continue;
-        auto const offset = week - month.firstDay;
-        days |= offset >= 0 ? lowBits(7) << offset : lowBits(7) >> -offset;
-    }
-    return days;
-}
-
 // The days of a month that lie in a counted period of DAILY and WEEKLY rules. Of MONTHLY and YEARLY ones the
 // month itself does, or is not visited; the others count units within a day.
-std::uint32_t RuleExpander::daysOfInterval(Month const& month) const {
+std::uint32_t RuleExpander::daysOfInterval(RuleMonth const& month) const {
     if (rule.interval == 1) return lowBits(month.length);
     std::uint32_t days = 0;
     auto const end = month.firstDay + month.length;
@@ -273,11 +104,11 @@ std::int64_t RuleExpander::nextMonthOfInterval(std::int64_t monthIndex) const {
         auto const next = alignedUp(year, floorDivide(startMonth, 12), rule.interval);
         return next == year ? monthIndex : next * 12;
     }
-    auto const firstDay = monthWithIndex(monthIndex).firstDay;
+    auto const firstDay = RuleMonth::withIndex(monthIndex).firstDay;
     auto const next = nextDayOfInterval(firstDay);
     constexpr std::int64_t farAway = 62;
     if (next - firstDay < farAway) return monthIndex;
-    return next > lastDayNumber ? monthOfDay(lastDayNumber).index + 1 : monthOfDay(next).index;
+    return next > lastDayNumber ? RuleMonth::ofDay(lastDayNumber).index + 1 : RuleMonth::ofDay(next).index;
 }
 
 // Calls `take` with each month of [firstDay, lastDay] and its matching days within those; stops when it says
@@ -286,12 +117,12 @@ template <typename Take>
 bool RuleExpander::forEachMonth(std::int64_t firstDay, std::int64_t lastDay, std::int64_t& steps,
                                 Take take) const {
     if (firstDay > lastDay) return true;
-    auto const lastIndex = monthOfDay(lastDay).index;
-    auto index = nextMonthOfInterval(monthOfDay(firstDay).index);
+    auto const lastIndex = RuleMonth::ofDay(lastDay).index;
+    auto index = nextMonthOfInterval(RuleMonth::ofDay(firstDay).index);
     for (; index <= lastIndex; index = nextMonthOfInterval(index + 1)) {
         if (--steps < 0) return false;
-        auto const month = monthWithIndex(index);
-        auto days = matchingDays(month) & daysOfInterval(month);
+        auto const month = RuleMonth::withIndex(index);
+        auto days = ruleDays.in(month)&daysOfInterval(month);
         if (month.firstDay < firstDay) days &= ~lowBits(firstDay - month.firstDay);
         if (month.firstDay + month.length - 1 > lastDay) days &= lowBits(lastDay - month.firstDay + 1);
         if (!take(month, days)) return false;
@@ -327,7 +158,7 @@ bool RuleExpander::forEachTimeByDay(std::int64_t from, std::int64_t to, std::int
     };
     auto const firstDay = floorDivide(from, secondsPerDay);
     auto const lastDay = floorDivide(to, secondsPerDay);
-    return forEachMonth(firstDay, lastDay, steps, [&](Month const& month, std::uint32_t days) {
+    return forEachMonth(firstDay, lastDay, steps, [&](RuleMonth const& month, std::uint32_t days) {
         for (; days != 0; days &= days - 1) {
             if (!takeTimes((month.firstDay + lowestBit(days)) * secondsPerDay)) return false;
         }
@@ -364,8 +195,8 @@ bool RuleExpander::forEachTimeByPeriod(std::int64_t from, std::int64_t to, std::
     auto const addDays = [&](std::int64_t first, std::int64_t last) {
         for (auto day = first; day <= last;) {
             --steps;
-            auto const month = monthOfDay(day);
-            auto matching = matchingDays(month) & ~lowBits(day - month.firstDay);
+            auto const month = RuleMonth::ofDay(day);
+            auto matching = ruleDays.in(month) & ~lowBits(day - month.firstDay);
             if (month.firstDay + month.length - 1 > last) matching &= lowBits(last - month.firstDay + 1);
             for (; matching != 0; matching &= matching - 1)
                 days.push_back(month.firstDay + lowestBit(matching));
@@ -380,12 +211,12 @@ bool RuleExpander::forEachTimeByPeriod(std::int64_t from, std::int64_t to, std::
         if (rule.frequency == Frequency::yearly) {
             auto const year = alignedUp(civilDay(day).year, floorDivide(startMonth, 12), rule.interval);
             if (year > 9999) return true;
-            first = newYear(static_cast<std::int32_t>(year));
+            first = RuleMonth::withIndex(year * 12).firstDay;
             last = first + daysInYear(static_cast<std::int32_t>(year)) - 1;
         } else if (rule.frequency == Frequency::monthly) {
-            auto const index = alignedUp(monthOfDay(day).index, startMonth, rule.interval);
-            if (index > monthOfDay(lastDayNumber).index) return true;
-            auto const month = monthWithIndex(index);
+            auto const index = alignedUp(RuleMonth::ofDay(day).index, startMonth, rule.interval);
+            if (index > RuleMonth::ofDay(lastDayNumber).index) return true;
+            auto const month = RuleMonth::withIndex(index);
             first = month.firstDay;
             last = first + month.length - 1;
         } else if (rule.frequency == Frequency::weekly) {
@@ -481,7 +312,7 @@ bool RuleExpander::forEachTime(std::int64_t from, std::int64_t to, std::int64_t&
     }
     auto const lastDay = floorDivide(to, secondsPerDay);
     return forEachMonth(
-        floorDivide(from, secondsPerDay), lastDay, steps, [&](Month const& month, std::uint32_t days) {
+        floorDivide(from, secondsPerDay), lastDay, steps, [&](RuleMonth const& month, std::uint32_t days) {
             for (; days != 0; days &= days - 1) {
                 if (!forEachTimeWithinDay(month.firstDay + lowestBit(days), from, to, steps, take))
                     return false;
@@ -524,18 +355,16 @@ std::int64_t RuleExpander::closedCountEnd(std::int64_t count) const {
     };
     if (!isPlain) return -1;
     switch (rule.frequency) {
-    case Frequency::secondly: return filtersDays ? -1 : at(count - 1, 1, start);
-    case Frequency::minutely: return filtersDays ? -1 : at(count - 1, 60, start);
-    case Frequency::hourly: return filtersDays ? -1 : at(count - 1, 3600, start);
-    case Frequency::daily: return filtersDays ? -1 : at(count - 1, secondsPerDay, start);
+    case Frequency::secondly: return ruleDays.filters() ? -1 : at(count - 1, 1, start);
+    case Frequency::minutely: return ruleDays.filters() ? -1 : at(count - 1, 60, start);
+    case Frequency::hourly: return ruleDays.filters() ? -1 : at(count - 1, 3600, start);
+    case Frequency::daily: return ruleDays.filters() ? -1 : at(count - 1, secondsPerDay, start);
     case Frequency::weekly: {
-        bool const filtersOnlyWeekdays = months == 0 && monthDays == 0 && monthDaysFromEnd == 0 &&
-                                         rule.byYearDay.empty() && rule.byWeekNumber.empty();
-        if (!filtersOnlyWeekdays) return -1;
+        if (ruleDays.filtersOthers()) return -1;
         // Bit n: the week's day n, counted from its first.
         std::uint64_t days = 0;
         for (std::int32_t day = 0; day < 7; ++day) {
-            if (hasBit(weekdays, floorModulo(rule.weekStart + day, 7))) setBit(days, day);
+            if (hasBit(ruleDays.plainWeekdays(), floorModulo(rule.weekStart + day, 7))) setBit(days, day);
         }
         auto const before = bitCount(days & lowBits(startDay - startWeek));
         auto const position = before + count - 1;
@@ -573,7 +402,7 @@ RuleExpander::CountEnd RuleExpander::endOfCount(std::int64_t count, std::int64_t
         if (rest <= 0) return {.last = last, .isCut = false};
         from = endOfStartDay + 1;
         bool const isWithinYears =
-            forEachMonth(startDay + 1, lastDayNumber, steps, [&](Month const& month, std::uint32_t days) {
+            forEachMonth(startDay + 1, lastDayNumber, steps, [&](RuleMonth const& month, std::uint32_t days) {
                 from = std::max(from, month.firstDay * secondsPerDay);
                 auto const times = bitCount(days) * timesPerDay;
                 if (times >= rest) return false;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/EventStore/ICalendar/RecurrenceRule.h"
+#include "Platform/EventStore/ICalendar/RuleDays.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -33,25 +34,9 @@ public:
     [[nodiscard]] CountEnd endOfCount(std::int64_t count, std::int64_t& steps) const;
 
 private:
-    struct Month {
-        std::int64_t index;    // year × 12 + month − 1
-        std::int64_t firstDay; // Day number of the 1st.
-        std::int32_t year;
-        std::int32_t month;
-        std::int32_t length;
-    };
-    static Month monthWithIndex(std::int64_t index);
-    static Month monthOfDay(std::int64_t dayNumber);
-
-    void setDayFilters();
     void setTimes();
 
-    [[nodiscard]] std::uint32_t matchingDays(Month const& month) const;
-    [[nodiscard]] std::uint32_t daysOfMonthDays(Month const& month) const;
-    [[nodiscard]] std::uint32_t daysOfWeekdays(Month const& month) const;
-    [[nodiscard]] std::uint32_t daysOfYearDays(Month const& month) const;
-    [[nodiscard]] std::uint32_t daysOfWeekNumbers(Month const& month) const;
-    [[nodiscard]] std::uint32_t daysOfInterval(Month const& month) const;
+    [[nodiscard]] std::uint32_t daysOfInterval(RuleMonth const& month) const;
     [[nodiscard]] std::int64_t nextMonthOfInterval(std::int64_t monthIndex) const;
     [[nodiscard]] std::int64_t nextDayOfInterval(std::int64_t dayNumber) const;
     [[nodiscard]] std::int64_t timeOfDay(std::int64_t position) const;
@@ -78,18 +63,9 @@ private:
     std::int64_t startMonth; // year × 12 + month − 1
     std::int64_t startWeek;  // Day number of the first day of DTSTART's week.
 
-    // Bit n stands for the value n.
-    std::uint32_t months = 0;
-    std::uint64_t monthDays = 0;
-    std::uint64_t monthDaysFromEnd = 0;
-    std::uint32_t weekdays = 0;
-    std::uint64_t weekNumbers = 0;
-    std::uint64_t weekNumbersFromEnd = 0;
-    bool filtersWeekdays = false;
-    bool countsWeekdays = false;       // Some BYDAY has an ordinal that counts,
-    bool countsWeekdaysInYear = false; // within the year, not the month.
-    bool filtersDays = false;
+    RuleDays ruleDays;
 
+    // Bit n stands for the value n.
     std::uint32_t hours = 0;
     std::uint64_t minutes = 0;
     std::uint64_t seconds = 0;
