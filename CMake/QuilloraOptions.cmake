@@ -37,6 +37,9 @@ target_compile_definitions(quillora_settings INTERFACE
     BOOST_ASIO_SEPARATE_COMPILATION BOOST_ASIO_NO_DEPRECATED
     $<$<CONFIG:Debug>:_GLIBCXX_ASSERTIONS>)
 
+# A program names only those libraries that it uses: each costs time at every start.
+target_link_options(quillora_settings INTERFACE LINKER:--as-needed)
+
 find_program(LLD_PROGRAM NAMES ld.lld-19)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang" AND LLD_PROGRAM)
     target_link_options(quillora_settings INTERFACE "--ld-path=${LLD_PROGRAM}")

@@ -3,6 +3,7 @@
 #include "Applications/Alarms/DesktopBell.h"
 #include "Applications/Alarms/Texts.h"
 #include "Applications/Composition/AlarmServiceLock.h"
+#include "Applications/Composition/LiveHTMLReader.h"
 #include "Applications/Composition/LiveServices.h"
 #include "Applications/Watching/CalendarWatches.h"
 #include "Applications/Watching/PreferenceWatches.h"
@@ -42,7 +43,7 @@ std::vector<std::string> details(Meetings::MeetEntity meet, Composition::LiveSer
                                  Platform::MainExecutor& mainExecutor) {
     meet.metName.clear(); // The title says it.
     return WidgetExtension::meetSummaryLines(meet, services.region()->currentCalendar(),
-                                             *services.htmlReader(), mainExecutor);
+                                             Composition::liveHTMLReader(), mainExecutor);
 }
 
 void runAlarms(Composition::LiveServices& services, Platform::CalendarStorePlaces const& places) {

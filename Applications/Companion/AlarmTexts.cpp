@@ -5,10 +5,6 @@
 
 namespace Companion::Texts {
 
-std::string settingNotSaved(std::string_view reason) {
-    return text("setting-not-saved", told(reason));
-}
-
 std::string alarmModeSet(std::string_view title) {
     return text("alarm-mode-set", title);
 }

@@ -8,7 +8,6 @@
 /// What the program says of alarms.
 namespace Companion::Texts {
 
-std::string settingNotSaved(std::string_view reason);
 std::string alarmModeSet(std::string_view title);
 std::string alarmVoiceSet(std::string_view title);
 std::string alarmTemplateSet(std::string_view sample);

@@ -79,13 +79,13 @@ void checkArguments(Command const& command, std::vector<std::string> const& give
 }
 
 // The deepest command or group that the first words name; they are taken off `words`.
-Command const* takeCommand(std::vector<std::string>& words) {
+Command const* takeCommand(std::vector<std::string>& words, Commands commands) {
     Command const* command = nullptr;
     std::string path;
     while (!words.empty() && !looksLikeOption(words.front())) {
         if (command != nullptr && command->run != nullptr) break;
         path += (path.empty() ? "" : " ") + words.front();
-        command = findCommand(path);
+        command = findCommand(path, commands);
         if (command == nullptr) throw CommandError::wrongUse(Texts::unknownCommand(path));
         words.erase(words.begin());
     }
@@ -93,11 +93,11 @@ Command const* takeCommand(std::vector<std::string>& words) {
 }
 
 // What a group, or the program without a command, can still be asked.
-CommandLine parseForGroup(Command const* group, std::vector<std::string> const& words) {
+CommandLine parseForGroup(Command const* group, std::vector<std::string> const& words, Commands commands) {
     if (words.empty()) {
         if (group == nullptr) return HelpRequest{nullptr};
         std::vector<std::string> members;
-        for (auto const* member : commandsBelow(group->path))
+        for (auto const* member : commandsBelow(group->path, commands))
             members.push_back(member->path.substr(group->path.size() + 1));
         throw CommandError::wrongUse(Texts::missingSubcommand(group->path, members));
     }
@@ -123,10 +123,10 @@ bool ArgumentValues::has(std::string_view name) const {
     return options.contains(name);
 }
 
-CommandLine parseCommandLine(std::vector<std::string> const& words) {
+CommandLine parseCommandLine(std::vector<std::string> const& words, Commands commands) {
     auto rest = words;
-    Command const* command = takeCommand(rest);
-    if (command == nullptr || command->run == nullptr) return parseForGroup(command, rest);
+    Command const* command = takeCommand(rest, commands);
+    if (command == nullptr || command->run == nullptr) return parseForGroup(command, rest, commands);
 
     auto read = readOptions(*command, std::move(rest));
     if (read.has("--help")) return HelpRequest{command};

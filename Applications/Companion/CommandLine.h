@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Applications/Companion/CommandTable.h"
+#include "Applications/Companion/Command.h"
 
 #include <map>
 #include <optional>
@@ -46,8 +46,8 @@ struct VersionRequest {};
 
 using CommandLine = std::variant<CommandToRun, HelpRequest, VersionRequest>;
 
-/// Reads a command line, the program's own name left out, by the command table. Throws CommandError with
+/// Reads a command line, the program's own name left out, as one of `commands`. Throws CommandError with
 /// ExitCode::wrongUse and one line that names what was not understood and where to look.
-CommandLine parseCommandLine(std::vector<std::string> const& words);
+CommandLine parseCommandLine(std::vector<std::string> const& words, Commands commands);
 
 } // namespace Companion

@@ -2,15 +2,14 @@
 
 #include "Applications/Companion/Commands.h"
 #include "Applications/Companion/ExplainCommand.h"
-
-#include <algorithm>
+#include "Applications/Companion/WholeDay.h"
 
 namespace Companion {
 
-std::span<Command const> commandTable() {
+Commands commandTable() {
     static std::vector<Command> const table = {
         setupCommand(),
-        dayCommand(),
+        dayCommand(showWholeDay),
         nextCommand(),
         previousCommand(),
         todayCommand(),
@@ -70,19 +69,11 @@ std::span<Command const> commandTable() {
 }
 
 Command const* findCommand(std::string_view path) {
-    auto const table = commandTable();
-    auto const found = std::ranges::find(table, path, &Command::path);
-    return found == table.end() ? nullptr : &*found;
+    return findCommand(path, commandTable());
 }
 
 std::vector<Command const*> commandsBelow(std::string_view path) {
-    std::vector<Command const*> members;
-    for (auto const& command : commandTable()) {
-        auto const blank = command.path.rfind(' ');
-        auto const parent = blank == std::string::npos ? "" : command.path.substr(0, blank);
-        if (parent == path) members.push_back(&command);
-    }
-    return members;
+    return commandsBelow(path, commandTable());
 }
 
 } // namespace Companion

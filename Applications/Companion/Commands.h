@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Applications/Companion/CommandTable.h"
+#include "Applications/Companion/Command.h"
 
 /// The commands that the table lists, each defined in a file of its own topic.
 namespace Companion {
@@ -14,7 +14,8 @@ Command accessGrantCommand();
 Command accessDenyCommand();
 Command accessResetCommand();
 
-Command dayCommand();
+/// What runs it is `showDay`, or `showWholeDay` where all is linked that a day can be shown with.
+Command dayCommand(CommandRun run);
 Command nextCommand();
 Command previousCommand();
 Command todayCommand();

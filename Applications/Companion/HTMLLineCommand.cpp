@@ -1,6 +1,7 @@
 #include "Applications/Companion/Commands.h"
-#include "Applications/Companion/Support.h"
+#include "Applications/Companion/Invocation.h"
 #include "Applications/Companion/Texts.h"
+#include "Applications/Composition/LiveHTMLReader.h"
 #include "Foundation/Text.h"
 #include "Platform/HTMLReader/HTMLReader.h"
 #include "Platform/WidgetHost/CallingThreadMainExecutor.h"
@@ -67,10 +68,9 @@ std::string shown(std::string_view text) {
 }
 
 ExitCode run(Invocation const& invocation) {
-    auto const services = liveServices(invocation);
     Platform::CallingThreadMainExecutor main;
     auto const line =
-        WidgetExtension::HTMLAttributedTextUtil::parse(boundedInput(), *services->htmlReader(), main);
+        WidgetExtension::HTMLAttributedTextUtil::parse(boundedInput(), Composition::liveHTMLReader(), main);
     if (line) invocation.console.write(shown(line->string));
     return ExitCode::done;
 }

@@ -74,7 +74,8 @@ std::string examples(std::vector<CommandExample> const& list) {
     if (list.empty()) return {};
     std::string page = "\n" + Texts::examplesHeading() + "\n";
     for (auto const& example : list)
-        page += std::string(margin, ' ') + example.commandLine + "\n" + wrapped(example.meaning, margin + 4);
+        page += std::string(margin, ' ') + example.commandLine + "\n" +
+                wrapped(example.meaning.text(), margin + 4);
     return page;
 }
 
@@ -147,7 +148,7 @@ std::string synopsis(Command const& command) {
 
 std::string helpText(Command const* command) {
     if (command == nullptr) return programHelp();
-    std::string page = wrapped(command->description, 0);
+    std::string page = wrapped(command->description.text(), 0);
     page += "\n" + Texts::usageHeading() + "\n" + usage(*command);
 
     if (command->run == nullptr)

@@ -93,9 +93,9 @@ ChangeReach reachOf(ArgumentValues const& values) {
     return ChangeReach::asTheUseCaseDoes;
 }
 
-std::vector<CommandOption> changeOptions(std::string thisHelp, std::string futureHelp) {
-    return {{.name = "--this", .help = std::move(thisHelp), .excludes = {"--future"}},
-            {.name = "--future", .help = std::move(futureHelp)},
+std::vector<CommandOption> changeOptions(TableText thisHelp, TableText futureHelp) {
+    return {{.name = "--this", .help = thisHelp, .excludes = {"--future"}},
+            {.name = "--future", .help = futureHelp},
             {.name = "--yes", .help = Texts::text("meet-option-yes")}};
 }
 

@@ -49,6 +49,6 @@ enum class ChangeReach : std::uint8_t {
 ChangeReach reachOf(ArgumentValues const& values);
 
 /// --this, --future and --yes.
-std::vector<CommandOption> changeOptions(std::string thisHelp, std::string futureHelp);
+std::vector<CommandOption> changeOptions(TableText thisHelp, TableText futureHelp);
 
 } // namespace Companion

@@ -5,6 +5,7 @@
 #include "Applications/Companion/PlainJSON.h"
 #include "Applications/Companion/Support.h"
 #include "Applications/Companion/Texts.h"
+#include "Applications/Composition/LiveHTMLReader.h"
 #include "Foundation/DateFormatting.h"
 #include "Foundation/Text.h"
 #include "Platform/Clock/RegionSettings.h"
@@ -30,7 +31,7 @@ struct MeetPage {
 std::vector<std::string> summaryOf(MeetEntity const& meet, Composition::LiveServices& services) {
     Platform::CallingThreadMainExecutor main;
     auto lines = WidgetExtension::meetSummaryLines(meet, services.region()->currentCalendar(),
-                                                   *services.htmlReader(), main);
+                                                   Composition::liveHTMLReader(), main);
     for (auto& line : lines)
         line = Foundation::Text::neutralized(Foundation::Text::sanitizedUTF8(line));
     return lines;

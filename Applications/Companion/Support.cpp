@@ -1,6 +1,5 @@
 #include "Applications/Companion/Support.h"
 
-#include "Applications/Companion/AlarmTexts.h"
 #include "Applications/Companion/AlignedColumns.h"
 #include "Applications/Companion/ConsoleLogSink.h"
 #include "Applications/Companion/QuestionSignals.h"
@@ -23,13 +22,11 @@ class QuestionOfConsent final : public Platform::ConsentPrompt {
 public:
     Foundation::Task<Platform::ConsentAnswer> ask() override {
         QuestionSignals const signals;
+        // The question goes to standard error: standard output belongs to the answer.
+        Platform::TerminalConsentPrompt terminal(STDIN_FILENO, STDERR_FILENO, Texts::consent());
         auto const answer = co_await terminal.ask();
         co_return answer;
     }
-
-private:
-    // The question goes to standard error: standard output belongs to the answer.
-    Platform::TerminalConsentPrompt terminal{STDIN_FILENO, STDERR_FILENO, Texts::consent()};
 };
 
 } // namespace

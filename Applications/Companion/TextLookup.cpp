@@ -17,9 +17,14 @@ void useLanguages(std::vector<std::string> const& languages) {
     Composition::Texts::useLanguages(languages);
 }
 
-std::string text(std::string_view key) {
-    return words().text(key);
+TableText text(std::string_view key) {
+    return TableText(key);
 }
 
 } // namespace Texts
+
+std::string TableText::text() const {
+    return Texts::words().text(key);
+}
+
 } // namespace Companion

@@ -269,6 +269,14 @@ std::string noHome() {
     return text("no-home");
 }
 
+std::string settingNotSaved(std::string_view reason) {
+    return text("setting-not-saved", told(reason));
+}
+
+std::string partIsMissing(std::string_view path, std::string_view reason) {
+    return text("part-is-missing", path, told(reason));
+}
+
 std::string unexpectedFailure(std::string_view reason) {
     return text("unexpected-failure", told(reason));
 }

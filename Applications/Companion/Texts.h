@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Applications/Companion/TableText.h"
 #include "Applications/Composition/Texts.h"
 #include "Platform/EventStore/EKEventStore.h"
 #include "Platform/EventStore/Folder/TerminalConsentPrompt.h"
@@ -23,8 +24,8 @@ void useLanguages(std::vector<std::string> const& languages);
 /// What the parts of the platform say, in the person's language.
 using Composition::Texts::told;
 
-/// The text of `key`, for what the command table says of commands and options.
-std::string text(std::string_view key);
+/// The text of `key`, for what the command table says of commands and options. `key` is a literal.
+TableText text(std::string_view key);
 
 // Help.
 std::string programDescription();
@@ -87,12 +88,15 @@ std::string outputIsAFolder(std::string_view path);
 std::string cannotWrite(std::string_view path, std::string_view reason);
 std::string unwritableFile(std::string_view path, std::string_view reason);
 std::string changedElsewhere();
+std::string settingNotSaved(std::string_view reason);
 std::string neitherFileNorFolder(std::string_view path);
 std::string cannotWriteOutput(std::string_view reason);
 std::string unreadableInput(std::string_view reason);
 std::string inputIsTooLarge(std::size_t mostMebibytes);
 std::string cannotEncodeJSON();
 std::string noHome();
+/// A program that belongs to this one cannot be started.
+std::string partIsMissing(std::string_view path, std::string_view reason);
 std::string unexpectedFailure(std::string_view reason);
 
 // Access.

@@ -13,7 +13,6 @@
 #include "Platform/EventStore/Folder/FolderEventStore.h"
 #include "Platform/Files/PosixFileLocks.h"
 #include "Platform/Files/PosixFileManager.h"
-#include "Platform/HTMLReader/LibXMLHTMLReader.h"
 #include "Platform/Logging/JournalLogSink.h"
 #include "Platform/NotificationCenter/LocalNotificationCenter.h"
 #include "Platform/Resources/BundleColorProvider.h"
@@ -56,7 +55,6 @@ struct LiveServices::Parts {
     std::shared_ptr<Platform::Clock const> clock;
     std::shared_ptr<Platform::RegionSettings const> region;
     std::shared_ptr<Platform::FileManager const> files;
-    std::shared_ptr<Platform::HTMLReader const> htmlReader;
     std::shared_ptr<Platform::LogSink> logSink;
     std::shared_ptr<Platform::NotificationCenter> notifications;
     std::shared_ptr<Platform::Appearance const> appearance;
@@ -119,11 +117,6 @@ std::shared_ptr<Platform::FileManager const> LiveServices::files() {
     std::scoped_lock const lock(parts->mutex);
     return once(parts->files,
                 [&] { return std::make_shared<Platform::PosixFileManager>(parts->environment); });
-}
-
-std::shared_ptr<Platform::HTMLReader const> LiveServices::htmlReader() {
-    std::scoped_lock const lock(parts->mutex);
-    return once(parts->htmlReader, [] { return std::make_shared<Platform::LibXMLHTMLReader>(); });
 }
 
 std::shared_ptr<Platform::LogSink> LiveServices::logSink() {

@@ -20,7 +20,6 @@ class ConsentRecord;
 class EKEventStore;
 class FileManager;
 class FolderEventStore;
-class HTMLReader;
 class LogSink;
 class NotificationCenter;
 class RegionSettings;
@@ -75,7 +74,6 @@ public:
     std::shared_ptr<Platform::Clock const> clock();
     std::shared_ptr<Platform::RegionSettings const> region();
     std::shared_ptr<Platform::FileManager const> files();
-    std::shared_ptr<Platform::HTMLReader const> htmlReader();
     std::shared_ptr<Platform::LogSink> logSink();
     std::shared_ptr<Platform::NotificationCenter> notifications();
     std::shared_ptr<Platform::Appearance const> appearance();

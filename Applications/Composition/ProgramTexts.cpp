@@ -11,24 +11,42 @@ namespace Composition {
 ProgramTexts::ProgramTexts(std::string bundleName, void const* marker, std::string_view english)
     : bundleName(std::move(bundleName)),
       marker(marker),
-      english(Platform::StringsFile::parse(english)) {}
+      englishTable(english) {}
 
-void ProgramTexts::useLanguages(std::vector<std::string> const& languages) {
+void ProgramTexts::useLanguages(std::vector<std::string> chosen) {
+    std::scoped_lock const lock(mutex);
+    languages = std::move(chosen);
+    readBundle.reset();
+}
+
+Platform::Bundle const* ProgramTexts::bundle() const {
+    std::scoped_lock const lock(mutex);
+    if (!languages) return nullptr;
     // The program's own bundle belongs to no package: no variable names another place for it.
-    bundle = Platform::BundleLookup::findBundle(bundleName, Foundation::Environment(),
-                                                Platform::BundlePlaces::ofProcess(marker), languages);
+    if (!readBundle)
+        readBundle = Platform::BundleLookup::findBundle(
+            bundleName, Foundation::Environment(), Platform::BundlePlaces::ofProcess(marker), *languages);
+    return *readBundle ? &**readBundle : nullptr;
+}
+
+Platform::StringsFile const& ProgramTexts::english() const {
+    std::scoped_lock const lock(mutex);
+    if (!readEnglish) readEnglish = Platform::StringsFile::parse(englishTable);
+    return *readEnglish;
 }
 
 std::string ProgramTexts::filled(std::string_view key, std::vector<std::string> const& values) const {
-    auto found = bundle ? bundle->find(key) : std::nullopt;
-    if (!found) found = english.find(key);
+    auto const* own = bundle();
+    auto found = own != nullptr ? own->find(key) : std::nullopt;
+    if (!found) found = english().find(key);
     return Platform::withValues(found.value_or(std::string(key)), values);
 }
 
 std::string ProgramTexts::filledCounted(std::string_view key, std::int64_t count,
                                         std::vector<std::string> const& values) const {
-    auto found = bundle ? bundle->findCounted(key, count) : std::nullopt;
-    if (!found) found = english.findCounted(key, count, "en");
+    auto const* own = bundle();
+    auto found = own != nullptr ? own->findCounted(key, count) : std::nullopt;
+    if (!found) found = english().findCounted(key, count, "en");
     return Platform::withValues(found.value_or(std::string(key)), values);
 }
 
@@ -48,7 +66,7 @@ std::optional<std::string> ProgramTexts::translatedWhole(std::string_view messag
     std::string_view bestKey;
     std::size_t mostWords = 0;
     std::vector<std::string> values;
-    for (auto const& [key, text] : english.texts) {
+    for (auto const& [key, text] : english().texts) {
         if (!key.starts_with("said-") && !key.starts_with("errno-")) continue;
         auto found = Platform::valuesIn(text, message);
         if (!found) continue;
@@ -66,7 +84,8 @@ std::optional<std::string> ProgramTexts::translatedWhole(std::string_view messag
 }
 
 std::vector<std::string> ProgramTexts::problems() const {
-    return bundle ? bundle->problems() : std::vector<std::string>();
+    auto const* own = bundle();
+    return own != nullptr ? own->problems() : std::vector<std::string>();
 }
 
 } // namespace Composition

@@ -4,6 +4,7 @@
 #include "Platform/Resources/StringsFile.h"
 
 #include <cstdint>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -12,15 +13,17 @@
 namespace Composition {
 
 /// The words of a program, from the tables of its own bundle. The English table is in the executable, too: a
-/// program that was copied away from its bundles still says what is wrong.
+/// program that was copied away from its bundles still says what is wrong. The tables are looked up and read
+/// when the first text is asked for, since a program that says nothing needs none. May be asked from any
+/// thread.
 class ProgramTexts final {
 public:
-    /// `marker` is an address inside the program's code; `english` is the content of its English table.
+    /// `marker` is an address inside the program's code; `english` is the content of its English table, which
+    /// outlives this object.
     ProgramTexts(std::string bundleName, void const* marker, std::string_view english);
 
-    /// Looks the bundle up and speaks these languages from now on, best first. English until then. Before
-    /// other threads are started.
-    void useLanguages(std::vector<std::string> const& languages);
+    /// Speaks these languages from now on, best first. English until then. Before other threads are started.
+    void useLanguages(std::vector<std::string> chosen);
 
     /// The text of `key` with its places filled, in the order in which the values stand here; the key itself
     /// where no table has it.
@@ -51,10 +54,18 @@ private:
                                             std::vector<std::string> const& values) const;
     [[nodiscard]] std::optional<std::string> translatedWhole(std::string_view message) const;
 
+    /// The program's bundle in the languages that were chosen; null where there is none, and until then.
+    [[nodiscard]] Platform::Bundle const* bundle() const;
+    [[nodiscard]] Platform::StringsFile const& english() const;
+
     std::string bundleName;
     void const* marker;
-    Platform::StringsFile english;
-    std::optional<Platform::Bundle> bundle;
+    std::string_view englishTable;
+    std::optional<std::vector<std::string>> languages;
+    mutable std::mutex mutex;
+    // What was read so far.
+    mutable std::optional<std::optional<Platform::Bundle>> readBundle;
+    mutable std::optional<Platform::StringsFile> readEnglish;
 };
 
 } // namespace Composition

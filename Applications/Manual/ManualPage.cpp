@@ -105,9 +105,9 @@ std::string programPage(std::string_view version, std::string_view date) {
 }
 
 std::string commandPage(Command const& command, std::string_view version, std::string_view date) {
-    auto page = beginning(pageName(&command), command.summary, version, date);
+    auto page = beginning(pageName(&command), command.summary.text(), version, date);
     page += heading(Texts::synopsisHeading()) + escaped(Companion::synopsis(command)) + "\n";
-    page += heading(Texts::descriptionHeading()) + paragraphs(command.description);
+    page += heading(Texts::descriptionHeading()) + paragraphs(command.description.text());
     page += entries(Texts::manualCommandsHeading(), membersOf(command.path));
     std::vector<Texts::ManualEntry> arguments;
     for (auto const& argument : command.arguments)

@@ -56,7 +56,7 @@ std::string specification(CommandOption const& option) {
     for (auto const& other : option.excludes)
         excluded += " " + other;
     auto text = fmt::format("({}){}[{}]", excluded, option.name + (option.valueName.empty() ? "" : "="),
-                            escaped(option.help));
+                            escaped(option.help.text()));
     if (!option.valueName.empty()) text += fmt::format(":{}:{}", escaped(option.valueName), actionOf(option));
     return shellQuoted(text);
 }
@@ -84,7 +84,7 @@ std::string groupFunction(std::string const& path) {
     auto const name = path.empty() ? std::string("_quillora") : "_quillora_at_" + nameOf(path);
     std::string members;
     for (auto const* member : Companion::commandsBelow(path))
-        members += "\n        " + shellQuoted(lastWord(member->path) + ":" + escaped(member->summary));
+        members += "\n        " + shellQuoted(lastWord(member->path) + ":" + escaped(member->summary.text()));
     auto const prefix = path.empty() ? std::string() : nameOf(path) + "_";
     return fmt::format(R"shell({0}() {{
     local -a commands=({1})

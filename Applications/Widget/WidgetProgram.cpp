@@ -1,5 +1,6 @@
 #include "Applications/Widget/WidgetProgram.h"
 
+#include "Applications/Composition/LiveHTMLReader.h"
 #include "Applications/Watching/EntryChanges.h"
 #include "Applications/Widget/FaceContent.h"
 #include "Applications/Widget/FirstFrame.h"
@@ -82,7 +83,7 @@ void WidgetProgram::show(Entry const& entry, Platform::EntryKind kind) {
         return; // Shown again once there is one.
     }
     auto const view = widget.content(entry, host.family(), looks.colorScheme());
-    auto content = faceContent(view, kind, *services.htmlReader(), mainExecutor);
+    auto content = faceContent(view, kind, Composition::liveHTMLReader(), mainExecutor);
     shownMeets = std::move(content.meets);
     window->show(std::move(content.shown));
     if (kind == Platform::EntryKind::loaded) {
@@ -202,7 +203,7 @@ void WidgetProgram::openMeet(std::size_t row) {
         return;
     }
     meetDialog.show(meetPage(*meet, services.region()->currentCalendar(), services.region()->currentLocale(),
-                             *services.htmlReader(), mainExecutor),
+                             Composition::liveHTMLReader(), mainExecutor),
                     looks.colorScheme());
 }
 

@@ -19,6 +19,11 @@ std::optional<path> executableFolder() {
     return executable.parent_path();
 }
 
+// Programs that another one starts stand in a folder of their own, which is not searched for commands.
+bool isForPartsOfPrograms(path const& folder) {
+    return folder.filename() == "quillora" && folder.parent_path().filename() == "libexec";
+}
+
 std::optional<path> folderOfCode(void const* marker) {
     Dl_info info{};
     if (::dladdr(marker, &info) == 0 || info.dli_fname == nullptr) return std::nullopt;
@@ -44,12 +49,18 @@ std::optional<path> fromCurrentFolder(std::string const& text) {
 } // namespace
 
 BundlePlaces BundlePlaces::ofProcess(void const* marker) {
-    BundlePlaces places{.mainResources = std::nullopt,
-                        .packageResources = folderOfCode(marker),
-                        .mainFolder = executableFolder()};
-    if (places.mainFolder)
-        places.mainResources = (*places.mainFolder / ".." / "share" / "quillora").lexically_normal();
+    BundlePlaces places{
+        .mainResources = std::nullopt, .packageResources = std::nullopt, .mainFolder = std::nullopt};
+    if (auto const folder = executableFolder()) places = ofExecutableIn(*folder);
+    places.packageResources = folderOfCode(marker);
     return places;
+}
+
+BundlePlaces BundlePlaces::ofExecutableIn(path const& folder) {
+    auto const programs = isForPartsOfPrograms(folder) ? folder.parent_path().parent_path() / "bin" : folder;
+    return {.mainResources = (programs / ".." / "share" / "quillora").lexically_normal(),
+            .packageResources = std::nullopt,
+            .mainFolder = programs};
 }
 
 std::vector<path> BundleLookup::candidates(Foundation::Environment const& environment,

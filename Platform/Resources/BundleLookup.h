@@ -18,9 +18,13 @@ struct BundlePlaces {
     std::optional<std::filesystem::path> packageResources; ///< The folder of the package's own code.
     std::optional<std::filesystem::path> mainFolder;       ///< The program's own folder.
 
-    /// The places of this process: `../share/quillora` beside the executable's folder, the folder of the
-    /// object file that holds `marker` (the address of anything in the package), and the executable's folder.
+    /// The places of this process: those beside its executable, and the folder of the object file that holds
+    /// `marker` (the address of anything in the package).
     static BundlePlaces ofProcess(void const* marker);
+
+    /// The places beside an executable in `folder`: `../share/quillora`, and the folder itself. A program
+    /// that stands in `libexec/quillora` is a part of those in `bin` of the same prefix and has their places.
+    static BundlePlaces ofExecutableIn(std::filesystem::path const& folder);
 
     bool operator==(BundlePlaces const&) const = default;
 };

@@ -1,4 +1,5 @@
 #include "Applications/Companion/CommandLine.h"
+#include "Applications/Companion/CommandTable.h"
 
 #include <gtest/gtest.h>
 
@@ -10,11 +11,11 @@ namespace {
 using Words = std::vector<std::string>;
 
 CommandToRun parsedCommand(Words const& words) {
-    return std::get<CommandToRun>(parseCommandLine(words));
+    return std::get<CommandToRun>(parseCommandLine(words, commandTable()));
 }
 
 Command const* helpedCommand(Words const& words) {
-    return std::get<HelpRequest>(parseCommandLine(words)).command;
+    return std::get<HelpRequest>(parseCommandLine(words, commandTable())).command;
 }
 
 TEST(CommandLineTests, aCommandIsFoundByItsPath) {
@@ -69,8 +70,8 @@ TEST(CommandLineTests, helpIsThereOnEveryLevel) {
 }
 
 TEST(CommandLineTests, theVersionIsAskedForAtTheTopAlone) {
-    EXPECT_TRUE(std::holds_alternative<VersionRequest>(parseCommandLine({"--version"})));
-    EXPECT_THROW(parseCommandLine({"day", "--version"}), CommandError);
+    EXPECT_TRUE(std::holds_alternative<VersionRequest>(parseCommandLine({"--version"}, commandTable())));
+    EXPECT_THROW(parseCommandLine({"day", "--version"}, commandTable()), CommandError);
 }
 
 struct WrongUse {
@@ -87,7 +88,7 @@ class WrongUseTests : public testing::TestWithParam<WrongUse> {};
 
 TEST_P(WrongUseTests, isToldInOneLine) {
     try {
-        parseCommandLine(GetParam().words);
+        parseCommandLine(GetParam().words, commandTable());
         FAIL() << "the command line was taken";
     } catch (CommandError const& error) {
         EXPECT_EQ(error.code(), ExitCode::wrongUse);
@@ -170,7 +171,7 @@ TEST(CommandLineTests, anArgumentMayBeLeftOutOrEmpty) {
 
 TEST(CommandLineTests, bytesThatAreNoTextAreShownAsSuch) {
     try {
-        parseCommandLine({"\xff\x1b[31m"});
+        parseCommandLine({"\xff\x1b[31m"}, commandTable());
         FAIL() << "the command line was taken";
     } catch (CommandError const& error) {
         EXPECT_STREQ(error.what(), "there is no command \"\uFFFD\uFFFD[31m\"; see \"quillora --help\"");

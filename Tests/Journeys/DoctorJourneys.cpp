@@ -450,9 +450,8 @@ class InstalledDoctorJourneys : public DoctorJourneys {
 protected:
     void SetUp() override {
         DoctorJourneys::SetUp();
-        fs::create_directories(home.folder() / "usr" / "bin");
+        copyProgram(home.folder() / "usr");
         fs::create_directories(home.folder() / "usr" / "share");
-        fs::copy_file(QUILLORA_BUILD_DIR "/bin/quillora", home.folder() / "usr" / "bin" / "quillora");
         fs::copy(QUILLORA_BUILD_DIR "/share/quillora", texts(), fs::copy_options::recursive);
     }
 

@@ -192,8 +192,7 @@ protected:
         home.setUp();
         home.write(home.calendars() / "casa" / "te.ics",
                    calendarFile("BEGIN:VEVENT\r\nUID:u1\r\nDTSTART:20260311T090000Z\r\nEND:VEVENT\r\n"));
-        fs::create_directories(prefix / "bin");
-        fs::copy_file(QUILLORA_BUILD_DIR "/bin/quillora", prefix / "bin" / "quillora");
+        copyProgram(prefix);
         fs::create_directories(bundles);
         fs::copy(QUILLORA_BUILD_DIR "/share/quillora", bundles, fs::copy_options::recursive);
     }

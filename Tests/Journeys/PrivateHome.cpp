@@ -116,6 +116,13 @@ std::map<std::string, std::string> PrivateHome::snapshot() const {
     return found;
 }
 
+void copyProgram(fs::path const& prefix) {
+    for (auto const* program : {"bin/quillora", "libexec/quillora/quillora-companion"}) {
+        fs::create_directories((prefix / program).parent_path());
+        fs::copy_file(fs::path(QUILLORA_BUILD_DIR) / program, prefix / program);
+    }
+}
+
 std::string calendarFile(std::string_view components) {
     return "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//Example//Tests//EN\r\n" + std::string(components) +
            "END:VCALENDAR\r\n";

@@ -60,6 +60,9 @@ private:
     std::filesystem::path root;
 };
 
+/// Copies the companion program, with what it becomes for most commands, below `prefix`.
+void copyProgram(std::filesystem::path const& prefix);
+
 /// A calendar file of these components.
 std::string calendarFile(std::string_view components);
 

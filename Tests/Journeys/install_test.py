@@ -58,6 +58,11 @@ class Installation(unittest.TestCase):
             self.assertEqual(check["health"], "works", check)
             self.assertIn(self.prefix, check["text"])
 
+    def test_whatTheCompanionBecomesIsInstalledButNoCommand(self):
+        self.assertEqual(os.listdir(self.path("libexec", "quillora")), ["quillora-companion"])
+        done = self.run_installed("quillora", "access", "status")
+        self.assertEqual((done.returncode, done.stderr), (0, ""))
+
     def test_theSoundsAreBesideTheAlarms(self):
         sounds = [name for _, _, names in os.walk(self.path("share", "quillora")) for name in names if name.endswith(".wav")]
         self.assertTrue(sounds)

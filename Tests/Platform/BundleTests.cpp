@@ -214,6 +214,19 @@ TEST(BundleLookupTests, thePlacesOfAProcessSurroundItsExecutable) {
     EXPECT_EQ(BundlePlaces::ofProcess(nullptr).packageResources, std::nullopt);
 }
 
+TEST(BundleLookupTests, aPartOfAProgramHasThePlacesOfTheProgram) {
+    auto const program = BundlePlaces::ofExecutableIn("/a prefix/bin");
+    EXPECT_EQ(program.mainResources, "/a prefix/share/quillora");
+    EXPECT_EQ(program.mainFolder, "/a prefix/bin");
+    EXPECT_EQ(BundlePlaces::ofExecutableIn("/a prefix/libexec/quillora"), program);
+}
+
+TEST(BundleLookupTests, onlyTheirOwnFolderMakesAProgramAPart) {
+    EXPECT_EQ(BundlePlaces::ofExecutableIn("/opt/libexec").mainFolder, "/opt/libexec");
+    EXPECT_EQ(BundlePlaces::ofExecutableIn("/opt/quillora").mainResources, "/opt/share/quillora");
+    EXPECT_EQ(BundlePlaces::ofExecutableIn("/opt/libexec/other").mainFolder, "/opt/libexec/other");
+}
+
 TEST(BundleLookupDeathTests, withoutABundleTheProcessEnds) {
     TemporaryFolder const folder;
     BundlePlaces const places{
