@@ -1,8 +1,8 @@
 #include "Foundation/DateFormatting.h"
 #include "Tests/Alarms/AlarmHome.h"
-#include "Tests/WidgetHost/MachineClock.h"
 #include "Tests/Platform/PrivateBus.h"
 #include "Tests/UserNotifications/DesktopNotificationServer.h"
+#include "Tests/WidgetHost/MachineClock.h"
 
 #include <gtest/gtest.h>
 

@@ -22,7 +22,7 @@ public:
         std::string title;
         std::string body;
         std::string drawn;    ///< Title and body in the markup that the server draws.
-        std::int64_t shownAt; ///< When it reached the screen; microseconds since the machine's start.
+        std::int64_t shownAt; ///< When it reached the server; microseconds since the machine's start.
         std::int64_t millisecondsLeft; ///< Until it goes by itself; 0 for never.
     };
 
