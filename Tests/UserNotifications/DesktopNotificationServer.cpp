@@ -57,12 +57,7 @@ DesktopNotificationServer::DesktopNotificationServer(std::string address) : busA
     home.place("dunst/dunstrc.d/test.conf",
                "[global]\ndmenu = " + menu.string() + "\nhistory_length = 0\nheight = 780\n");
     std::filesystem::create_symlink("/etc/xdg/dunst/dunstrc", home.path() / "dunst/dunstrc");
-    bus.reset(g_dbus_connection_new_for_address_sync(
-        busAddress.c_str(),
-        static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
-                                          G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
-        nullptr, nullptr, nullptr));
-    if (!bus) throw std::runtime_error("no bus at " + busAddress);
+    bus = connection();
     start();
 }
 
@@ -153,8 +148,20 @@ std::vector<std::string> DesktopNotificationServer::titlesClearedAndRemembered()
     return titles;
 }
 
-void DesktopNotificationServer::askForNothing() {
+void DesktopNotificationServer::askAsANewcomer() {
+    auto const former = std::exchange(bus, connection());
+    call(standardInterface, "GetCapabilities", nullptr);
     call(standardInterface, "GetServerInformation", nullptr);
+}
+
+DesktopNotificationServer::Connection DesktopNotificationServer::connection() const {
+    Connection made(g_dbus_connection_new_for_address_sync(
+        busAddress.c_str(),
+        static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
+                                          G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
+        nullptr, nullptr, nullptr));
+    if (!made) throw std::runtime_error("no bus at " + busAddress);
+    return made;
 }
 
 DesktopNotificationServer::Variant DesktopNotificationServer::call(char const* interfaceName,

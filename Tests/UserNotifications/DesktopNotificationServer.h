@@ -55,8 +55,8 @@ public:
     /// The same, as titles.
     [[nodiscard]] std::vector<std::string> titlesClearedAndRemembered();
 
-    /// Asks the server something and waits for the answer: how long the way to it takes now.
-    void askForNothing();
+    /// Joins the bus anew, asks the server two things and waits for the answers: a program's whole way to it.
+    void askAsANewcomer();
 
 private:
     struct Unreference {
@@ -64,7 +64,9 @@ private:
         void operator()(GVariant* value) const { g_variant_unref(value); }
     };
     using Variant = std::unique_ptr<GVariant, Unreference>;
+    using Connection = std::unique_ptr<GDBusConnection, Unreference>;
 
+    [[nodiscard]] Connection connection() const;
     Variant call(char const* interfaceName, char const* method, GVariant* arguments);
     Variant property(char const* name);
     bool isServing();
@@ -73,5 +75,5 @@ private:
     TemporaryFolder home;
     DisplayServer display;
     std::unique_ptr<ChildProcess> server;
-    std::unique_ptr<GDBusConnection, Unreference> bus;
+    Connection bus;
 };
