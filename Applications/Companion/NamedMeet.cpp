@@ -36,7 +36,7 @@ MeetsOfDay meetsOfDay(Composition::LiveServices& services, DayChoice const& choi
         throw CommandError::failed(whyNotSwitchedOn(services));
     Foundation::TaskLoop loop;
     auto const widgetServices = services.scheduleWidgetServices(loop.executor());
-    auto day = shownDay(widgetServices, loop, offsetOf(choice, widgetServices));
+    auto day = completeDay(widgetServices, loop, offsetOf(choice, widgetServices));
     if (day.entry.hasAccessError) throw CommandError::failed(whyNoAccess(services, Texts::accessIsMissing()));
     return {.date = day.entry.date, .meetings = std::move(day.entry.meetings)};
 }

@@ -21,8 +21,9 @@ struct MeetsOfDay {
     std::vector<Meetings::MeetEntity> meetings;
 };
 
-/// The meets that the widget has on that day, earliest first. Throws CommandError with ExitCode::failed, and
-/// what helps, where the calendars are not switched on or may not be read.
+/// The meets of that day, as the widget would have them, earliest first; on its outermost days also those
+/// that it leaves out. Throws CommandError with ExitCode::failed, and what helps, where the calendars are not
+/// switched on or may not be read.
 MeetsOfDay meetsOfDay(Composition::LiveServices& services, DayChoice const& choice);
 
 /// For each meet the shortest beginning of its `metId`, eight digits at least, that no other of them has.

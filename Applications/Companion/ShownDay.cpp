@@ -32,7 +32,9 @@ ShownDay timelineOf(ScheduleWidgetServices const& services, Foundation::TaskLoop
     return {.entry = std::move(timeline->entries.front()), .policy = timeline->policy};
 }
 
-ShownDay distantDay(ScheduleWidgetServices const& services, Foundation::TaskLoop& loop, std::int64_t offset) {
+// Asked from the day itself, of which the provider then fetches all.
+ShownDay dayFromItself(ScheduleWidgetServices const& services, Foundation::TaskLoop& loop,
+                       std::int64_t offset) {
     auto const now = services.clock->now();
     auto const date = services.region->currentCalendar().dateByAddingDays(offset, now);
     if (!date) throw CommandError::wrongUse(Texts::noSuchDay(offset));
@@ -82,7 +84,14 @@ ShownDay shownDay(ScheduleWidgetServices const& services, Foundation::TaskLoop& 
     if (!offset) return timelineOf(services, loop);
     bool const isInReach = *offset >= -DayOffsetStore::maxOffset && *offset <= DayOffsetStore::maxOffset;
     return isInReach ? timelineOf(withStoredOffset(services, *offset), loop)
-                     : distantDay(services, loop, *offset);
+                     : dayFromItself(services, loop, *offset);
+}
+
+ShownDay completeDay(ScheduleWidgetServices const& services, Foundation::TaskLoop& loop,
+                     std::optional<std::int64_t> offset) {
+    auto const chosen = offset.value_or(DayOffsetStore::load(*services.files));
+    bool const isOutermost = chosen == -DayOffsetStore::maxOffset || chosen == DayOffsetStore::maxOffset;
+    return isOutermost ? dayFromItself(services, loop, chosen) : shownDay(services, loop, offset);
 }
 
 Platform::FaceLayout faceOf(ScheduleWidgetServices const& services, ShownDay const& day,

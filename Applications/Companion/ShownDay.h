@@ -45,6 +45,11 @@ struct ShownDay {
 ShownDay shownDay(WidgetExtension::ScheduleWidgetServices const& services, Foundation::TaskLoop& loop,
                   std::optional<std::int64_t> offset);
 
+/// The same day with every meet that starts on it. The widget itself reads as far as its buttons lead, to the
+/// second of this moment, so that on its outermost days a part is missing.
+ShownDay completeDay(WidgetExtension::ScheduleWidgetServices const& services, Foundation::TaskLoop& loop,
+                     std::optional<std::int64_t> offset);
+
 /// The face of a day, as the widget's own view lays it out.
 Platform::FaceLayout faceOf(WidgetExtension::ScheduleWidgetServices const& services, ShownDay const& day,
                             Platform::WidgetFamily family, Platform::ColorScheme scheme);

@@ -6,11 +6,13 @@
 #include <algorithm>
 #include <csignal>
 #include <iterator>
+#include <regex>
 
 namespace {
 
 namespace fs = std::filesystem;
 namespace JSON = Foundation::JSON;
+using testing::Contains;
 using testing::ElementsAre;
 using testing::EndsWith;
 using testing::HasSubstr;
@@ -105,6 +107,25 @@ TEST_F(MeetChangeJourneys, aProgramGetsTheNewMeetWithItsId) {
     EXPECT_EQ(text(tea, "metDescription"), "green\nor black");
     EXPECT_EQ(*tea.member("metRecurringWeekdays"), JSON::Value(JSON::Array{4, 6}));
     EXPECT_THAT(namesOf("2026-03-13"), ElementsAre("Stand-up", "Tea"));
+}
+
+TEST_F(MeetChangeJourneys, theWidgetsOutermostDaysAreWholeForMeets) {
+    // The widget reads ten days either way from this moment, so that one end of each lies outside.
+    for (auto const* const offset : {"10", "-10"}) {
+        auto const said = home.outputOf({"meet", "show", "--offset", offset});
+        std::smatch day;
+        ASSERT_TRUE(std::regex_search(said, day, std::regex("[0-9]{4}-[0-9]{2}-[0-9]{2}"))) << said;
+        for (auto const* const start : {"0:00", "23:58"}) {
+            auto const name = std::string("At ") + start;
+            (void)home.outputOf(
+                on({"meet", "add", "--name", name, "--start", start, "--duration", "1m"}, day.str()));
+            auto const id = idOf(name, day.str());
+            EXPECT_THAT(shown(id, day.str()), StartsWith(name + "\n"));
+            (void)home.outputOf(on({"meet", "edit", id, "--name", "Other", "--yes"}, day.str()));
+            (void)home.outputOf(on({"meet", "delete", idOf("Other", day.str()), "--yes"}, day.str()));
+            EXPECT_THAT(namesOf(day.str()), Not(Contains("Other")));
+        }
+    }
 }
 
 TEST_F(MeetChangeJourneys, aMeetGoesIntoTheCalendarThatIsNamed) {
