@@ -75,6 +75,7 @@ std::string whyNoAccess(Composition::LiveServices& services, std::string const& 
 }
 
 std::string whyNotSwitchedOn(Composition::LiveServices& services) {
+    if (!services.calendarPlaces()) return Texts::noHome();
     auto const file = CalendarProviders::EnabledCalendarAccountsStore::fileURL(*services.files());
     auto const content = services.files()->contents(file, Platform::largestPreferenceFile);
     if (content || content.error() == std::errc::no_such_file_or_directory)

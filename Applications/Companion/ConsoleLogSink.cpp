@@ -13,12 +13,14 @@ constexpr auto journalSocket = "/run/systemd/journal/socket";
 
 } // namespace
 
-ConsoleLogSink::ConsoleLogSink(Console const& console, Foundation::Environment const& environment)
+ConsoleLogSink::ConsoleLogSink(Console const& console, Foundation::Environment const& environment,
+                               CalendarProblems calendarProblems)
     : console(console),
-      showsProblems(!environment.value("QUILLORA_LOG")) {
+      isLogWanted(environment.value("QUILLORA_LOG").has_value()),
+      calendarProblems(calendarProblems) {
     // Without a journal its sink would write to standard error, where the problems stand already; who asks
     // for the log there gets it, and nothing twice.
-    if (!showsProblems || Platform::JournalLogSink::isListening(journalSocket))
+    if (isLogWanted || Platform::JournalLogSink::isListening(journalSocket))
         journal = std::make_shared<Platform::JournalLogSink>(environment);
 }
 
@@ -28,11 +30,16 @@ ConsoleLogSink::~ConsoleLogSink() {
 
 void ConsoleLogSink::write(Platform::LogRecord const& record) {
     if (journal) journal->write(record);
-    bool const isProblem =
-        record.level == Platform::LogLevel::error && record.category == Composition::calendarStoreLogCategory;
-    if (!showsProblems || !isProblem) return;
+    if (!tells(record)) return;
     std::scoped_lock const lock(mutex);
     if (++problems <= mostProblemsShown) console.report(Texts::told(record.message));
+}
+
+bool ConsoleLogSink::tells(Platform::LogRecord const& record) const {
+    if (isLogWanted || record.level != Platform::LogLevel::error) return false;
+    if (record.category == Composition::calendarStoreLogCategory)
+        return calendarProblems == CalendarProblems::told;
+    return record.category == Composition::preferencesLogCategory;
 }
 
 } // namespace Companion

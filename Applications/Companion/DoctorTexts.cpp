@@ -380,6 +380,26 @@ std::string addSourceCommand() {
     return "quillora sources add DIR";
 }
 
+std::string hiddenCalendarsAre(std::size_t count) {
+    return text("doctor-hidden-calendars-are", std::to_string(count));
+}
+
+std::string hiddenCalendarsDoNotCount(std::string_view path, std::string_view reason) {
+    return text("doctor-hidden-calendars-do-not-count", path, reason);
+}
+
+std::string fileIsDamaged() {
+    return text("doctor-file-is-damaged");
+}
+
+std::string settingsAreRead(std::string_view path) {
+    return text("doctor-settings-are-read", path);
+}
+
+std::string settingsDoNotCount(std::string_view path, std::string_view reason) {
+    return text("doctor-settings-do-not-count", path, reason);
+}
+
 std::string todayCommand() {
     return "quillora today";
 }

@@ -94,6 +94,13 @@ std::string offsetIsNoNumber(std::string_view path);
 std::string offsetCannotBeRead(std::string_view path, std::string_view reason);
 std::string moveAwayCommand(std::string_view file);
 std::string todayCommand();
+std::string hiddenCalendarsAre(std::size_t count);
+std::string hiddenCalendarsDoNotCount(std::string_view path, std::string_view reason);
+
+// Preference files.
+std::string fileIsDamaged();
+std::string settingsAreRead(std::string_view path);
+std::string settingsDoNotCount(std::string_view path, std::string_view reason);
 
 // Alarms and notifications.
 std::string nothingIsAnnounced();

@@ -13,6 +13,7 @@
 #include "Platform/EventStore/Folder/FolderEventStore.h"
 #include "Platform/Files/PosixFileLocks.h"
 #include "Platform/Files/PosixFileManager.h"
+#include "Platform/Files/PreferenceGuard.h"
 #include "Platform/Logging/JournalLogSink.h"
 #include "Platform/NotificationCenter/LocalNotificationCenter.h"
 #include "Platform/Resources/BundleColorProvider.h"
@@ -41,6 +42,17 @@ template <typename Part, typename Make>
 std::shared_ptr<Part> once(std::shared_ptr<Part>& part, Make const& make) {
     if (!part) part = make();
     return part;
+}
+
+// Those whose stores fall back in silence: the settings, and which calendars are hidden.
+std::vector<Platform::GuardedPreference> guardedPreferences() {
+    using Platform::GuardedPreference;
+    return {{.fileName = Platform::FileUserDefaults::fileName,
+             .form = GuardedPreference::Form::object,
+             .keeper = GuardedPreference::Keeper::itsStore},
+            {.fileName = "hiddenCalendarIdentifiers.json",
+             .form = GuardedPreference::Form::listOfTexts,
+             .keeper = GuardedPreference::Keeper::guard}};
 }
 
 } // namespace
@@ -115,8 +127,20 @@ std::shared_ptr<Platform::RegionSettings const> LiveServices::region() {
 
 std::shared_ptr<Platform::FileManager const> LiveServices::files() {
     std::scoped_lock const lock(parts->mutex);
-    return once(parts->files,
-                [&] { return std::make_shared<Platform::PosixFileManager>(parts->environment); });
+    return once(parts->files, [&] {
+        // Who holds the files may outlive the rest, and the rest the files.
+        auto const tell = [shared = std::weak_ptr(parts)](std::string const& message) {
+            if (auto const alive = shared.lock()) LiveServices(alive).logDamage(message);
+        };
+        return std::make_shared<Platform::PreferenceGuard>(
+            std::make_shared<Platform::PosixFileManager>(parts->environment), guardedPreferences(), tell);
+    });
+}
+
+void LiveServices::logDamage(std::string const& message) {
+    Platform::Logger(logSink(), std::string(Meetings::MeetConfigEnum::loggerSubsystem),
+                     std::string(preferencesLogCategory))
+        .error(message);
 }
 
 std::shared_ptr<Platform::LogSink> LiveServices::logSink() {
@@ -198,6 +222,10 @@ std::shared_ptr<Platform::EKEventStore> LiveServices::eventStore() {
 
 std::int64_t LiveServices::refreshCalendars() {
     return folderStore()->refresh();
+}
+
+std::vector<Platform::StoreProblem> LiveServices::calendarProblems() {
+    return folderStore()->problems();
 }
 
 std::shared_ptr<Platform::FolderEventStore> LiveServices::folderStore() {

@@ -9,6 +9,7 @@
 #include <memory>
 #include <optional>
 #include <string_view>
+#include <vector>
 
 namespace Platform {
 class Appearance;
@@ -27,6 +28,7 @@ class TextProvider;
 class UserDefaults;
 class WidgetCenter;
 struct CalendarStorePlaces;
+struct StoreProblem;
 } // namespace Platform
 
 namespace Meetings {
@@ -57,6 +59,9 @@ struct LiveServicesOptions {
 
 /// The log category of the calendar store: what it could not read, and why.
 inline constexpr std::string_view calendarStoreLogCategory = "FolderEventStore";
+
+/// The log category of damaged preference files.
+inline constexpr std::string_view preferencesLogCategory = "PreferenceGuard";
 
 /// Every live part of a Quillora program. Each is made once, on first use, so that a program pays only for
 /// what it touches: no bus is contacted, no file opened and no bundle looked up before that. May be asked
@@ -103,6 +108,10 @@ public:
     /// because they were new or changed. Throws as above.
     std::int64_t refreshCalendars();
 
+    /// What of the person's calendars could not be taken as it stands. Reads every calendar file. Throws as
+    /// above.
+    std::vector<Platform::StoreProblem> calendarProblems();
+
     /// What the widget's timeline provider, view and intents are built from. The provider's tasks run on
     /// `executor`.
     WidgetExtension::ScheduleWidgetServices scheduleWidgetServices(Foundation::TaskExecutor executor);
@@ -111,6 +120,7 @@ private:
     struct Parts;
     explicit LiveServices(std::shared_ptr<Parts> parts);
     std::shared_ptr<Platform::FolderEventStore> folderStore();
+    void logDamage(std::string const& message);
 
     std::shared_ptr<Parts> parts;
 };

@@ -118,7 +118,10 @@ TEST_F(AlarmJourneys, settingsThatCannotBeWrittenAreToldOnEveryRoad) {
         EXPECT_EQ(failed.output, "") << words[1];
         EXPECT_THAT(failed.errors, HasSubstr("Is a directory")) << words[1];
     }
-    EXPECT_EQ(home.outputOf({"alarm", "mode"}), "voice\n");
+    auto const read = home.quillora({"alarm", "mode"});
+    EXPECT_EQ(read.output, "voice\n");
+    EXPECT_THAT(read.errors,
+                HasSubstr("the file could not be read (Is a directory), so nothing in it counts"));
 }
 
 TEST_F(AlarmJourneys, calendarsAreAddedAndRemovedByTheirIdentifiers) {

@@ -71,6 +71,33 @@ TEST_F(DoctorAlarmJourneys, whoChoseNoCalendarMissesNoService) {
     EXPECT_EQ(found.worst("notifications").text, "without a session bus an alarm is heard but not seen");
 }
 
+TEST_F(DoctorAlarmJourneys, damagedSettingsAreNamedAndNotTakenForNoChoice) {
+    chooseTheCalendar();
+    auto const path = home.configuration() / "defaults.json";
+    home.write(path, home.contentOf(path).substr(1));
+    auto const sick = report();
+    EXPECT_THAT(sick.broken(), ElementsAre("settings"));
+    EXPECT_EQ(sick.worst("settings").text, "the settings in " + path.string() +
+                                               " do not count, so that no meet is announced: the file is "
+                                               "damaged");
+    EXPECT_EQ(sick.worst("settings").mend, "mv " + path.string() + " " + path.string() + ".away");
+    EXPECT_EQ(sick.worst("alarms").text, "");
+    std::filesystem::rename(path, path.string() + ".away");
+    EXPECT_THAT(report().broken(), IsEmpty());
+}
+
+TEST_F(DoctorAlarmJourneys, aDamagedChoiceOfHiddenCalendarsIsNamed) {
+    auto const path = home.container() / "hiddenCalendarIdentifiers.json";
+    home.write(path, "{}");
+    auto const sick = report();
+    EXPECT_THAT(sick.broken(), ElementsAre("hidden"));
+    EXPECT_EQ(sick.worst("hidden").text, "the choice of hidden calendars in " + path.string() +
+                                             " does not count, so that all of them are shown: the file is "
+                                             "damaged");
+    std::filesystem::rename(path, path.string() + ".away");
+    EXPECT_THAT(report().broken(), IsEmpty());
+}
+
 TEST_F(DoctorAlarmJourneys, aServiceThatDoesNotRunIsNamedUntilItDoes) {
     chooseTheCalendar();
     auto const sick = report();

@@ -1,14 +1,30 @@
 #include "Applications/Companion/Doctor/Examinations.h"
 
+#include "Applications/Companion/Doctor/PreferenceFault.h"
 #include "Applications/Companion/DoctorTexts.h"
+#include "Applications/Companion/Support.h"
 #include "Applications/Composition/AlarmServiceLock.h"
 #include "Meetings/Alarms/AlarmEnabledCalendarsStore.h"
+#include "Platform/Defaults/FileUserDefaults.h"
+#include "Platform/EventStore/Folder/CalendarStorePlaces.h"
 #include "Platform/UserNotifications/SessionBusUserNotificationCenter.h"
 #include "Platform/WidgetHost/BusNameState.h"
 
 namespace Companion::Doctor {
 
 namespace {
+
+// Whether the settings count: damaged ones name no calendar, though the person chose some.
+bool examineSettings(Composition::LiveServices& services, Findings& findings) {
+    auto const file =
+        services.calendarPlaces()->configurationDirectory / Platform::FileUserDefaults::fileName;
+    auto const fault = preferenceFault(*services.files(), file, Platform::GuardedPreference::Form::object);
+    if (fault)
+        findings.broken("settings", Texts::settingsDoNotCount(shownPath(file), fault->reason), fault->mend);
+    else
+        findings.works("settings", Texts::settingsAreRead(shownPath(file)));
+    return !fault;
+}
 
 // Who chose no calendar misses no announcement.
 void examineService(bool isRunning, std::size_t announced, Findings& findings) {
@@ -48,7 +64,9 @@ void examineServer(Foundation::Environment const& environment, std::size_t annou
 
 void examineAlarms(Composition::LiveServices& services, Findings& findings) {
     auto const announced = Meetings::AlarmEnabledCalendarsStore::load(*services.userDefaults()).size();
-    examineService(Composition::AlarmServiceLock::isHeld(*services.calendarPlaces()), announced, findings);
+    if (examineSettings(services, findings))
+        examineService(Composition::AlarmServiceLock::isHeld(*services.calendarPlaces()), announced,
+                       findings);
     examineServer(services.environment(), announced, findings);
 }
 

@@ -16,10 +16,10 @@ void examineRegistry(Composition::LiveServices& services, Findings& findings);
 void examineCalendars(Composition::LiveServices& services, CalendarProblems const& problems,
                       Findings& findings);
 
-/// folder, offset.
+/// folder, offset, hidden.
 void examineSharedFolder(Composition::LiveServices& services, Findings& findings);
 
-/// alarms, notifications: the announcements of meets.
+/// settings, alarms, notifications: the announcements of meets.
 void examineAlarms(Composition::LiveServices& services, Findings& findings);
 
 /// bus, widget, texts, zone. Needs no home.

@@ -1,9 +1,11 @@
 #include "Applications/Companion/Doctor/Examinations.h"
 
+#include "Applications/Companion/Doctor/PreferenceFault.h"
 #include "Applications/Companion/DoctorTexts.h"
 #include "Applications/Companion/ShellWord.h"
 #include "Applications/Companion/Support.h"
 #include "Foundation/JSON.h"
+#include "Meetings/HiddenCalendarsStore.h"
 #include "Platform/Files/AppGroupFile.h"
 #include "WidgetExtension/ScheduleWidgetDayOffsetStore.h"
 
@@ -71,11 +73,24 @@ void examineOffset(Composition::LiveServices& services, Findings& findings) {
         findings.works("offset", Texts::offsetIs(offset));
 }
 
+void examineHiddenCalendars(Composition::LiveServices& services, Findings& findings) {
+    auto const& files = *services.files();
+    auto const file = Platform::appGroupFile(files, group, "hiddenCalendarIdentifiers.json");
+    auto const fault = preferenceFault(files, file, Platform::GuardedPreference::Form::listOfTexts);
+    if (fault)
+        findings.broken("hidden", Texts::hiddenCalendarsDoNotCount(shownPath(file), fault->reason),
+                        fault->mend);
+    else
+        findings.works("hidden",
+                       Texts::hiddenCalendarsAre(Meetings::HiddenCalendarsStore::load(files).size()));
+}
+
 } // namespace
 
 void examineSharedFolder(Composition::LiveServices& services, Findings& findings) {
     examineFolder(services, findings);
     examineOffset(services, findings);
+    examineHiddenCalendars(services, findings);
 }
 
 } // namespace Companion::Doctor
