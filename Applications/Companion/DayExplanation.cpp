@@ -36,6 +36,14 @@ Interval dayAround(Foundation::Date date, Foundation::Calendar const& calendar) 
     return {.start = calendar.startOfDay(day), .end = calendar.startOfDay(day + std::chrono::days(1))};
 }
 
+// The days that the buttons lead to, each whole: the widget shows less of the outermost ones.
+std::optional<Interval> daysOfButtons(Foundation::Date now, Foundation::Calendar const& calendar) {
+    auto const first = calendar.dateByAddingDays(-DayOffsetStore::maxOffset, now);
+    auto const last = calendar.dateByAddingDays(DayOffsetStore::maxOffset, now);
+    if (!first || !last) return std::nullopt;
+    return Interval{.start = dayAround(*first, calendar).start, .end = dayAround(*last, calendar).end};
+}
+
 // A meet's place among others, from 1; 0 when it is none of them.
 std::size_t placeAmong(std::vector<MeetEntity> const& meets, MeetEntity const& meet) {
     auto const found = std::ranges::find(meets, meet.metId, &MeetEntity::metId);
@@ -72,7 +80,7 @@ public:
         return store->eventsMatching(store->predicateForEvents(interval.start, interval.end, std::nullopt));
     }
 
-    [[nodiscard]] Platform::OmittedEvents omittedIn(Interval const& interval) const {
+    [[nodiscard]] std::vector<Platform::OmittedEvent> omittedIn(Interval const& interval) const {
         auto const places = live.calendarPlaces();
         auto const configuration = live.calendarConfiguration();
         if (!places || !configuration) return {};
@@ -140,21 +148,19 @@ std::optional<ShowingRule> ruleOfDay(Explainer const& explainer, ShownDay const&
     return std::nullopt;
 }
 
-void appendOmitted(std::vector<Platform::OmittedEvent>& omitted, Explainer const& explainer,
-                   Foundation::Calendar const& calendar, DayExplanation& explanation) {
-    for (auto& event : omitted) {
-        // What starts on another day would not be here either, and one that moved within the day is.
-        bool const startsHere = calendar.isDateInSameDay(*event.event.startDate, explanation.date);
-        bool const staysHere = event.movedTo && calendar.isDateInSameDay(*event.movedTo, explanation.date);
-        if (!startsHere || staysHere) continue;
-        explanation.meets.push_back({.meet = explainer.meetOf(event.event),
-                                     .rule = ruleOf(event.reason),
-                                     .file = std::move(event.event.sourceFile),
-                                     .line = event.event.sourceLine,
-                                     .causeFile = std::move(event.causeFile),
-                                     .causeLine = event.causeLine,
-                                     .movedTo = event.movedTo});
-    }
+// One that moved within its day is there.
+bool staysOnItsDay(Platform::OmittedEvent const& omitted, Foundation::Calendar const& calendar) {
+    return omitted.movedTo && calendar.isDateInSameDay(*omitted.movedTo, *omitted.event.startDate);
+}
+
+ExplainedMeet explainedOmission(Platform::OmittedEvent const& omitted, Explainer const& explainer) {
+    return {.meet = explainer.meetOf(omitted.event),
+            .rule = ruleOf(omitted.reason),
+            .file = omitted.event.sourceFile,
+            .line = omitted.event.sourceLine,
+            .causeFile = omitted.causeFile,
+            .causeLine = omitted.causeLine,
+            .movedTo = omitted.movedTo};
 }
 
 // Equal starts stay in the order in which they were found.
@@ -188,17 +194,19 @@ DayExplanation explainedDay(Composition::LiveServices& live, ScheduleWidgetServi
                                   .family = family,
                                   .mostCards = view.maxVisibleEvents(),
                                   .dayRule = ruleOfDay(explainer, day),
-                                  .meets = {},
-                                  .problems = {}};
+                                  .meets = {}};
     if (!explainer.mayReadCalendars()) return explanation;
 
     auto const interval = dayAround(day.entry.date, view.calendar);
     for (auto const& event : explainer.eventsIn(interval))
         explanation.meets.push_back(explainer.explained(event, view));
-    auto omitted = explainer.omittedIn(interval);
-    appendOmitted(omitted.events, explainer, view.calendar, explanation);
+    for (auto const& omitted : explainer.omittedIn(interval)) {
+        // What starts on another day would not be here either.
+        bool const startsHere = view.calendar.isDateInSameDay(*omitted.event.startDate, explanation.date);
+        if (startsHere && !staysOnItsDay(omitted, view.calendar))
+            explanation.meets.push_back(explainedOmission(omitted, explainer));
+    }
     sortByStart(explanation.meets);
-    explanation.problems = std::move(omitted.problems);
     return explanation;
 }
 
@@ -208,18 +216,25 @@ std::vector<ExplainedMeet> meetsOnOtherDays(Composition::LiveServices& live,
     Explainer const explainer(live, services);
     std::vector<ExplainedMeet> found;
     auto const calendar = services.region->currentCalendar();
-    auto const now = services.clock->now();
-    auto const first = calendar.dateByAddingDays(-DayOffsetStore::maxOffset, now);
-    auto const last = calendar.dateByAddingDays(DayOffsetStore::maxOffset, now);
-    if (!first || !last || !explainer.mayReadCalendars()) return found;
-    for (auto const& event : explainer.eventsIn({.start = *first, .end = *last})) {
+    auto const interval = daysOfButtons(services.clock->now(), calendar);
+    if (!interval || !explainer.mayReadCalendars()) return found;
+    auto const isThere = [&](MeetEntity const& meet) {
+        return !calendar.isDateInSameDay(meet.metDate, date) && isMeant(meet);
+    };
+    for (auto const& event : explainer.eventsIn(*interval)) {
         auto meet = explainer.meetOf(event);
-        if (calendar.isDateInSameDay(meet.metDate, date) || !isMeant(meet)) continue;
+        if (!isThere(meet)) continue;
         found.push_back({.meet = std::move(meet),
                          .rule = ShowingRule::startsOnAnotherDay,
                          .file = event.sourceFile,
                          .line = event.sourceLine});
     }
+    for (auto const& omitted : explainer.omittedIn(*interval)) {
+        auto explained = explainedOmission(omitted, explainer);
+        if (isThere(explained.meet) && !staysOnItsDay(omitted, calendar))
+            found.push_back(std::move(explained));
+    }
+    sortByStart(found);
     return found;
 }
 

@@ -5,7 +5,6 @@
 #include "Foundation/Date.h"
 #include "Foundation/RawValue.h"
 #include "Meetings/MeetEntity.h"
-#include "Platform/EventStore/Folder/StoreProblem.h"
 
 #include <array>
 #include <cstddef>
@@ -60,8 +59,7 @@ struct DayExplanation {
     std::size_t mostCards; ///< That the family has room for.
     /// What keeps the widget from showing the day at all, or anything on it.
     std::optional<ShowingRule> dayRule;
-    std::vector<ExplainedMeet> meets;             ///< By start. Empty where the calendars may not be read.
-    std::vector<Platform::StoreProblem> problems; ///< What of the calendars could not be read whole.
+    std::vector<ExplainedMeet> meets; ///< By start. Empty where the calendars may not be read.
 
     [[nodiscard]] bool isShown(ExplainedMeet const& explained) const;
 };
@@ -74,8 +72,9 @@ DayExplanation explainedDay(Composition::LiveServices& live,
                             Foundation::TaskLoop& loop, std::optional<std::int64_t> offset,
                             Platform::WidgetFamily family);
 
-/// The meets that match `isMeant` on the days that the widget's buttons lead to, the day of `date` excluded.
-/// Each stands with the rule `startsOnAnotherDay`.
+/// The meets that match `isMeant` on the days that the widget's buttons lead to, the day of `date` excluded,
+/// by start. Each stands with the rule `startsOnAnotherDay`; one that does not happen, with the rule that
+/// omits it.
 std::vector<ExplainedMeet> meetsOnOtherDays(Composition::LiveServices& live,
                                             WidgetExtension::ScheduleWidgetServices const& services,
                                             Foundation::Date date,

@@ -2,6 +2,7 @@
 
 #include "Applications/Companion/AskedOnceAppearance.h"
 #include "Applications/Companion/CalendarAccess.h"
+#include "Applications/Companion/ConsoleLogSink.h"
 #include "Applications/Companion/DayExplanation.h"
 #include "Applications/Companion/ExplainTexts.h"
 #include "Applications/Companion/MeetIdentifier.h"
@@ -12,6 +13,7 @@
 #include "Applications/Companion/Texts.h"
 #include "Foundation/DateFormatting.h"
 #include "Foundation/Text.h"
+#include "Platform/EventStore/Folder/StoreProblem.h"
 
 #include <algorithm>
 #include <iterator>
@@ -27,8 +29,8 @@ namespace {
 // What there is to tell: the day, or what of it was asked for.
 struct Report {
     DayExplanation day;
-    std::vector<ExplainedMeet> otherDays; ///< Where what was asked for is not on the day.
-    bool tellsProblems;
+    std::vector<ExplainedMeet> otherDays;         ///< Where what was asked for is not on the day.
+    std::vector<Platform::StoreProblem> problems; ///< What of the calendars could not be read whole.
 };
 
 bool isMeant(MeetEntity const& meet, std::string const& name) {
@@ -70,7 +72,7 @@ JSON::Object reportJSON(Report const& report) {
     for (auto const& explained : report.otherDays)
         otherDays.emplace_back(explainedJSON(explained, false));
     JSON::Array problems;
-    for (auto const& problem : day.problems)
+    for (auto const& problem : report.problems)
         problems.emplace_back(JSON::Object{{"file", shownPath(problem.path)},
                                            {"line", problem.line},
                                            {"effect", effectName(problem.effect)},
@@ -115,6 +117,8 @@ std::string otherDaysText(Report const& report, std::string const& name, MeetWor
     for (std::size_t index = 0; index < report.otherDays.size(); ++index) {
         auto const& explained = report.otherDays[index];
         page += "  " + headLine(explained, words.when(explained.meet), identifiers[index]);
+        if (explained.rule != ShowingRule::startsOnAnotherDay)
+            page += "    " + Texts::ruleText(explained, report.day, words) + "\n";
     }
     return page;
 }
@@ -128,20 +132,33 @@ std::string reportText(Report const& report, std::string const& name, MeetWords 
                                    : std::string();
     if (auto const text = Texts::dayRuleText(day, whyNoAccessIs)) page += *text + "\n";
     if (!report.otherDays.empty()) return page + otherDaysText(report, name, words);
-    if (day.meets.empty() && !day.dayRule) page += Texts::nothingOnTheDay() + "\n";
+    if (day.meets.empty() && !day.dayRule)
+        page += (report.problems.empty() ? Texts::nothingOnTheDay() : Texts::nothingReadOnTheDay()) + "\n";
     page += meetsText(day, words);
-    if (report.tellsProblems && !day.problems.empty()) {
+    if (!report.problems.empty()) {
         page += "\n" + Texts::problemsHeading() + "\n";
-        for (auto const& problem : day.problems)
+        for (auto const& problem : report.problems)
             page += "  " + Foundation::Text::neutralized(Platform::describe(problem)) + "\n";
     }
     return page;
 }
 
+// What was left out by rule is no problem. Who may not read the calendars knows of none.
+std::vector<Platform::StoreProblem> problemsOf(Composition::LiveServices& live) {
+    if (live.eventStore()->authorizationStatus() != Platform::EKAuthorizationStatus::fullAccess) return {};
+    auto problems = live.calendarProblems();
+    std::erase_if(problems, [](Platform::StoreProblem const& problem) {
+        return problem.effect == Platform::StoreProblem::Effect::ignored;
+    });
+    std::ranges::sort(problems);
+    auto const repeated = std::ranges::unique(problems);
+    problems.erase(repeated.begin(), repeated.end());
+    return problems;
+}
+
 // Keeps what was asked for; what is not on the day is looked for around it.
 void narrow(Report& report, std::string const& name, Composition::LiveServices& live,
-            WidgetExtension::ScheduleWidgetServices const& services, Invocation const& invocation,
-            MeetWords const& words) {
+            WidgetExtension::ScheduleWidgetServices const& services, MeetWords const& words) {
     auto const isAskedFor = [&name](MeetEntity const& meet) { return isMeant(meet, name); };
     std::erase_if(report.day.meets,
                   [&](ExplainedMeet const& explained) { return !isAskedFor(explained.meet); });
@@ -149,9 +166,8 @@ void narrow(Report& report, std::string const& name, Composition::LiveServices& 
     if (!report.day.meets.empty() || !mayKnow) return;
     report.otherDays = meetsOnOtherDays(live, services, report.day.date, isAskedFor);
     if (!report.otherDays.empty()) return;
-    // It may be among what could not be read.
-    for (auto const& problem : report.day.problems)
-        invocation.console.report(Platform::describe(problem));
+    // It may be among what could not be read, of which the log tells whatever was not told yet.
+    (void)problemsOf(live);
     throw CommandError::failed(Texts::foundNowhere(name, words.day(report.day.date)));
 }
 
@@ -164,19 +180,27 @@ ExitCode run(Invocation const& invocation) {
     std::optional<Foundation::Date> at;
     if (auto const text = values.option("--at")) at = moment("--at", *text, calendar);
 
-    auto const live = liveServices(invocation, at);
+    auto const name = values.arguments().empty() ? std::string() : values.arguments().front();
+
+    // A whole day bears the problems itself.
+    auto const telling = name.empty() ? ConsoleLogSink::CalendarProblems::leftToTheCommand
+                                      : ConsoleLogSink::CalendarProblems::told;
+    auto const live = liveServices(invocation, {.fixedMoment = at,
+                                                .logSink = std::make_shared<ConsoleLogSink>(
+                                                    invocation.console, invocation.environment, telling)});
+    (void)requiredConfiguration(*live); // Without a home there is nothing to explain.
     Foundation::TaskLoop loop;
     auto services = live->scheduleWidgetServices(loop.executor());
     // Nothing here shows a colour, so no desktop need be asked for its scheme.
     services.appearance =
         std::make_shared<AskedOnceAppearance>(services.appearance, Platform::ColorScheme::light);
     auto const words = meetWords(*live);
-    auto const name = values.arguments().empty() ? std::string() : values.arguments().front();
 
     Report report = {.day = explainedDay(*live, services, loop, offsetOf(choice, services), family),
                      .otherDays = {},
-                     .tellsProblems = name.empty()};
-    if (!name.empty()) narrow(report, name, *live, services, invocation, words);
+                     .problems = {}};
+    if (!name.empty()) narrow(report, name, *live, services, words);
+    if (name.empty() || values.has("--json")) report.problems = problemsOf(*live);
     if (values.has("--json")) {
         invocation.console.writeLine(plainJSON(reportJSON(report)));
     } else {

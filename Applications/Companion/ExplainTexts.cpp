@@ -81,6 +81,10 @@ std::string nothingOnTheDay() {
     return text("explain-nothing-there");
 }
 
+std::string nothingReadOnTheDay() {
+    return text("explain-nothing-read-there");
+}
+
 std::string notOnTheDay(std::string_view name) {
     return text("explain-not-on-the-day", quoted(name));
 }

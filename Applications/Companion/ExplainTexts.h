@@ -23,6 +23,7 @@ std::string ruleText(ExplainedMeet const& explained, DayExplanation const& day, 
 std::string calendarAndPlace(ExplainedMeet const& explained);
 
 std::string nothingOnTheDay();
+std::string nothingReadOnTheDay();
 std::string notOnTheDay(std::string_view name);
 std::string foundNowhere(std::string_view name, std::string_view day);
 std::string problemsHeading();

@@ -39,7 +39,8 @@ std::unique_ptr<Composition::LiveServices> liveServices(Invocation const& invoca
 std::unique_ptr<Composition::LiveServices> liveServices(Invocation const& invocation,
                                                         Composition::LiveServicesOptions options) {
     options.consentPrompt = std::make_shared<QuestionOfConsent>();
-    options.logSink = std::make_shared<ConsoleLogSink>(invocation.console, invocation.environment);
+    if (!options.logSink)
+        options.logSink = std::make_shared<ConsoleLogSink>(invocation.console, invocation.environment);
     return std::make_unique<Composition::LiveServices>(invocation.environment, std::move(options));
 }
 

@@ -21,7 +21,8 @@ namespace Companion {
 std::unique_ptr<Composition::LiveServices> liveServices(Invocation const& invocation,
                                                         std::optional<Foundation::Date> fixedMoment = {});
 
-/// The same with options of one's own; where log records go and how access is asked for are set.
+/// The same with options of one's own; how access is asked for is set, and where log records go unless they
+/// say.
 std::unique_ptr<Composition::LiveServices> liveServices(Invocation const& invocation,
                                                         Composition::LiveServicesOptions options);
 

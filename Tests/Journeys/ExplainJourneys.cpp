@@ -173,6 +173,68 @@ TEST_F(ExplainJourneys, whatIsNowhereIsSaidWithWhatCouldNotBeRead) {
     EXPECT_THAT(result.errors, HasSubstr("no meet is called \"Broken\", neither on Wednesday 2026-03-11"));
 }
 
+TEST_F(ExplainJourneys, whatDoesNotHappenIsFoundOnOtherDaysWithItsRule) {
+    add("work", "Off", ":20260312T130000Z", ":20260312T140000Z", "STATUS:CANCELLED\r\n");
+    add("work", "Gym", ":20260314T130000Z", ":20260314T140000Z",
+        "RRULE:FREQ=DAILY;COUNT=3\r\nEXDATE:20260315T130000Z\r\n");
+    home.setUp();
+    auto const off = explained({"off"});
+    ASSERT_EQ(list(off, "otherDays").size(), 1U);
+    EXPECT_EQ(member(list(off, "otherDays").front(), "rule"), "cancelledEvent");
+    EXPECT_EQ(*list(off, "otherDays").front().member("isShown"), JSON::Value(false));
+    EXPECT_THAT(home.outputOf({"explain", "off", "--at", "2026-03-11T11:00:00"}),
+                HasSubstr("Off\n    Not shown: the event is cancelled ("));
+
+    std::vector<std::string> rules;
+    auto const gym = explained({"gym"});
+    for (auto const& meet : list(gym, "otherDays"))
+        rules.push_back(member(meet, "rule"));
+    EXPECT_EQ(rules, (std::vector<std::string>{"startsOnAnotherDay", "excludedDate", "startsOnAnotherDay"}));
+}
+
+TEST_F(ExplainJourneys, theOutermostDaysAreLookedThroughWhole) {
+    add("work", "Late", ":20260321T213000Z", ":20260321T220000Z");
+    add("work", "Early", ":20260301T050000Z", ":20260301T060000Z");
+    home.setUp();
+    EXPECT_EQ(list(explained({"late"}), "otherDays").size(), 1U);
+    EXPECT_EQ(list(explained({"early"}), "otherDays").size(), 1U);
+}
+
+TEST_F(ExplainJourneys, aSourceThatCannotBeOpenedIsNoEmptyDay) {
+    if (!canGiveUpOverride()) GTEST_SKIP() << "nothing is closed to this user";
+    add("work", "Review", ":20260311T130000Z", ":20260311T140000Z");
+    home.setUp();
+    std::filesystem::permissions(home.calendars(), std::filesystem::perms::none);
+    auto const page = home.quilloraWithoutOverride({"explain", "--at", "2026-03-11T11:00:00"});
+    auto const document = home.quilloraWithoutOverride({"explain", "--at", "2026-03-11T11:00:00", "--json"});
+    std::filesystem::permissions(home.calendars(), std::filesystem::perms::owner_all);
+    EXPECT_THAT(page.output, HasSubstr("What could be read of the calendars holds nothing for this day.\n"));
+    EXPECT_THAT(page.output, HasSubstr("What could not be read whole:\n  " + home.calendars().string()));
+    auto const parsed = JSON::parse(document.output).value();
+    ASSERT_EQ(list(parsed, "problems").size(), 1U);
+    EXPECT_EQ(member(list(parsed, "problems").front(), "file"), home.calendars().string());
+}
+
+TEST_F(ExplainJourneys, whatCannotBeReadIsSaidOnce) {
+    home.write(home.calendars() / "work" / "broken.ics",
+               calendarFile("BEGIN:VEVENT\r\nUID:b\r\nSUMMARY:Broken\r\nDTSTART:nonsense\r\nEND:VEVENT\r\n"));
+    home.setUp();
+    auto const timesIn = [](std::string const& text) {
+        std::size_t count = 0;
+        for (auto at = text.find("broken.ics:"); at != std::string::npos;
+             at = text.find("broken.ics:", at + 1))
+            ++count;
+        return count;
+    };
+    for (int run = 1; run <= 2; ++run) { // The first one makes the index, from which the second one reads.
+        auto const named = home.quillora({"explain", "nosuch", "--at", "2026-03-11T11:00:00"});
+        EXPECT_EQ(timesIn(named.errors), 1U) << named.errors;
+        auto const whole = home.quillora({"explain", "--at", "2026-03-11T11:00:00"});
+        EXPECT_EQ(timesIn(whole.output), 1U) << whole.output;
+        EXPECT_EQ(whole.errors, "");
+    }
+}
+
 TEST_F(ExplainJourneys, aPageTellsPlaceAndRule) {
     add("work", "Review", ":20260311T130000Z", ":20260311T140000Z");
     home.setUp();

@@ -35,27 +35,13 @@ std::vector<std::filesystem::path> pathsOf(CalendarPlace const& place) {
     return paths;
 }
 
-CalendarFiles filesOf(CalendarPlace const& place, bool holdsLooseFiles, std::vector<StoreProblem>& problems) {
+CalendarFiles filesOf(CalendarPlace const& place, bool holdsLooseFiles) {
     CalendarFiles files;
     for (auto const& path : pathsOf(place)) {
         auto content = readRegularFile(path);
-        if (!content) {
-            problems.push_back({.path = path,
-                                .line = 0,
-                                .effect = StoreProblem::Effect::skipped,
-                                .reason = std::move(content).error()});
-            continue;
-        }
+        if (!content) continue;
         auto file = ICalendar::read(std::move(content->content), path.string());
         if (holdsLooseFiles && isCalendarOfItsOwn(*file)) continue;
-        for (auto const& problem : file->problems) {
-            problems.push_back({.path = path,
-                                .line = problem.line,
-                                .effect = problem.effect == ICalendar::Problem::Effect::skipped
-                                              ? StoreProblem::Effect::skipped
-                                              : StoreProblem::Effect::adjusted,
-                                .reason = problem.reason});
-        }
         files.push_back(std::move(file));
     }
     return files;
@@ -72,20 +58,20 @@ OmittedEvent recordOf(ICalendar::Omission const& omission, std::shared_ptr<EKCal
 
 } // namespace
 
-OmittedEvents omittedEvents(std::vector<CalendarRoot> const& roots, std::vector<EKCalendar> const& calendars,
-                            Foundation::Date start, Foundation::Date end,
-                            Foundation::TimeZone const& viewer) {
-    OmittedEvents found;
+std::vector<OmittedEvent> omittedEvents(std::vector<CalendarRoot> const& roots,
+                                        std::vector<EKCalendar> const& calendars, Foundation::Date start,
+                                        Foundation::Date end, Foundation::TimeZone const& viewer) {
+    std::vector<OmittedEvent> found;
     ICalendar::ZoneCatalog zones;
     for (auto const& calendar : calendars) {
         auto const place = findCalendarPlace(roots, calendar.calendarIdentifier);
         if (!place) continue;
         // The identifier of a root's loose files together.
         bool const holdsLooseFiles = calendar.calendarIdentifier.ends_with("/.");
-        auto const files = filesOf(*place, holdsLooseFiles, found.problems);
+        auto const files = filesOf(*place, holdsLooseFiles);
         auto const record = std::make_shared<EKCalendar const>(calendar);
         for (auto const& omission : ICalendar::omissions(files, zones, start, end, viewer))
-            found.events.push_back(recordOf(omission, record, viewer));
+            found.push_back(recordOf(omission, record, viewer));
     }
     return found;
 }

@@ -5,7 +5,6 @@
 #include "Platform/EventStore/EKEventStore.h"
 #include "Platform/EventStore/Folder/CalendarRoot.h"
 #include "Platform/EventStore/Folder/CalendarStorePlaces.h"
-#include "Platform/EventStore/Folder/StoreProblem.h"
 #include "Platform/EventStore/ICalendar/Omission.h"
 
 #include <cstdint>
@@ -25,16 +24,12 @@ struct OmittedEvent {
     std::int64_t causeLine;
 };
 
-/// What is in the files of calendars and in no answer of their store.
-struct OmittedEvents {
-    std::vector<OmittedEvent> events;
-    std::vector<StoreProblem> problems; ///< Events and files that could not be read whole.
-};
-
 /// Reads the files of those calendars from end to end, so it takes its time; for a person who misses
 /// something between `start` and `end`. `roots` are those of the store, the product's own included.
-OmittedEvents omittedEvents(std::vector<CalendarRoot> const& roots, std::vector<EKCalendar> const& calendars,
-                            Foundation::Date start, Foundation::Date end, Foundation::TimeZone const& viewer);
+/// What cannot be read is left out: FolderEventStore::problems() tells of it.
+std::vector<OmittedEvent> omittedEvents(std::vector<CalendarRoot> const& roots,
+                                        std::vector<EKCalendar> const& calendars, Foundation::Date start,
+                                        Foundation::Date end, Foundation::TimeZone const& viewer);
 
 /// The root of the product's own calendar, where it has been made, then those of the person's list.
 std::vector<CalendarRoot> rootsOfStore(CalendarStorePlaces const& places, std::vector<CalendarRoot> listed);
