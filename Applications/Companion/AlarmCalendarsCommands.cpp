@@ -79,7 +79,7 @@ ExitCode add(Invocation const& invocation) {
     }
     requireSaved(
         CalendarsStore::insert({identifiers.begin(), identifiers.end()}, *requiredDefaults(*services)));
-    invocation.console.write(said);
+    invocation.console.confirm(said, said);
     return ExitCode::done;
 }
 
@@ -98,7 +98,7 @@ ExitCode remove(Invocation const& invocation) {
         said += Texts::calendarNoLongerAnnounced(title.value_or(identifier)) + "\n";
     }
     requireSaved(CalendarsStore::remove({identifiers.begin(), identifiers.end()}, *defaults));
-    invocation.console.write(said);
+    invocation.console.confirm(said, said);
     return ExitCode::done;
 }
 

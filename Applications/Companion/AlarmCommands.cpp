@@ -36,7 +36,7 @@ ExitCode mode(Invocation const& invocation) {
     }
     auto const chosen = Foundation::fromRawValue<MeetAlarmModeEnum>(words.front()).value();
     requireSaved(Meetings::MeetAlarmModeStore::save(chosen, *defaults));
-    invocation.console.writeLine(
+    invocation.console.confirmLine(
         Texts::alarmModeSet(services->meetingsTexts()->text(Meetings::titleKey(chosen))));
     return ExitCode::done;
 }
@@ -52,7 +52,7 @@ ExitCode voice(Invocation const& invocation) {
     }
     auto const chosen = Foundation::fromRawValue<MeetAlarmVoiceLanguageEnum>(words.front()).value();
     requireSaved(Meetings::MeetAlarmVoiceLanguageStore::save(chosen, *defaults));
-    invocation.console.writeLine(
+    invocation.console.confirmLine(
         Texts::alarmVoiceSet(services->meetingsTexts()->text(Meetings::titleKey(chosen))));
     return ExitCode::done;
 }
@@ -95,8 +95,8 @@ ExitCode messageTemplate(Invocation const& invocation) {
     auto const announcer = Composition::AlarmAnnouncer::live(*services);
     auto const language = Meetings::MeetAlarmVoiceLanguageStore::load(*requiredDefaults(*services));
     auto const sample = announcer->sentence(Meetings::sampleMeetingName(language));
-    invocation.console.writeLine(words.front().empty() ? Texts::alarmTemplateUnset(sample)
-                                                       : Texts::alarmTemplateSet(sample));
+    invocation.console.confirmLine(words.front().empty() ? Texts::alarmTemplateUnset(sample)
+                                                         : Texts::alarmTemplateSet(sample));
     return ExitCode::done;
 }
 

@@ -53,7 +53,7 @@ struct Account {
     }
 
     [[nodiscard]] std::string settingPath() const { return shownPath(setting->file()); }
-    void say(std::string const& text) const { invocation.console.writeLine(text); }
+    void say(std::string const& text) const { invocation.console.confirmLine(text); }
 
     Invocation const& invocation;
     std::unique_ptr<Composition::LiveServices> services;

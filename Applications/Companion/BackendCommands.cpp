@@ -43,7 +43,7 @@ public:
             run.require(run.meets()->fetchAllMeets(), Texts::meetsNotListed(), Texts::interruptedReading());
         if (writesJSON) {
             for (auto const& meet : meets)
-                showJSON(meet);
+                invocation.console.writeLine(documentOf(meet));
         } else if (meets.empty()) {
             invocation.console.writeLine(Texts::noMeets());
         } else {
@@ -57,7 +57,7 @@ public:
         auto const notDone = Texts::backendMeetNotAdded(meet.metName);
         auto const stored = run.require(application().createMeet(std::move(meet)), notDone,
                                         Texts::interruptedWriting(notDone));
-        show(stored, Texts::backendMeetAdded(stored.metName, stored.metOriginalIdentifier));
+        confirm(stored, Texts::backendMeetAdded(stored.metName, stored.metOriginalIdentifier));
         return ExitCode::done;
     }
 
@@ -73,7 +73,7 @@ public:
         auto meet = changedMeet(invocation.values, meetOf(event), calendar);
         auto const stored =
             run.require(application().editMeet(std::move(meet)), notDone, Texts::interruptedWriting(notDone));
-        show(stored, Texts::backendMeetChanged(stored.metName, stored.metOriginalIdentifier));
+        confirm(stored, Texts::backendMeetChanged(stored.metName, stored.metOriginalIdentifier));
         return ExitCode::done;
     }
 
@@ -87,7 +87,7 @@ public:
             if (!answer.value_or(false)) throw CommandError::failed(Texts::meetKept(meet.metName));
         }
         run.require(application().deleteMeet(meet), notDone, Texts::interruptedWriting(notDone));
-        show(meet, Texts::backendMeetDeleted(meet.metName, meet.metOriginalIdentifier));
+        confirm(meet, Texts::backendMeetDeleted(meet.metName, meet.metOriginalIdentifier));
         return ExitCode::done;
     }
 
@@ -157,13 +157,18 @@ private:
         invocation.console.write(page);
     }
 
-    void showJSON(MeetEntity const& meet) const { invocation.console.writeLine(plainJSON(meetJSON(meet))); }
+    // Each line is a document of its own.
+    [[nodiscard]] static std::string documentOf(MeetEntity const& meet) {
+        auto document = meetJSON(meet);
+        document.emplace(document.begin(), "version", 1);
+        return plainJSON(std::move(document));
+    }
 
-    void show(MeetEntity const& meet, std::string const& text) const {
+    void confirm(MeetEntity const& meet, std::string const& whatWasDone) const {
         if (writesJSON) {
-            showJSON(meet);
+            invocation.console.confirm(documentOf(meet) + "\n", whatWasDone);
         } else {
-            invocation.console.writeLine(text);
+            invocation.console.confirmLine(whatWasDone);
         }
     }
 

@@ -115,7 +115,7 @@ ExitCode setVisibility(Invocation const& invocation) {
     auto hidden = Meetings::HiddenCalendarsStore::load(*services->files());
     auto const said = change(hidden, visibility, accounts, invocation.values.arguments());
     saveHidden(*services, hidden);
-    invocation.console.write(said);
+    invocation.console.confirm(said, said);
     return ExitCode::done;
 }
 

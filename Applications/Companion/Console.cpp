@@ -5,6 +5,7 @@
 #include "Applications/Companion/Texts.h"
 #include "Foundation/Text.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <sys/ioctl.h>
@@ -55,6 +56,18 @@ void Console::write(std::string_view bytes) const {
 
 void Console::writeLine(std::string_view text) const {
     write(std::string(text) + "\n");
+}
+
+void Console::confirm(std::string_view lines, std::string_view whatWasDone) const {
+    int const error = writeAll(STDOUT_FILENO, lines);
+    if (error == 0) return;
+    std::string done(Foundation::Text::trimmingWhitespacesAndNewlines(whatWasDone));
+    std::ranges::replace(done, '\n', ' ');
+    throw CommandError::failed(Texts::cannotWriteWhatIsDone(std::strerror(error), done));
+}
+
+void Console::confirmLine(std::string_view whatWasDone) const {
+    confirm(std::string(whatWasDone) + "\n", whatWasDone);
 }
 
 void Console::report(std::string_view message) const {

@@ -22,6 +22,14 @@ public:
     /// Writes `text` and a line feed to standard output.
     void writeLine(std::string_view text) const;
 
+    /// Writes to standard output what a command says that has made its change: whole lines. Where they cannot
+    /// be written, `whatWasDone` is told in the error, so that nobody takes the change for not made and makes
+    /// it again. Throws as `write` does.
+    void confirm(std::string_view lines, std::string_view whatWasDone) const;
+
+    /// The same with `whatWasDone` as the one line.
+    void confirmLine(std::string_view whatWasDone) const;
+
     /// Writes one line to standard error: the program's name, then `message` with everything that could
     /// break the line made harmless. Never fails.
     void report(std::string_view message) const;

@@ -80,10 +80,10 @@ void finishChange(Invocation const& invocation, Composition::LiveServices& servi
                   std::string const& whatWasDone) {
     services.widgetCenter()->reloadAllTimelines();
     if (invocation.values.has("--json")) {
-        invocation.console.writeLine(
-            plainJSON(Foundation::JSON::Object{{"version", 1}, {"meet", meetJSON(meet)}}));
+        auto document = plainJSON(Foundation::JSON::Object{{"version", 1}, {"meet", meetJSON(meet)}});
+        invocation.console.confirm(document + "\n", whatWasDone);
     } else {
-        invocation.console.writeLine(whatWasDone);
+        invocation.console.confirmLine(whatWasDone);
     }
 }
 

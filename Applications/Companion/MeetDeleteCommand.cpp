@@ -54,7 +54,7 @@ ExitCode run(Invocation const& invocation) {
     confirm(invocation, planOf(meet, *event, reach, words) + "\n");
     changing(notDeleted, [&] { carryOut(meet, *event, reach, *services); });
     services->widgetCenter()->reloadAllTimelines();
-    invocation.console.writeLine(Texts::meetDeleted(meet.metName));
+    invocation.console.confirmLine(Texts::meetDeleted(meet.metName));
     return ExitCode::done;
 }
 

@@ -41,7 +41,7 @@ ExitCode reportMove(Invocation const& invocation, Composition::LiveServices& ser
     // A press elsewhere may have moved on meanwhile; only a day that did not move at all was not kept.
     if (stored == before && expected != before)
         throw CommandError::failed(Texts::dayNotSaved(whyNotKept(files)));
-    invocation.console.writeLine(dayLine(services, stored));
+    invocation.console.confirmLine(dayLine(services, stored));
     return ExitCode::done;
 }
 

@@ -55,7 +55,7 @@ ExitCode onRegistry(Invocation const& invocation, std::function<void(Session con
 
 void finishChange(Session const& session, Registry const& registry, std::string const& whatWasDone) {
     session.services.widgetCenter()->reloadAllTimelines();
-    session.say(whatWasDone);
+    session.invocation.console.confirmLine(whatWasDone);
     checkMirror(session.services, registry, Texts::mirrorNotSaved);
 }
 

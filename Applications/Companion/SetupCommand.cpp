@@ -39,7 +39,7 @@ public:
     }
 
 private:
-    void say(std::string const& text) const { invocation.console.writeLine(text); }
+    void say(std::string const& text) const { invocation.console.confirmLine(text); }
 
     void makeOwnCalendar(Platform::CalendarStorePlaces const& places) {
         std::error_code missing;

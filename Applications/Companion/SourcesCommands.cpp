@@ -88,7 +88,7 @@ ExitCode add(Invocation const& invocation) {
     auto const root = configuration->add(folder, title);
     if (!root) throw CommandError::failed(Texts::told(root.error()));
     services->widgetCenter()->reloadAllTimelines();
-    invocation.console.writeLine(Texts::sourceAdded(root->title, shownPath(root->path), root->id));
+    invocation.console.confirmLine(Texts::sourceAdded(root->title, shownPath(root->path), root->id));
     if (!holdsCalendarFiles(folder))
         invocation.console.report(Texts::folderHoldsNoCalendars(shownPath(folder)));
     for (auto const* others : {&roots, &own}) {
@@ -117,7 +117,7 @@ ExitCode remove(Invocation const& invocation) {
     auto const root = configuration->remove(known->id);
     if (!root) throw CommandError::failed(Texts::told(root.error()));
     services->widgetCenter()->reloadAllTimelines();
-    invocation.console.writeLine(Texts::sourceRemoved(root->title, shownPath(root->path)));
+    invocation.console.confirmLine(Texts::sourceRemoved(root->title, shownPath(root->path)));
     return ExitCode::done;
 }
 

@@ -253,6 +253,10 @@ std::string cannotWriteOutput(std::string_view reason) {
     return text("cannot-write-output", told(reason));
 }
 
+std::string cannotWriteWhatIsDone(std::string_view reason, std::string_view whatWasDone) {
+    return text("cannot-write-what-is-done", told(reason), whatWasDone);
+}
+
 std::string unreadableInput(std::string_view reason) {
     return text("unreadable-input", told(reason));
 }

@@ -91,6 +91,7 @@ std::string changedElsewhere();
 std::string settingNotSaved(std::string_view reason);
 std::string neitherFileNorFolder(std::string_view path);
 std::string cannotWriteOutput(std::string_view reason);
+std::string cannotWriteWhatIsDone(std::string_view reason, std::string_view whatWasDone);
 std::string unreadableInput(std::string_view reason);
 std::string inputIsTooLarge(std::size_t mostMebibytes);
 std::string cannotEncodeJSON();

@@ -221,6 +221,90 @@ TEST_F(BadInputJourneys, aDamagedListOfSourcesIsMendedByTheNextChange) {
     EXPECT_EQ(home.contentOf(path.string() + ".damaged-3"), "{}");
 }
 
+TEST_F(BadInputJourneys, aChangeThatCannotBeToldIsSaidToBeMade) {
+    using Words = std::vector<std::string>;
+    auto const failing = [this](Words const& words) {
+        auto const result = home.quillora(words, ProgramRun::Output::fullDevice);
+        EXPECT_EQ(result.exitCode, 1) << words[0];
+        return result.errors;
+    };
+    std::string const begins =
+        "quillora: standard output could not be written (No space left on device), but this is done: ";
+    Words const tea = {"meet", "add", "--name", "Tea", "--start", "2026-03-11T10:00"};
+    EXPECT_THAT(failing(tea), StartsWith(begins + "Added \"Tea\", Wednesday 2026-03-11"));
+    auto asJSON = tea;
+    asJSON.emplace_back("--json");
+    EXPECT_THAT(failing(asJSON), StartsWith(begins + "Added \"Tea\", Wednesday 2026-03-11"));
+    EXPECT_EQ(meetNames(home.dayJSON({"--day", "2026-03-11"})).size(), 3U);
+    EXPECT_EQ(failing({"alarm", "mode", "funk"}), begins + "Meets are announced with: Funk\n");
+    EXPECT_EQ(failing({"calendars", "hide", "quillora-native-calendar"}), begins + "Hid \"Quillora\"\n");
+    EXPECT_THAT(failing({"next"}), StartsWith(begins));
+    // Where nothing was changed nothing is said of it.
+    EXPECT_EQ(failing({"calendars", "list"}),
+              "quillora: standard output could not be written: No space left on device\n");
+}
+
+TEST_F(BadInputJourneys, damagedSettingsAreNamedOnceByEveryCommandThatReadsThem) {
+    (void)home.outputOf({"alarm", "template", "{event} now"});
+    auto const path = home.configuration() / "defaults.json";
+    auto const damaged = home.contentOf(path).substr(1);
+    home.write(path, damaged);
+    auto const said =
+        "quillora: " + path.string() +
+        ": the file is damaged, so nothing in it counts; the next change keeps a copy of it and "
+        "starts anew\n";
+    for (auto const& words : std::vector<std::vector<std::string>>{{"alarm", "template"},
+                                                                   {"alarm", "mode"},
+                                                                   {"alarm", "voice"},
+                                                                   {"alarm", "calendars", "list"},
+                                                                   {"alarm", "preview", "--text"}}) {
+        auto const result = home.quillora(words);
+        EXPECT_EQ(result.exitCode, 0) << words[1];
+        EXPECT_EQ(result.errors, said) << words[1];
+    }
+    auto const change = home.quillora({"alarm", "mode", "funk"});
+    EXPECT_EQ(change.exitCode, 0);
+    EXPECT_EQ(change.errors, said);
+    EXPECT_EQ(home.contentOf(path.string() + ".damaged"), damaged);
+    EXPECT_EQ(home.quillora({"alarm", "mode"}).errors, "");
+}
+
+TEST_F(BadInputJourneys, aDamagedChoiceOfHiddenCalendarsIsNamedAndACopyKept) {
+    auto const path = home.container() / "hiddenCalendarIdentifiers.json";
+    home.write(path, "[\"k3fa");
+    auto const said =
+        "quillora: " + path.string() +
+        ": the file is damaged, so nothing in it counts; the next change keeps a copy of it and "
+        "starts anew\n";
+    for (auto const& words :
+         std::vector<std::vector<std::string>>{{"day", "--at", "2026-03-11T08:00"},
+                                               {"meet", "show", "--day", "2026-03-11"},
+                                               {"explain", "--day", "2026-03-11"},
+                                               {"calendars", "list"},
+                                               {"calendars", "hide", "quillora-native-calendar"}}) {
+        auto const result = home.quillora(words);
+        EXPECT_EQ(result.exitCode, 0) << words[0];
+        EXPECT_EQ(result.errors, said) << words[0];
+    }
+    EXPECT_EQ(home.contentOf(path), "[\"quillora-native-calendar\"]");
+    EXPECT_EQ(home.contentOf(path.string() + ".damaged"), "[\"k3fa");
+    EXPECT_EQ(home.quillora({"calendars", "list"}).errors, "");
+}
+
+TEST_F(BadInputJourneys, withoutAHomeThatIsWhatTheDayAndItsExplanationSay) {
+    for (auto const* variable : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME"})
+        home.environment.erase(variable);
+    auto const said =
+        "quillora: neither HOME nor XDG_CONFIG_HOME and XDG_DATA_HOME name a folder, so there is no "
+        "place for Quillora's files; set HOME\n";
+    for (auto const& words :
+         std::vector<std::vector<std::string>>{{"day"}, {"explain"}, {"explain", "tea"}, {"meet", "show"}}) {
+        auto const result = home.quillora(words);
+        EXPECT_EQ(result.exitCode, words[0] == "day" ? 0 : 1) << words[0];
+        EXPECT_EQ(result.errors, said) << words[0];
+    }
+}
+
 TEST_F(BadInputJourneys, aListOfSourcesOfANewerVersionIsNeverChanged) {
     auto const path = home.configuration() / "calendar-store.json";
     home.write(path, R"({"version":2,"sources":[]})");
