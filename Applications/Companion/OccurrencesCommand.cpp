@@ -22,7 +22,7 @@ std::string dayText(std::chrono::local_days day) {
 
 std::string jsonLine(ListedOccurrence const& occurrence) {
     bool const allDay = occurrence.days.has_value();
-    JSON::Object object;
+    JSON::Object object{{"version", 1}};
     object.emplace_back("start",
                         allDay ? dayText(occurrence.days->first) : Foundation::iso8601(occurrence.start));
     object.emplace_back("end", allDay ? dayText(occurrence.days->end) : Foundation::iso8601(occurrence.end));

@@ -46,26 +46,33 @@ INSTANTIATE_TEST_SUITE_P(
                   event("u1", "Early \\, call", ";TZID=Europe/Madrid:20260327T023000",
                         ";TZID=Europe/Madrid:20260327T033000", "RRULE:FREQ=DAILY;COUNT=4\r\n"),
                   between("2026-03-27", "2026-04-01", "Europe/Madrid"),
-                  "{\"start\":\"2026-03-27T01:30:00Z\",\"end\":\"2026-03-27T02:30:00Z\",\"allDay\":false,"
+                  "{\"version\":1,\"start\":\"2026-03-27T01:30:00Z\",\"end\":\"2026-03-27T02:30:00Z\","
+                  "\"allDay\":false,"
                   "\"title\":\"Early , call\",\"uid\":\"u1\"}\n"
-                  "{\"start\":\"2026-03-28T01:30:00Z\",\"end\":\"2026-03-28T02:30:00Z\",\"allDay\":false,"
+                  "{\"version\":1,\"start\":\"2026-03-28T01:30:00Z\",\"end\":\"2026-03-28T02:30:00Z\","
+                  "\"allDay\":false,"
                   "\"title\":\"Early , call\",\"uid\":\"u1\"}\n"
-                  "{\"start\":\"2026-03-29T01:30:00Z\",\"end\":\"2026-03-29T02:30:00Z\",\"allDay\":false,"
+                  "{\"version\":1,\"start\":\"2026-03-29T01:30:00Z\",\"end\":\"2026-03-29T02:30:00Z\","
+                  "\"allDay\":false,"
                   "\"title\":\"Early , call\",\"uid\":\"u1\"}\n"
-                  "{\"start\":\"2026-03-30T00:30:00Z\",\"end\":\"2026-03-30T01:30:00Z\",\"allDay\":false,"
+                  "{\"version\":1,\"start\":\"2026-03-30T00:30:00Z\",\"end\":\"2026-03-30T01:30:00Z\","
+                  "\"allDay\":false,"
                   "\"title\":\"Early , call\",\"uid\":\"u1\"}\n"},
         Expansion{"wholeDaysBearDates", event("d1", "Fair", ";VALUE=DATE:20260301", ";VALUE=DATE:20260303"),
                   between("2026-03-02", "2026-03-03"),
-                  "{\"start\":\"2026-03-01\",\"end\":\"2026-03-03\",\"allDay\":true,\"title\":\"Fair\","
+                  "{\"version\":1,\"start\":\"2026-03-01\",\"end\":\"2026-03-03\",\"allDay\":true,\"title\":"
+                  "\"Fair\","
                   "\"uid\":\"d1\"}\n"},
         Expansion{"wholeDaysLieOnTheViewersDays",
                   event("d1", "Fair", ";VALUE=DATE:20260302", ";VALUE=DATE:20260303"),
                   between("2026-03-01T14:00Z", "2026-03-01T16:00Z", "Asia/Tokyo"),
-                  "{\"start\":\"2026-03-02\",\"end\":\"2026-03-03\",\"allDay\":true,\"title\":\"Fair\","
+                  "{\"version\":1,\"start\":\"2026-03-02\",\"end\":\"2026-03-03\",\"allDay\":true,\"title\":"
+                  "\"Fair\","
                   "\"uid\":\"d1\"}\n"},
         Expansion{"floatingTimesAreTheViewers", event("f1", "Tea", ":20260311T090000", ":20260311T093000"),
                   between("2026-03-11", "2026-03-12", "Asia/Tokyo"),
-                  "{\"start\":\"2026-03-11T00:00:00Z\",\"end\":\"2026-03-11T00:30:00Z\",\"allDay\":false,"
+                  "{\"version\":1,\"start\":\"2026-03-11T00:00:00Z\",\"end\":\"2026-03-11T00:30:00Z\","
+                  "\"allDay\":false,"
                   "\"title\":\"Tea\",\"uid\":\"f1\"}\n"},
         Expansion{"boundsAreHalfOpen",
                   event("b1", "Ends at the start", ":20260311T080000Z", ":20260311T090000Z") +
@@ -73,15 +80,18 @@ INSTANTIATE_TEST_SUITE_P(
                       event("b3", "No length at the start", ":20260311T090000Z", ":20260311T090000Z") +
                       event("b4", "No length at the end", ":20260311T100000Z", ":20260311T100000Z"),
                   between("2026-03-11T09:00:00Z", "2026-03-11T10:00:00Z"),
-                  "{\"start\":\"2026-03-11T09:00:00Z\",\"end\":\"2026-03-11T09:00:00Z\",\"allDay\":false,"
+                  "{\"version\":1,\"start\":\"2026-03-11T09:00:00Z\",\"end\":\"2026-03-11T09:00:00Z\","
+                  "\"allDay\":false,"
                   "\"title\":\"No length at the start\",\"uid\":\"b3\"}\n"},
         Expansion{"earliestFirst",
                   event("s1", "Later", ":20260311T100000Z", ":20260311T103000Z") +
                       event("s2", "Earlier", ":20260311T080000Z", ":20260311T083000Z"),
                   between("2026-03-11", "2026-03-12"),
-                  "{\"start\":\"2026-03-11T08:00:00Z\",\"end\":\"2026-03-11T08:30:00Z\",\"allDay\":false,"
+                  "{\"version\":1,\"start\":\"2026-03-11T08:00:00Z\",\"end\":\"2026-03-11T08:30:00Z\","
+                  "\"allDay\":false,"
                   "\"title\":\"Earlier\",\"uid\":\"s2\"}\n"
-                  "{\"start\":\"2026-03-11T10:00:00Z\",\"end\":\"2026-03-11T10:30:00Z\",\"allDay\":false,"
+                  "{\"version\":1,\"start\":\"2026-03-11T10:00:00Z\",\"end\":\"2026-03-11T10:30:00Z\","
+                  "\"allDay\":false,"
                   "\"title\":\"Later\",\"uid\":\"s1\"}\n"},
         Expansion{"nothingIsNothing", event("n1", "Tea", ":20260311T090000Z", ":20260311T093000Z"),
                   between("2026-04-11", "2026-04-12"), ""}),
@@ -89,7 +99,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 std::string const tea = event("u1", "Tea", ":20260311T090000Z", ":20260311T093000Z");
 std::string const teaLine =
-    "{\"start\":\"2026-03-11T09:00:00Z\",\"end\":\"2026-03-11T09:30:00Z\",\"allDay\":false,"
+    "{\"version\":1,\"start\":\"2026-03-11T09:00:00Z\",\"end\":\"2026-03-11T09:30:00Z\",\"allDay\":false,"
     "\"title\":\"Tea\",\"uid\":\"u1\"}\n";
 
 TEST(OccurrencesJourneys, aFolderIsReadAsASourceIs) {
@@ -99,7 +109,8 @@ TEST(OccurrencesJourneys, aFolderIsReadAsASourceIs) {
                calendarFile(event("x:y", "", ";VALUE=DATE:20260311", ";VALUE=DATE:20260312")));
     EXPECT_EQ(
         home.outputOf({"occurrences", "calendars", "--from", "2026-03-11", "--to", "2026-03-12", "--json"}),
-        "{\"start\":\"2026-03-11\",\"end\":\"2026-03-12\",\"allDay\":true,\"title\":\"\",\"uid\":\"x:y\"}\n" +
+        "{\"version\":1,\"start\":\"2026-03-11\",\"end\":\"2026-03-12\",\"allDay\":true,\"title\":\"\","
+        "\"uid\":\"x:y\"}\n" +
             teaLine);
     // A calendar's own folder works as well.
     EXPECT_EQ(home.outputOf(

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Holds what the program prints for programs against Docs/quillora.schema.json.
 
-Usage: schema_test.py QUILLORA SCHEMA
+Usage: schema_test.py QUILLORA SCHEMA BACKEND
 """
 
 import copy
@@ -18,6 +18,7 @@ import jsonschema
 QUILLORA = sys.argv[1]
 with open(sys.argv[2], encoding="utf-8") as file:
     SCHEMA = json.load(file)
+BACKEND = sys.argv[3]
 
 EVENTS = {
     "review": "DTSTART:20260311T130000Z\r\nDTEND:20260311T140000Z\r\nLOCATION:Room\r\nURL:https://example.org/\r\n",
@@ -58,13 +59,13 @@ class Outputs(unittest.TestCase):
         shutil.rmtree(cls.folder, ignore_errors=True)
 
     @classmethod
-    def run_quillora(cls, *words):
-        done = subprocess.run([QUILLORA, *words], env=cls.environment, capture_output=True, text=True, check=False)
+    def run_quillora(cls, *words, given=""):
+        done = subprocess.run([QUILLORA, *words], env=cls.environment, input=given, capture_output=True, text=True, check=False)
         assert done.returncode == 0 or words[0] == "doctor", f"{words}: {done.stderr}"
         return done.stdout
 
-    def check(self, name, *words):
-        printed = self.run_quillora(*words)
+    def check(self, name, *words, given=""):
+        printed = self.run_quillora(*words, given=given)
         self.assertTrue(printed, words)
         documents = [json.loads(line) for line in printed.splitlines()]
         for document in documents:
@@ -93,6 +94,29 @@ class Outputs(unittest.TestCase):
     def test_meets(self):
         listed = self.check("meetList", "meet", "show", "--json", "--day", "2026-03-11")
         self.check("meetPage", "meet", "show", listed["meetings"][0]["metId"], "--json", "--day", "2026-03-11")
+
+    def test_changedMeets(self):
+        added = self.check("changedMeet", "meet", "add", "--name", "Tea", "--start", "2026-04-01T15:00", "--url", "https://example.org/", "--json")
+        day = ["--day", "2026-04-01", "--json"]
+        edited = self.check("changedMeet", "meet", "edit", added["meet"]["metId"], "--name", "Coffee", "--yes", *day)
+        self.assertEqual(edited["meet"]["metName"], "Coffee")
+
+    def test_meetsOfABackend(self):
+        token = os.path.join(self.folder, "token")
+        with subprocess.Popen([BACKEND, "--token-file", token], env=self.environment, stdout=subprocess.PIPE, text=True) as service:
+            try:
+                url = service.stdout.readline().strip()
+                with open(token, encoding="utf-8") as file:
+                    given = file.read()
+                connection = ["--url", url, "--token-fd", "0", "--json"]
+                meet = ["--name", "Tea", "--start", "2026-03-11T09:00", "--repeat", "weekly", "--weekdays", "wed"]
+                added = self.check("backendMeet", "backend", "add", *meet, *connection, given=given)
+                self.check("backendMeet", "backend", "list", *connection, given=given)
+                name = added["metOriginalIdentifier"]
+                self.check("backendMeet", "backend", "edit", name, "--name", "Coffee", *connection, given=given)
+                self.check("backendMeet", "backend", "delete", name, "--yes", *connection, given=given)
+            finally:
+                service.terminate()
 
     def test_lists(self):
         self.check("calendars", "calendars", "list", "--json")
