@@ -153,8 +153,10 @@ Meetings::MeetRecurrenceFrequency meetFrequency(TypedRepetition const& repetitio
 
 std::optional<std::string> typedLink(ArgumentValues const& values) {
     auto text = typed(values, "--url");
-    if (text && !text->empty() && !Foundation::URL::fromText(*text))
-        throw CommandError::wrongUse(Texts::notALink(*text));
+    if (!text || text->empty()) return text;
+    auto const url = Foundation::URL::fromText(*text);
+    // Words are a relative link, which leads nowhere from a meet.
+    if (!url || !Foundation::URLPlace::of(*url)) throw CommandError::wrongUse(Texts::notALink(*text));
     return text;
 }
 

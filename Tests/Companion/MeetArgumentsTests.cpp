@@ -166,6 +166,8 @@ TEST_F(MeetArgumentsTests, whatCannotBeMeantIsWrongUse) {
              {{"--repeat", "daily"}, {"--count", "-1"}},
              {{"--count", "2"}},
              {{"--url", "http://["}},
+             {{"--url", "not a url"}},
+             {{"--url", "example.org"}},
          }) {
         EXPECT_THROW(static_cast<void>(read(options)), CommandError)
             << options.begin()->first << options.begin()->second;
