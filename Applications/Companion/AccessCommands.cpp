@@ -16,7 +16,7 @@ ExitCode record(Invocation const& invocation, Platform::EKAuthorizationStatus st
     if (auto const error = consent->record(status))
         throw CommandError::failed(Texts::cannotWrite(shownPath(consent->file()), error.message()));
     services->widgetCenter()->reloadAllTimelines();
-    sayAccess(invocation, *services);
+    confirmAccess(invocation, *services);
     return ExitCode::done;
 }
 
@@ -52,7 +52,7 @@ ExitCode reset(Invocation const& invocation) {
     if (auto const error = consent->reset())
         throw CommandError::failed(Texts::cannotWrite(shownPath(consent->file()), error.message()));
     services->widgetCenter()->reloadAllTimelines();
-    sayAccess(invocation, *services);
+    confirmAccess(invocation, *services);
     return ExitCode::done;
 }
 

@@ -55,15 +55,26 @@ std::optional<std::string> whyAnswerIsUnknown(Platform::ConsentRecord const& con
     return Texts::accessRecordIsUnreadable(file, failure.message());
 }
 
+// Whole lines.
+std::string accessPage(Composition::LiveServices& services) {
+    auto const consent = requiredConsent(services);
+    if (auto const unknown = whyAnswerIsUnknown(*consent)) throw CommandError::failed(*unknown);
+    auto page =
+        (refusesItself(services) ? Texts::storeRefuses() : Texts::accessStatus(consent->status())) + "\n";
+    for (auto const& refused : refusedFolders(services))
+        page += remedy(refused) + "\n";
+    return page;
+}
+
 } // namespace
 
 void sayAccess(Invocation const& invocation, Composition::LiveServices& services) {
-    auto const consent = requiredConsent(services);
-    if (auto const unknown = whyAnswerIsUnknown(*consent)) throw CommandError::failed(*unknown);
-    invocation.console.writeLine(refusesItself(services) ? Texts::storeRefuses()
-                                                         : Texts::accessStatus(consent->status()));
-    for (auto const& refused : refusedFolders(services))
-        invocation.console.writeLine(remedy(refused));
+    invocation.console.write(accessPage(services));
+}
+
+void confirmAccess(Invocation const& invocation, Composition::LiveServices& services) {
+    auto const page = accessPage(services);
+    invocation.console.confirm(page, page);
 }
 
 std::string whyNoAccess(Composition::LiveServices& services, std::string const& consentIsMissing) {

@@ -12,6 +12,9 @@ namespace Companion {
 /// CommandError with ExitCode::failed when the environment names no home, and when the answer cannot be read.
 void sayAccess(Invocation const& invocation, Composition::LiveServices& services);
 
+/// The same for a command that has just changed the answer.
+void confirmAccess(Invocation const& invocation, Composition::LiveServices& services);
+
 /// Why the calendars may not be read and what to do: `consentIsMissing`, unless the answer cannot be read or
 /// the folders themselves refuse.
 std::string whyNoAccess(Composition::LiveServices& services, std::string const& consentIsMissing);

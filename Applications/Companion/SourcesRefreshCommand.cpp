@@ -46,7 +46,7 @@ ExitCode refresh(Invocation const& invocation) {
     auto const turn = turnToLook(*services, isUnseen ? 0ms : 60s);
     if (!turn && isUnseen) return ExitCode::done;
     auto const count = services->refreshCalendars();
-    if (!isUnseen) invocation.console.writeLine(Texts::calendarsRefreshed(count));
+    if (!isUnseen) invocation.console.confirmLine(Texts::calendarsRefreshed(count));
     return ExitCode::done;
 }
 

@@ -239,6 +239,10 @@ TEST_F(BadInputJourneys, aChangeThatCannotBeToldIsSaidToBeMade) {
     EXPECT_EQ(failing({"alarm", "mode", "funk"}), begins + "Meets are announced with: Funk\n");
     EXPECT_EQ(failing({"calendars", "hide", "quillora-native-calendar"}), begins + "Hid \"Quillora\"\n");
     EXPECT_THAT(failing({"next"}), StartsWith(begins));
+    EXPECT_EQ(failing({"access", "deny"}), begins + "Calendar access: denied\n");
+    EXPECT_EQ(failing({"access", "status"}),
+              "quillora: standard output could not be written: No space left on device\n");
+    EXPECT_EQ(failing({"access", "grant"}), begins + "Calendar access: granted\n");
     // Where nothing was changed nothing is said of it.
     EXPECT_EQ(failing({"calendars", "list"}),
               "quillora: standard output could not be written: No space left on device\n");
