@@ -57,7 +57,8 @@ class Home:
         self.run(self.quillora, "day", "--day", DAY)
 
     def settle(self):
-        """Waits for the look at every file that an answer leaves behind, so that it disturbs no other."""
+        """Waits for the look at every file that an answer leaves behind, so that it disturbs no other: that has
+        its turn first."""
         self.run(self.quillora, "sources", "refresh")
 
     def milliseconds_of_day(self):

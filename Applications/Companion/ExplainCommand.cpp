@@ -13,6 +13,7 @@
 #include "Applications/Companion/Texts.h"
 #include "Foundation/DateFormatting.h"
 #include "Foundation/Text.h"
+#include "Platform/EventStore/Folder/FolderEventStore.h"
 #include "Platform/EventStore/Folder/StoreProblem.h"
 
 #include <algorithm>
@@ -146,7 +147,7 @@ std::string reportText(Report const& report, std::string const& name, MeetWords 
 // What was left out by rule is no problem. Who may not read the calendars knows of none.
 std::vector<Platform::StoreProblem> problemsOf(Composition::LiveServices& live) {
     if (live.eventStore()->authorizationStatus() != Platform::EKAuthorizationStatus::fullAccess) return {};
-    auto problems = live.calendarProblems();
+    auto problems = live.calendarFolders()->problems();
     std::erase_if(problems, [](Platform::StoreProblem const& problem) {
         return problem.effect == Platform::StoreProblem::Effect::ignored;
     });

@@ -123,14 +123,6 @@ ExitCode remove(Invocation const& invocation) {
 
 } // namespace
 
-Command sourcesGroup() {
-    return {
-        .path = "sources",
-        .summary = Texts::text("sources-summary"),
-        .description = Texts::text("sources-description"),
-    };
-}
-
 Command sourcesListCommand() {
     return {
         .path = "sources list",

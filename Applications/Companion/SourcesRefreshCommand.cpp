@@ -3,54 +3,64 @@
 #include "Applications/Companion/Commands.h"
 #include "Applications/Companion/Support.h"
 #include "Applications/Companion/Texts.h"
-#include "Platform/EventStore/EKEventStore.h"
 #include "Platform/EventStore/Folder/CalendarStorePlaces.h"
+#include "Platform/EventStore/Folder/FolderEventStore.h"
 #include "Platform/Files/PosixFileLocks.h"
 
 #include <chrono>
+#include <expected>
 #include <memory>
-#include <optional>
-#include <sched.h>
+#include <system_error>
+#include <unistd.h>
+#include <utility>
 
 namespace Companion {
 
 namespace {
 
-// Only when nobody else wants the processor: the person has the answer already.
-void yieldToAllOthers() {
-    sched_param const parameters{};
-    ::sched_setscheduler(0, SCHED_IDLE, &parameters);
+// The person has the answer already. Not so far down that one who does wait for the turn waits for ever.
+void giveWayToOthers() {
+    constexpr int lower = 10;
+    [[maybe_unused]] auto const now = ::nice(lower);
 }
 
-// Held by whoever looks at every file, so that many who ask at once do not all look. Absent when another
-// holds it for longer than `patience`. Where no lock can be had, one looks without.
-struct Turn {
-    std::unique_ptr<Platform::FileLocks::Held> lock;
-};
-std::optional<Turn> turnToLook(Composition::LiveServices& services, std::chrono::milliseconds patience) {
+// One at a time looks at every file, so that many who ask at once do not all look, and none writes down what
+// was true before another looked. Where no lock can be had, one looks without.
+std::expected<std::unique_ptr<Platform::FileLocks::Held>, std::error_code>
+takeTurn(Composition::LiveServices& services, std::chrono::milliseconds patience) {
     auto const places = services.calendarPlaces();
-    if (!places || !places->indexDirectory) return Turn();
-    auto lock = Platform::PosixFileLocks().take(*places->indexDirectory / "refresh.lock", patience);
-    if (lock) return Turn{.lock = *std::move(lock)};
-    return lock.error() == std::errc::timed_out ? std::nullopt : std::optional(Turn());
+    if (!places || !places->indexDirectory) return nullptr;
+    return Platform::PosixFileLocks().take(*places->indexDirectory / "refresh.lock", patience);
 }
 
 ExitCode refresh(Invocation const& invocation) {
     using namespace std::chrono_literals;
     auto const services = liveServices(invocation);
     bool const isUnseen = invocation.values.has(refreshInBackground);
-    if (isUnseen) yieldToAllOthers();
     requiredConfiguration(*services);
-    if (services->eventStore()->authorizationStatus() != Platform::EKAuthorizationStatus::fullAccess)
+    auto const store = services->calendarFolders();
+    if (store->authorizationStatus() != Platform::EKAuthorizationStatus::fullAccess)
         throw CommandError::failed(whyNoAccess(*services, Texts::accessIsMissing()));
-    auto const turn = turnToLook(*services, isUnseen ? 0ms : 60s);
-    if (!turn && isUnseen) return ExitCode::done;
-    auto const count = services->refreshCalendars();
-    if (!isUnseen) invocation.console.confirmLine(Texts::calendarsRefreshed(count));
+    auto const turn = takeTurn(*services, isUnseen ? 0ms : 60s);
+    bool const isAnotherAtIt = !turn && turn.error() == std::errc::timed_out;
+    if (isAnotherAtIt && isUnseen) return ExitCode::done;
+    if (isUnseen) giveWayToOthers();
+    auto const result = store->refresh();
+    if (!result.isWhole) throw CommandError::failed(Texts::calendarsNotWhollyRefreshed());
+    if (!isUnseen) invocation.console.confirmLine(Texts::calendarsRefreshed(result.filesRead));
     return ExitCode::done;
 }
 
 } // namespace
+
+// Here, where the quick program has it too.
+Command sourcesGroup() {
+    return {
+        .path = "sources",
+        .summary = Texts::text("sources-summary"),
+        .description = Texts::text("sources-description"),
+    };
+}
 
 Command sourcesRefreshCommand() {
     return {

@@ -426,8 +426,12 @@ std::string sourceRemoved(std::string_view title, std::string_view path) {
     return text("source-removed", quoted(title), path);
 }
 
-std::string calendarsRefreshed(std::int64_t changed) {
-    return text("calendars-refreshed", std::to_string(changed));
+std::string calendarsRefreshed(std::int64_t filesRead) {
+    return text("calendars-refreshed", std::to_string(filesRead));
+}
+
+std::string calendarsNotWhollyRefreshed() {
+    return text("calendars-not-wholly-refreshed");
 }
 
 std::string unknownSource(std::string_view name) {

@@ -217,18 +217,10 @@ std::shared_ptr<Platform::UserDefaults> LiveServices::userDefaults() {
 }
 
 std::shared_ptr<Platform::EKEventStore> LiveServices::eventStore() {
-    return folderStore();
+    return calendarFolders();
 }
 
-std::int64_t LiveServices::refreshCalendars() {
-    return folderStore()->refresh();
-}
-
-std::vector<Platform::StoreProblem> LiveServices::calendarProblems() {
-    return folderStore()->problems();
-}
-
-std::shared_ptr<Platform::FolderEventStore> LiveServices::folderStore() {
+std::shared_ptr<Platform::FolderEventStore> LiveServices::calendarFolders() {
     std::scoped_lock const lock(parts->mutex);
     return once(parts->eventStore, [&] {
         auto const places = calendarPlaces();

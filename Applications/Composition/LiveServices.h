@@ -4,12 +4,10 @@
 #include "Foundation/Environment.h"
 #include "Foundation/Task.h"
 
-#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string_view>
-#include <vector>
 
 namespace Platform {
 class Appearance;
@@ -28,7 +26,6 @@ class TextProvider;
 class UserDefaults;
 class WidgetCenter;
 struct CalendarStorePlaces;
-struct StoreProblem;
 } // namespace Platform
 
 namespace Meetings {
@@ -104,13 +101,8 @@ public:
     std::shared_ptr<Platform::EKEventStore> eventStore();
     std::shared_ptr<Meetings::EventKitStoring> eventKitStore();
 
-    /// Looks at every calendar file and brings the indexes up to date; yields how many files were read
-    /// because they were new or changed. Throws as above.
-    std::int64_t refreshCalendars();
-
-    /// What of the person's calendars could not be taken as it stands. Reads every calendar file. Throws as
-    /// above.
-    std::vector<Platform::StoreProblem> calendarProblems();
+    /// The same store as what it is. Throws as above.
+    std::shared_ptr<Platform::FolderEventStore> calendarFolders();
 
     /// What the widget's timeline provider, view and intents are built from. The provider's tasks run on
     /// `executor`.
@@ -119,7 +111,6 @@ public:
 private:
     struct Parts;
     explicit LiveServices(std::shared_ptr<Parts> parts);
-    std::shared_ptr<Platform::FolderEventStore> folderStore();
     void logDamage(std::string const& message);
 
     std::shared_ptr<Parts> parts;

@@ -17,6 +17,8 @@ Companion::Commands quickCommands() {
         Companion::nextCommand(),
         Companion::previousCommand(),
         Companion::todayCommand(),
+        Companion::sourcesGroup(),
+        Companion::sourcesRefreshCommand(),
     };
     return commands;
 }

@@ -16,7 +16,7 @@
 namespace Platform::ChildProgram {
 namespace {
 
-// How a child starts: with none of our streams, and none of our signals' settings.
+// How a child starts: with none of our streams and files, and none of our signals' settings.
 class Surroundings {
 public:
     enum class Session : std::uint8_t { ours, itsOwn };
@@ -26,6 +26,9 @@ public:
         posix_spawnattr_init(&attributes);
         for (int const descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
             posix_spawn_file_actions_addopen(&actions, descriptor, "/dev/null", O_RDWR, 0);
+        posix_spawn_file_actions_addclosefrom_np(&actions, STDERR_FILENO + 1);
+        // Who outlives this program keeps no file system busy.
+        if (session == Session::itsOwn) posix_spawn_file_actions_addchdir_np(&actions, "/");
         // What this program ignores or blocks, others need not expect.
         sigset_t signals;
         sigemptyset(&signals);

@@ -21,8 +21,8 @@ std::optional<std::filesystem::path> find(Foundation::Environment const& environ
 std::optional<int> run(std::filesystem::path const& program, std::vector<std::string> const& arguments,
                        Foundation::Environment const& environment, std::chrono::milliseconds patience);
 
-/// Starts it in the same way, in a session of its own that outlives this program, and does not wait for it.
-/// Yields whether it has started.
+/// Starts it in the same way, in the root folder and in a session of its own that outlives this program, and
+/// does not wait for it. Yields whether it has started.
 bool startApart(std::filesystem::path const& program, std::vector<std::string> const& arguments,
                 Foundation::Environment const& environment);
 

@@ -1,6 +1,6 @@
-#include "Platform/Processes/ChildProgram.h"
 #include "Platform/Audio/ProgramSoundPlayer.h"
 #include "Platform/Audio/SpeechDispatcherSynthesizer.h"
+#include "Platform/Processes/ChildProgram.h"
 
 #include "Tests/Audio/StandInProgram.h"
 
@@ -8,7 +8,14 @@
 
 #include <chrono>
 #include <csignal>
+#include <filesystem>
+#include <fstream>
 #include <string>
+#include <thread>
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace {
 
@@ -56,6 +63,35 @@ TEST_F(ProgramAudioTests, aProgramHasNoneOfOurStreams) {
     EXPECT_EQ(ChildProgram::run(programs.path() / "streams", {},
                                 environment().setting("PATH", "/usr/bin:/bin"), generous),
               0);
+}
+
+TEST_F(ProgramAudioTests, aProgramHasNoneOfOurFiles) {
+    int const file = ::open("/dev/zero", O_RDONLY); // As one that a shell left open, without FD_CLOEXEC.
+    ASSERT_GE(file, 0);
+    placeStandIn(programs, "files", "[ ! -e /proc/$$/fd/$1 ]");
+    EXPECT_EQ(ChildProgram::run(programs.path() / "files", {std::to_string(file)}, environment(), generous),
+              0);
+    ::close(file);
+}
+
+TEST_F(ProgramAudioTests, aProgramApartHasAFolderAndASessionOfItsOwn) {
+    auto const report = programs.path() / "report";
+    placeStandIn(programs, "apart",
+                 "echo $(readlink /proc/$$/cwd) $$ $(cut -d' ' -f6 /proc/$$/stat) > \"$1.part\"; mv "
+                 "\"$1.part\" \"$1\"");
+    ASSERT_TRUE(ChildProgram::startApart(programs.path() / "apart", {report.string()},
+                                         environment().setting("PATH", "/usr/bin:/bin")));
+    auto const bound = std::chrono::steady_clock::now() + generous;
+    while (!std::filesystem::exists(report) && std::chrono::steady_clock::now() < bound)
+        std::this_thread::sleep_for(10ms);
+    std::ifstream stream(report);
+    std::string folder;
+    int process = 0;
+    int session = -1;
+    stream >> folder >> process >> session;
+    EXPECT_EQ(folder, "/");
+    EXPECT_EQ(session, process);
+    ::waitpid(process, nullptr, 0);
 }
 
 TEST_F(ProgramAudioTests, whatWeIgnoreEndsAProgramAsUsual) {

@@ -90,7 +90,7 @@ TEST_F(RefreshJourneys, whatWasWrittenInPlaceIsSeenByTheNextDayWithoutAnybodyAsk
 TEST_F(RefreshJourneys, aRefreshTellsHowManyFilesWereNewOrChanged) {
     write(7, "20260311");
     write(8, "20260311");
-    EXPECT_THAT(home.outputOf({"sources", "refresh"}), HasSubstr("new or changed: 2\n"));
+    EXPECT_THAT(home.outputOf({"sources", "refresh"}), HasSubstr("read anew: 2\n"));
     EXPECT_THAT(meets(), ElementsAre("Meet 7", "Meet 8"));
 }
 
@@ -103,7 +103,7 @@ TEST_F(RefreshJourneys, inTheBackgroundItSaysNothingAndLeavesTheLookToWhoIsAtIt)
     }
     EXPECT_EQ(result.exitCode, 0);
     EXPECT_EQ(result.output + result.errors, "");
-    EXPECT_THAT(home.outputOf({"sources", "refresh"}), HasSubstr("new or changed: 1\n"))
+    EXPECT_THAT(home.outputOf({"sources", "refresh"}), HasSubstr("read anew: 1\n"))
         << "it looked beside the other";
 }
 

@@ -168,10 +168,12 @@ std::vector<std::filesystem::path> CalendarRootReader::filesOfEvent(std::string_
     return paths;
 }
 
-void CalendarRootReader::refresh(std::int64_t now) {
+bool CalendarRootReader::refresh(std::int64_t now) {
     writing = IndexWriting::always;
     find([](std::string_view) { return true; }, now);
     writing = IndexWriting::ifWorthIt;
+    auto const isUnwritable = [](auto const& folder) { return folder.second->index.isUnwritable(); };
+    return !listingFailure && !hasClosedFolders && std::ranges::none_of(folders, isUnwritable);
 }
 
 std::vector<StoreProblem> CalendarRootReader::problems(std::int64_t now) {
@@ -198,6 +200,7 @@ std::int64_t CalendarRootReader::reads() const {
 std::vector<CalendarRootReader::Found> CalendarRootReader::find(Concerns const& concerns, std::int64_t now) {
     std::vector<Found> found;
     unverified.clear();
+    hasClosedFolders = false;
     std::error_code failure;
     auto const canonicalRoot = std::filesystem::canonical(givenRoot.path, failure);
     FolderListing listing;
@@ -302,6 +305,7 @@ void CalendarRootReader::findFolderCalendar(std::string const& name,
         listing = shortListing({.folder = folder, .root = canonicalRoot}, folder, now);
     }
     if (listing.failure) {
+        hasClosedFolders = true;
         report({.path = folder,
                 .line = 0,
                 .effect = StoreProblem::Effect::skipped,
@@ -357,7 +361,8 @@ FolderListing CalendarRootReader::look(Unverified const& place, std::filesystem:
         if (auto listing = listingWithoutALook(known, place, now)) return *std::move(listing);
         // Before the look, so that nothing happens between the two.
         changes->watch(place.folder);
-    } else if (trust == FolderTrust::asSeen && writing == IndexWriting::ifWorthIt) {
+    } else if (trust == FolderTrust::asSeen && writing == IndexWriting::ifWorthIt &&
+               !isOfManyCalendars(place)) {
         if (auto listing = listingAsSeen(known, place, now)) return *std::move(listing);
     }
     auto scan = place.look();
@@ -385,8 +390,12 @@ std::optional<FolderListing> CalendarRootReader::listingAsSeen(KnownFolder const
                                                                Unverified const& place, std::int64_t now) {
     if (!folder.index.isAsSeen(now)) return std::nullopt;
     unverified.push_back(place);
-    bool const isRoot = place.folder == place.root && layout == RootLayout::folderOfCalendars;
-    return isRoot ? listFolder(place.folder, place.root) : listingOfCalendar(place.folder);
+    return listingOfCalendar(place.folder);
+}
+
+// Which calendars there are is then written in its files.
+bool CalendarRootReader::isOfManyCalendars(Unverified const& place) const {
+    return place.folder == place.root && layout == RootLayout::folderOfCalendars;
 }
 
 // Absent when one has to look first.
@@ -407,9 +416,8 @@ std::optional<FolderListing> CalendarRootReader::listingWithoutALook(KnownFolder
         unverified.push_back(place);
     }
     if (folder.listing) return folder.listing;
-    bool const isRoot = place.folder == place.root && layout == RootLayout::folderOfCalendars;
     return listFolder(place.folder, place.root,
-                      isRoot ? ListingExtent::whole : ListingExtent::untilCalendarFile);
+                      isOfManyCalendars(place) ? ListingExtent::whole : ListingExtent::untilCalendarFile);
 }
 
 bool CalendarRootReader::verified(Unverified const& folder, FolderScan scan, std::int64_t now) {
@@ -435,10 +443,19 @@ void CalendarRootReader::update(FolderIndex& index, ScannedFiles const& scan, st
     takeProblemsOf(index);
 }
 
-// What lies behind a link may change without a trace in the folder.
+// What lies behind a link may change without a trace in the folder; and what cannot be read is told of at
+// each start.
 void CalendarRootReader::noteLook(FolderIndex const& index, FolderScan const& scan, std::int64_t now) {
-    bool const isWhole = !scan.listing.hasLinks && scan.files.failures().empty();
-    if (isWhole && scan.listing.stamp) index.noteLook(*scan.listing.stamp, now);
+    auto const isSkipped = [](StoreProblem const& problem) {
+        return problem.effect == StoreProblem::Effect::skipped;
+    };
+    bool const isWhole = !scan.listing.hasLinks && scan.files.failures().empty() &&
+                         std::ranges::none_of(scan.listing.problems, isSkipped);
+    if (isWhole && scan.listing.stamp) {
+        index.noteLook(*scan.listing.stamp, now);
+    } else {
+        index.forgetLook();
+    }
 }
 
 void CalendarRootReader::takeProblemsOf(FolderIndex& index) {

@@ -26,10 +26,9 @@ namespace Platform {
 /// How a root's files make calendars.
 enum class RootLayout : std::uint8_t {
     /// Each direct sub-folder that holds .ics files, or a calendar's name or colour, is a calendar,
-    /// identified by
-    /// its name. So is each loose file that holds several events or names itself. The other loose files
-    /// together are one calendar,
-    /// identified as "." and titled as the root. Nothing deeper is read.
+    /// identified by its name. So is each loose file that holds several events or names itself. The other
+    /// loose files together are one calendar, identified as "." and titled as the root. Nothing deeper is
+    /// read.
     folderOfCalendars,
     /// The folder is one calendar, whose identifier is the root's id alone, also without any file.
     singleCalendar,
@@ -72,8 +71,9 @@ public:
     std::vector<std::filesystem::path> filesOfEvent(std::string_view calendarIdentifier, std::string_view uid,
                                                     std::int64_t now);
 
-    /// Looks at every file and writes what the indexes do not have yet.
-    void refresh(std::int64_t now);
+    /// Looks at every file and writes what the indexes do not have yet. Yields whether all folders could be
+    /// looked at, and what was found could be written.
+    bool refresh(std::int64_t now);
 
     /// A folder that was answered from before anyone looked at it, or that the next process will have to read
     /// anew unless somebody looks at it before.
@@ -123,6 +123,7 @@ private:
     FolderListing look(Unverified const& place, std::filesystem::path const& folder, std::int64_t now);
     std::optional<FolderListing> listingAsSeen(KnownFolder const& folder, Unverified const& place,
                                                std::int64_t now);
+    [[nodiscard]] bool isOfManyCalendars(Unverified const& place) const;
     FolderListing shortListing(Unverified const& place, std::filesystem::path const& folder,
                                std::int64_t now);
     std::optional<FolderListing> listingWithoutALook(KnownFolder const& folder, Unverified const& place,
@@ -149,6 +150,7 @@ private:
     std::map<std::string, std::unique_ptr<KnownSeries>, std::less<>> series; ///< By calendar identifier.
     std::vector<Unverified> unverified;
     std::optional<std::error_code> listingFailure;
+    bool hasClosedFolders = false; ///< When it last looked at all of them.
     std::vector<StoreProblem> metProblems;
     std::int64_t readsOfForgottenFolders = 0;
     bool readsForProblems = false; ///< Then what only a calendar as a whole shows is reported of each file.

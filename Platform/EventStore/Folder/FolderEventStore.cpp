@@ -186,14 +186,15 @@ std::vector<StoreProblem> FolderEventStore::problems() {
     return all;
 }
 
-std::int64_t FolderEventStore::refresh() {
+FolderEventStore::Refresh FolderEventStore::refresh() {
     std::scoped_lock const lock(mutex);
     bringRootsUpToDate();
     auto const before = readsSoFar();
+    bool isWhole = true;
     for (auto const& reader : readers)
-        reader->refresh(now());
+        isWhole = reader->refresh(now()) && isWhole;
     finishCall();
-    return readsSoFar() - before;
+    return {.filesRead = readsSoFar() - before, .isWhole = isWhole};
 }
 
 std::int64_t FolderEventStore::fileReads() {
@@ -295,9 +296,10 @@ void FolderEventStore::verify(std::stop_token const& stop) {
             auto const next = std::move(toVerify.back());
             toVerify.pop_back();
             lock.unlock();
+            auto const lookedAt = now();
             auto scan = next.folder.look();
             lock.lock();
-            isAnother = takeLook(next, std::move(scan)) || isAnother;
+            isAnother = takeLook(next, std::move(scan), lookedAt) || isAnother;
         }
         if (isAnother && !stop.stop_requested()) {
             lock.unlock();
@@ -309,11 +311,11 @@ void FolderEventStore::verify(std::stop_token const& stop) {
     }
 }
 
-bool FolderEventStore::takeLook(FolderToVerify const& place, FolderScan scan) {
+bool FolderEventStore::takeLook(FolderToVerify const& place, FolderScan scan, std::int64_t lookedAt) {
     auto const reader = std::ranges::find_if(
         readers, [&](auto const& one) { return one->root().id == place.rootIdentifier; });
     if (reader == readers.end()) return false;
-    bool const isAnother = (*reader)->verified(place.folder, std::move(scan), now());
+    bool const isAnother = (*reader)->verified(place.folder, std::move(scan), lookedAt);
     logNew((*reader)->takeProblems());
     return isAnother;
 }

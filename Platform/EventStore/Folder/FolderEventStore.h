@@ -79,9 +79,12 @@ public:
     /// Reads every file and yields all that could not be taken as it stands, in the order of the roots.
     std::vector<StoreProblem> problems();
 
-    /// Looks at every file and brings the indexes up to date, to the last file. Yields how many files were
-    /// read because they were new or changed.
-    std::int64_t refresh();
+    struct Refresh {
+        std::int64_t filesRead; ///< Because they were new or changed, or too young to be known.
+        bool isWhole;           ///< All folders could be looked at, and what was found could be kept.
+    };
+    /// Looks at every file and brings the indexes up to date, to the last file.
+    Refresh refresh();
 
     /// Waits until all folders have been looked at that answers came from without a look.
     void awaitVerification();
@@ -104,7 +107,7 @@ private:
     [[nodiscard]] std::vector<CalendarRoot> rootsOnRecord(std::vector<StoreProblem>& problems) const;
     bool record(ConsentAnswer answer);
     void verify(std::stop_token const& stop);
-    bool takeLook(FolderToVerify const& place, FolderScan scan);
+    bool takeLook(FolderToVerify const& place, FolderScan scan, std::int64_t lookedAt);
 
     FolderEventStoreParts parts;
     CalendarStoreConfiguration configuration;

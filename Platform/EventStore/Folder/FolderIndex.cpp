@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <unistd.h>
 
 namespace Platform {
 
@@ -104,7 +105,7 @@ void FolderIndex::discard() {
 struct FolderIndex::Differences {
     std::vector<std::uint32_t> places; // Of each scanned file, where its facts are stored; else `none`.
     std::vector<ScannedFiles::File const*> files; // Those whose facts are not.
-    std::size_t gone = 0;                         // Stored files that are not there as they were.
+    std::size_t gone = 0; // Stored files, known by a stamp, that are not there as they were.
 };
 
 FolderIndex::Differences FolderIndex::differences(ScannedFiles const& scan) {
@@ -125,7 +126,9 @@ FolderIndex::Differences FolderIndex::differences(ScannedFiles const& scan) {
     for (std::size_t index = 0; index < scan.files().size(); ++index) {
         if (found.places[index] == none) found.files.push_back(&scan.files()[index]);
     }
-    found.gone = static_cast<std::size_t>(std::ranges::count(isStale, true));
+    // Those that were too young when they were read never are.
+    auto const untrusted = stored ? stored->header().untrusted : 0;
+    found.gone = static_cast<std::size_t>(std::ranges::count(isStale, true)) - untrusted;
     return found;
 }
 
@@ -154,14 +157,12 @@ FolderIndex::State FolderIndex::storedState() const {
 
 void FolderIndex::noteLook(FileStamp const& stamp, std::int64_t now) const {
     if (!indexFile || !stored || stored->fileCount() <= fewFiles) return;
+    // Also where a file could not be read: then the index is not of all that was seen.
+    bool const isToBeTrusted = isFileTrusted && known == storedState() && seen == known &&
+                               !stamp.isYoung(now) && !isSharedWithOthers(folder);
+    if (!isToBeTrusted) return forgetLook();
     SeenFolderFile const file(*indexFile, folderHash);
     auto const before = file.load();
-    bool const isToBeTrusted =
-        isFileTrusted && known == storedState() && !stamp.isYoung(now) && !isSharedWithOthers(folder);
-    if (!isToBeTrusted) {
-        if (before) file.remove();
-        return;
-    }
     SeenFolder const sight{
         .stamp = stampOfFile(stamp), .stampSum = known->stampSum, .fileCount = known->count, .lookedAt = now};
     bool const isNoted = before && before->stamp == sight.stamp && before->stampSum == sight.stampSum &&
@@ -170,18 +171,23 @@ void FolderIndex::noteLook(FileStamp const& stamp, std::int64_t now) const {
     if (!isNoted) file.save(sight);
 }
 
+void FolderIndex::forgetLook() const {
+    if (indexFile) SeenFolderFile(*indexFile, folderHash).remove();
+}
+
 bool FolderIndex::isAsSeen(std::int64_t now) const {
     constexpr auto longestTrust = 15 * minute;
     if (!indexFile || !known || known->count <= fewFiles) return false;
     auto const sight = SeenFolderFile(*indexFile, folderHash).load();
     if (!sight || sight->fileCount != known->count || sight->stampSum != known->stampSum) return false;
     if (sight->lookedAt > now || now - sight->lookedAt > longestTrust) return false;
+    if (::access(indexFile->parent_path().c_str(), W_OK) != 0) return false;
     auto const stamp = stampOfFolder(folder);
     return stamp && stampOfFile(*stamp) == sight->stamp;
 }
 
 bool FolderIndex::isWrittenBehind() const {
-    return indexFile && stored && stored->fileCount() > fewFiles && known != storedState();
+    return indexFile && stored && stored->fileCount() > fewFiles && hasUnwritten;
 }
 
 void FolderIndex::updateFrom(ScannedFiles const& scan, std::int64_t now, IndexWriting writing) {
@@ -210,8 +216,12 @@ void FolderIndex::updateFrom(ScannedFiles const& scan, std::int64_t now, IndexWr
     rememberUIDs();
     auto const age = now - stored->header().writtenAt;
     auto const changed = changes.files.size() + changes.gone;
+    // What is too young, or dated ahead, is read anew at the next start all the same.
+    auto const untrusted = static_cast<std::size_t>(
+        std::ranges::count_if(fresh, [](auto const& file) { return file.second.stamp == 0; }));
+    hasUnwritten = changes.gone > 0 || fresh.size() > untrusted || stored->header().untrusted > untrusted;
     bool const isToBeWritten = writing == IndexWriting::always
-                                   ? changed > 0
+                                   ? hasUnwritten
                                    : isWorthWriting(changed, bytes, stored->fileCount(), age);
     if (isToBeWritten) return rewrite(scan, changes, now);
     if (isWhole) known = {.count = scan.files().size(), .stampSum = scan.stampSum()};
@@ -245,10 +255,13 @@ void FolderIndex::rewrite(ScannedFiles const& scan, Differences const& changes, 
 }
 
 void FolderIndex::keep(std::vector<std::byte> image, std::int64_t now) {
+    hasUnwritten = false;
+    hasFailedToWrite = false;
     std::optional<IndexFile> file;
     if (indexFile) {
         auto const failure = IndexFolder::write(*indexFile, image, now);
         if (failure) {
+            hasFailedToWrite = true;
             metProblems.push_back({.path = *indexFile,
                                    .line = 0,
                                    .effect = StoreProblem::Effect::ignored,

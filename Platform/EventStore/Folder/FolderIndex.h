@@ -69,14 +69,19 @@ public:
     /// Notes that `update` has taken in a look at every file, before which the folder had that stamp, so that
     /// the next process can do without.
     void noteLook(FileStamp const& stamp, std::int64_t now) const;
+    /// The next process is to look.
+    void forgetLook() const;
 
     /// Whether the folder has many files and is as it was when each of them was last looked at, a quarter of
     /// an hour ago at most: none came, went or was renamed since. One that was written in place does not
-    /// show.
+    /// show. Never where the next look could not be noted.
     [[nodiscard]] bool isAsSeen(std::int64_t now) const;
 
-    /// Whether the folder has many files and the written index is not that of the last look.
+    /// Whether the folder has many files and the last look found some that `IndexWriting::always` would add
+    /// to the written index, or take out of it.
     [[nodiscard]] bool isWrittenBehind() const;
+    /// Whether the index could not be written when it was last to be.
+    [[nodiscard]] bool isUnwritable() const { return hasFailedToWrite; }
 
     /// Forgets the index, and keeps the next one in memory.
     void discard();
@@ -173,6 +178,8 @@ private:
     [[nodiscard]] State storedState() const;
     std::optional<State> known; // The state of the folder that all this describes.
     std::optional<State> seen;  // That of the last look.
+    bool hasUnwritten = false;  // Files that the written index should know otherwise.
+    bool hasFailedToWrite = false;
 
     std::unordered_map<std::string, Parsed> parsed;
     std::size_t parsedBytes = 0;

@@ -97,6 +97,7 @@ private:
     }
 
     void takeLink(std::string const& name) {
+        listing.hasLinks = true;
         std::error_code failure;
         auto const target = std::filesystem::canonical(folder / name, failure);
         if (failure) {
@@ -110,7 +111,6 @@ private:
         }
         if (!liesBelow(target, root))
             return ignore(name, "it is a link that leads out of the calendar folder");
-        listing.hasLinks = true;
         if (std::filesystem::is_directory(target, failure)) {
             listing.folders.push_back(name);
         } else {

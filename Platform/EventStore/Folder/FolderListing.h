@@ -21,7 +21,7 @@ struct FolderListing {
     bool hasCalendarFiles = false;
     bool hasDisplayName = false;
     bool hasColor = false;
-    bool hasLinks = false;          ///< To files and folders in the root.
+    bool hasLinks = false;          ///< Wherever they lead.
     std::optional<FileStamp> stamp; ///< Of the folder itself, from before it was listed.
     std::vector<StoreProblem> problems;
     /// Why the folder could not be listed; then all else is empty.

@@ -18,10 +18,11 @@ constexpr std::int64_t day = 86400 * second;
 constexpr auto indexSuffix = ".index";
 constexpr auto asideSuffix = ".tmp";
 
-// Each with mode 0700, as the user's caches are.
-void makeFolders(std::filesystem::path const& folder) {
-    if (::mkdir(folder.c_str(), 0700) == 0 || errno != ENOENT || !folder.has_relative_path()) return;
-    makeFolders(folder.parent_path());
+// Each with mode 0700, as the user's caches are. Not more of them than the cache is deep: a home that was
+// removed meanwhile stays removed.
+void makeFolders(std::filesystem::path const& folder, int most = 3) {
+    if (::mkdir(folder.c_str(), 0700) == 0 || errno != ENOENT || most == 1) return;
+    makeFolders(folder.parent_path(), most - 1);
     ::mkdir(folder.c_str(), 0700);
 }
 

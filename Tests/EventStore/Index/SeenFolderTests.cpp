@@ -1,9 +1,11 @@
 #include "Platform/EventStore/Index/SeenFolder.h"
+#include "Tests/EventStore/Folder/ClosedDoors.h"
 #include "Tests/EventStore/Folder/SmallCalendars.h"
 #include "Tests/EventStore/Index/IndexedRoot.h"
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -209,6 +211,66 @@ TEST_F(SeenFolderTests, behindALinkEachFileIsLookedAt) {
     EXPECT_EQ(trusting(), abc);
     root.write("other/target.ics", oneEvent("t", "t"));
     EXPECT_EQ(trusting(), (Texts{"t", "a", "b", "c", "t"}));
+}
+
+TEST_F(SeenFolderTests, aLinkThatLeadsNowhereYetIsLookedAt) {
+    std::filesystem::create_directories(root / ".elsewhere");
+    std::filesystem::create_symlink(root / ".elsewhere/l.ics", root / "work/l.ics");
+    EXPECT_EQ(root.titles(*root.reader(), now), abc);
+    EXPECT_FALSE(answersUnseen());
+    root.write(".elsewhere/l.ics", oneEvent("l", "l"));
+    EXPECT_EQ(trusting(), (Texts{"a", "b", "c", "l"}));
+}
+
+TEST_F(SeenFolderTests, aFileThatCannotBeReadIsToldOfEachTime) {
+    std::filesystem::permissions(root / "work/b.ics", std::filesystem::perms::none);
+    OrdinaryUser const user(root / "..");
+    if (!user.isBoundByModes()) GTEST_SKIP() << "modes do not bind this user";
+    for (int process = 0; process < 3; ++process) {
+        auto const subject = root.trustingReader();
+        EXPECT_EQ(root.titles(*subject, now), (Texts{"a", "c"}));
+        EXPECT_EQ(subject->takeProblems().size(), 1U) << process;
+    }
+}
+
+TEST_F(SeenFolderTests, whereNothingCanBeNotedEachFileIsLookedAtAndARefreshSaysSo) {
+    OrdinaryUser const user(root / "..");
+    if (!user.isBoundByModes()) GTEST_SKIP() << "modes do not bind this user";
+    std::filesystem::permissions(root.indexes(),
+                                 std::filesystem::perms::owner_read | std::filesystem::perms::owner_exec);
+    writeInPlace("new");
+    EXPECT_EQ(trusting(), (Texts{"new", "a", "b", "c"}));
+    EXPECT_FALSE(root.reader()->refresh(now));
+    EXPECT_EQ(trusting(), (Texts{"new", "a", "b", "c"}));
+    std::filesystem::permissions(root.indexes(), std::filesystem::perms::owner_all);
+    EXPECT_TRUE(root.reader()->refresh(now));
+}
+
+TEST_F(SeenFolderTests, aRefreshThatDoesNotFindTheRootSaysSo) {
+    std::filesystem::rename((root / "").parent_path(), root / "../away");
+    EXPECT_FALSE(root.reader()->refresh(now));
+}
+
+TEST_F(SeenFolderTests, aFileOfTheFutureDoesNotHaveTheIndexWrittenAtEachLook) {
+    auto const ahead = std::chrono::file_clock::now() + std::chrono::days(300);
+    std::filesystem::last_write_time(root / "work/8.ics", ahead);
+    root.reader()->refresh(now);
+    auto const before = *stampOfRegularFile(root.onlyIndex());
+    EXPECT_FALSE(answersUnseen()) << "a look was asked for that can change nothing";
+    root.reader()->refresh(now);
+    EXPECT_EQ(*stampOfRegularFile(root.onlyIndex()), before);
+    EXPECT_EQ(trusting(), abc);
+}
+
+TEST(SeenRootTests, whichLooseFilesAreCalendarsIsLookedAt) {
+    IndexedRoot const root;
+    for (int number = 0; number < 501; ++number)
+        root.write(std::to_string(number) + ".ics", oneEvent(std::to_string(number), "Long ago", elsewhere));
+    root.write("seven.ics", oneEvent("7", "Seven"));
+    auto const now = IndexedRoot::later();
+    EXPECT_EQ(root.titles(*root.reader(), now), (Texts{"Seven"}));
+    root.write("seven.ics", smallFile({smallEvent("7", "Seven")}, "X-WR-CALNAME:Own\r\n"));
+    EXPECT_EQ(root.titles(*root.trustingReader(), now), (Texts{"Seven"}));
 }
 
 TEST_F(SeenFolderTests, anyOtherByteInWhatWasNotedCostsALook) {
