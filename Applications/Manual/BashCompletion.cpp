@@ -8,9 +8,6 @@ namespace Manual {
 
 namespace {
 
-using Companion::Command;
-using Companion::CommandOption;
-
 std::string const head = R"(# Completion of quillora for bash. Made from the program's own table of commands.
 
 )";
@@ -97,12 +94,9 @@ std::string optionsFunction() {
     return text + "    esac\n}\n\n";
 }
 
-std::string valueOf(CommandOption const& option) {
-    if (option.choices.empty()) return std::string(kindName(option.kind));
-    std::string words = "=";
-    for (auto const& choice : option.choices)
-        words += " " + choice;
-    return words;
+// What _quillora_fill is told: a kind of value, or the values themselves.
+std::string valueOf(Companion::ValueKind kind, std::vector<std::string> const& choices) {
+    return choices.empty() ? std::string(kindName(kind)) : "= " + choiceWords(choices);
 }
 
 std::string valueFunction() {
@@ -112,7 +106,7 @@ std::string valueFunction() {
         for (auto const& option : command.options) {
             if (option.valueName.empty()) continue;
             text += fmt::format("    {}) echo {} ;;\n", shellQuoted(command.path + " " + option.name),
-                                shellQuoted(valueOf(option)));
+                                shellQuoted(valueOf(option.kind, option.choices)));
         }
     }
     return text + "    esac\n}\n\n";
@@ -127,7 +121,7 @@ std::string argumentFunction() {
             auto const& argument = command.arguments[index];
             auto const place = argument.count == Count::oneOrMore ? std::string("*") : std::to_string(index);
             text += fmt::format("    {}{}) echo {} ;;\n", shellQuoted(command.path + " "), place,
-                                kindName(argument.kind));
+                                shellQuoted(valueOf(argument.kind, argument.choices)));
         }
     }
     return text + "    esac\n}\n";

@@ -62,10 +62,7 @@ std::string completionOf(Companion::ValueKind kind) {
 std::string valueOf(CommandOption const& option) {
     if (option.valueName.empty()) return "";
     if (option.choices.empty()) return " -r" + completionOf(option.kind);
-    std::string words;
-    for (auto const& choice : option.choices)
-        words += (words.empty() ? "" : " ") + choice;
-    return " -x -a " + fishQuoted(words);
+    return " -x -a " + fishQuoted(choiceWords(option.choices));
 }
 
 std::string line(std::string const& condition, std::string const& rest, std::string const& meaning) {
@@ -80,6 +77,10 @@ std::string linesOf(Command const& command) {
         text += line(begins, "-l " + option.name.substr(2) + valueOf(option), option.help);
     text += line(begins, "-l help", Companion::Texts::helpOption());
     for (auto const& argument : command.arguments) {
+        // One of a few words is offered while none stands there; nothing follows it.
+        if (!argument.choices.empty())
+            text += line("__quillora_ends_with " + command.path,
+                         "-a " + fishQuoted(choiceWords(argument.choices)), argument.help);
         auto const values = completionOf(argument.kind);
         if (!values.empty()) text += line(begins, values.substr(1), argument.help);
     }

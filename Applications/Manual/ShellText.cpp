@@ -45,6 +45,13 @@ std::vector<std::string> pathsOfGroups() {
     return paths;
 }
 
+std::string choiceWords(std::vector<std::string> const& choices) {
+    std::string words;
+    for (auto const& choice : choices)
+        words += (words.empty() ? "" : " ") + choice;
+    return words;
+}
+
 std::string nameOf(std::string_view path) {
     std::string name(path);
     std::ranges::replace_if(name, [](char character) { return character == ' ' || character == '-'; }, '_');

@@ -22,6 +22,9 @@ std::string_view kindName(Companion::ValueKind kind);
 /// The paths that begin a command line, groups included, the program's own "" first.
 std::vector<std::string> pathsOfGroups();
 
+/// The only values that something takes, with a blank between them; they hold none themselves.
+std::string choiceWords(std::vector<std::string> const& choices);
+
 /// A path as a part of a name: "meet show" as "meet_show".
 std::string nameOf(std::string_view path);
 

@@ -43,12 +43,8 @@ std::string actionOf(Companion::ValueKind kind) {
     return fmt::format("_quillora_{}s", name);
 }
 
-std::string actionOf(CommandOption const& option) {
-    if (option.choices.empty()) return actionOf(option.kind);
-    std::string words;
-    for (auto const& choice : option.choices)
-        words += (words.empty() ? "" : " ") + choice;
-    return "(" + words + ")";
+std::string actionOf(Companion::ValueKind kind, std::vector<std::string> const& choices) {
+    return choices.empty() ? actionOf(kind) : "(" + choiceWords(choices) + ")";
 }
 
 std::string specification(CommandOption const& option) {
@@ -57,7 +53,8 @@ std::string specification(CommandOption const& option) {
         excluded += " " + other;
     auto text = fmt::format("({}){}[{}]", excluded, option.name + (option.valueName.empty() ? "" : "="),
                             escaped(option.help.text()));
-    if (!option.valueName.empty()) text += fmt::format(":{}:{}", escaped(option.valueName), actionOf(option));
+    if (!option.valueName.empty())
+        text += fmt::format(":{}:{}", escaped(option.valueName), actionOf(option.kind, option.choices));
     return shellQuoted(text);
 }
 
@@ -66,7 +63,7 @@ std::string specification(CommandArgument const& argument) {
     auto const* const colons = argument.count == Count::oneOrMore   ? "*:"
                                : argument.count == Count::atMostOne ? "::"
                                                                     : ":";
-    return shellQuoted(colons + escaped(argument.name) + ":" + actionOf(argument.kind));
+    return shellQuoted(colons + escaped(argument.name) + ":" + actionOf(argument.kind, argument.choices));
 }
 
 std::string commandFunction(Command const& command) {

@@ -23,6 +23,13 @@ ZSH = os.path.join(FOLDER, "completions", "zsh", "site-functions", "_quillora")
 FISH = os.path.join(FOLDER, "completions", "fish", "vendor_completions.d", "quillora.fish")
 
 
+# The commands whose argument is one of a few words, with these.
+ARGUMENT_CHOICES = {
+    "alarm mode": ["voice", "hero", "funk"],
+    "alarm voice": ["spanish", "english"],
+}
+
+
 def output_of(*words):
     return subprocess.run([QUILLORA, *words], check=True, capture_output=True, text=True, env={"LANG": "C.UTF-8"}).stdout
 
@@ -88,6 +95,11 @@ class ManualPages(unittest.TestCase):
             self.assertIn(words, text)
         self.assertIn("NO_COLOR", rendered(os.path.join(PAGES[0], "quillora.1")).stdout)
 
+    def test_thePagesNameTheWordsThatAnOptionTakes(self):
+        for folder in PAGES:
+            text = re.sub(r"\s+", " ", rendered(os.path.join(folder, "quillora-setup.1")).stdout)
+            self.assertRegex(text, r"--keychain KEYCHAIN [^.]*\bsecret-service\b[^.]*\bfile\b")
+
     def test_theSpanishPagesAreSpanish(self):
         text = rendered(os.path.join(PAGES[1], "quillora-day.1")).stdout
         self.assertIn("OPCIONES", text)
@@ -112,6 +124,12 @@ class BashCompletion(unittest.TestCase):
         self.assertEqual(completed("quillora day --family=m"), ["medium"])
         self.assertEqual(completed("quillora day --scheme="), ["light", "dark"])
         self.assertEqual(completed("quillora --v"), ["--version"])
+
+    def test_argumentsThatTakeOneOfAFewWords(self):
+        for command, words in ARGUMENT_CHOICES.items():
+            self.assertEqual(completed(f"quillora {command} "), words)
+            self.assertEqual(completed(f"quillora {command} {words[0]} "), [])
+        self.assertEqual(completed("quillora alarm voice e"), ["english"])
 
     def test_filesWithBlanks(self):
         with tempfile.TemporaryDirectory() as folder:
@@ -170,6 +188,14 @@ class OtherShells(unittest.TestCase):
             for option in re.findall(r"^  (--[a-z-]+)", output_of(*command.split(), "--help"), re.MULTILINE):
                 self.assertIn(option, texts["zsh"])
                 self.assertIn(f"'__quillora_begins_with {command}' -l {option[2:]} ", texts["fish"])
+
+    def test_theWordsThatAnArgumentTakesAreThere(self):
+        with open(ZSH, encoding="utf-8") as zsh, open(FISH, encoding="utf-8") as fish:
+            texts = {"zsh": zsh.read(), "fish": fish.read()}
+        for command, words in ARGUMENT_CHOICES.items():
+            function = texts["zsh"].split(f"_quillora_at_{command.replace(' ', '_')}() {{")[1].split("\n}")[0]
+            self.assertRegex(function, rf"'::[A-Z]+:\({' '.join(words)}\)'")
+            self.assertIn(f"-n '__quillora_ends_with {command}' -a '{' '.join(words)}' -d ", texts["fish"])
 
     def test_zshAndFishTakeTheirFiles(self):
         for shell, file in (("zsh", ZSH), ("fish", FISH)):
