@@ -33,7 +33,12 @@ ExitCode request(Invocation const& invocation) {
     auto const answered =
         Foundation::runTask(permission.requestAccess(CalendarProviders::AccountProviderEnum::eventKit));
     services->widgetCenter()->reloadAllTimelines();
-    require(answered, whyNoAccess(*services, Texts::accessNotGranted()));
+    // What the store answers is the same for a no and for no answer; only a no is on record.
+    bool const isAnswered =
+        requiredConsent(*services)->status() != Platform::EKAuthorizationStatus::notDetermined;
+    require(answered,
+            whyNoAccess(*services, isAnswered ? Texts::accessNotGranted()
+                                              : Texts::accessNotAnswered(invocation.console.canAsk())));
     sayAccess(invocation, *services);
     return ExitCode::done;
 }

@@ -1,10 +1,13 @@
 #include "Applications/Companion/BackendTexts.h"
 #include "Applications/Companion/Commands.h"
+#include "Applications/Companion/EndingSignals.h"
 #include "Applications/Companion/HarmlessConsole.h"
 #include "Applications/Companion/ProviderRegistry.h"
+#include "Applications/Companion/SetupTexts.h"
 #include "Applications/Companion/Support.h"
 #include "Applications/Companion/Texts.h"
 #include "Applications/Companion/TokenInput.h"
+#include "Applications/Companion/WaitingLine.h"
 #include "Applications/Composition/LiveBackendServices.h"
 #include "Applications/Composition/LiveRegistryServices.h"
 #include "Networking/NetworkLogger.h"
@@ -52,6 +55,14 @@ struct Account {
                Composition::KeychainKind::file;
     }
 
+    // A keyring may let wait; a terminal is told so.
+    template <typename Work>
+    KeychainStatus waitingForSecrets(Work const& work) const {
+        Composition::LiveRegistryServices registryServices(*services);
+        ShownWait const wait(whatKeepsSecrets(registryServices), invocation.environment);
+        return work();
+    }
+
     [[nodiscard]] std::string settingPath() const { return shownPath(setting->file()); }
     void say(std::string const& text) const { invocation.console.confirmLine(text); }
 
@@ -89,7 +100,8 @@ std::string requestedToken(Invocation const& invocation, URL const& url) {
 void keepAccount(Account& account, URL const& url, std::string const& token) {
     auto const before = account.setting->baseURL().value_or(std::nullopt);
     auto tokens = account.tokens();
-    auto const kept = tokens.save(url, token);
+    EndingSignals signals(Texts::interruptedKeepingAToken());
+    auto const kept = account.waitingForSecrets([&] { return tokens.save(url, token); });
     if (kept != KeychainStatus::success)
         throw CommandError::failed(Texts::tokenNotKept(kept, account.keepsFiles()));
     if (before != url) {
@@ -99,8 +111,11 @@ void keepAccount(Account& account, URL const& url, std::string const& token) {
         }
     }
     account.say(Texts::loggedIn(url.absoluteString));
+    signals.say(Texts::interrupted());
     bool const isElsewhere = before && *before != url;
-    if (isElsewhere && tokens.remove(*before) != KeychainStatus::success)
+    if (!isElsewhere) return;
+    auto const removed = account.waitingForSecrets([&] { return tokens.remove(*before); });
+    if (removed != KeychainStatus::success)
         account.invocation.console.report(Texts::oldTokenStays(before->absoluteString));
 }
 
@@ -136,7 +151,8 @@ ExitCode logout(Invocation const& invocation) {
         account.say(Texts::notLoggedIn());
         return ExitCode::done;
     }
-    auto const removed = account.tokens().remove(*url);
+    EndingSignals const signals(Texts::interruptedRemovingAToken());
+    auto const removed = account.waitingForSecrets([&] { return account.tokens().remove(*url); });
     if (removed != KeychainStatus::success && removed != KeychainStatus::itemNotFound)
         throw CommandError::failed(
             Texts::tokenNotRemoved(url->absoluteString, removed, account.keepsFiles()));

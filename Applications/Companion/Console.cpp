@@ -92,7 +92,10 @@ std::optional<bool> Console::ask(std::string_view question) const {
     for (;;) {
         writeAll(STDERR_FILENO, std::string(question) + " " + Texts::askHint() + " ");
         auto const line = readLine();
-        if (!line) return std::nullopt;
+        if (!line) {
+            writeAll(STDERR_FILENO, "\n"); // Ctrl-D leaves the question's line open.
+            return std::nullopt;
+        }
         auto const answer = Foundation::Text::trimmingWhitespacesAndNewlines(*line);
         if (auto const isYes = Texts::yesOrNo(answer)) return isYes;
     }

@@ -1,11 +1,15 @@
+#include "Applications/Companion/BackendTexts.h"
 #include "Applications/Companion/Commands.h"
 #include "Applications/Companion/Doctor/CalendarProblems.h"
 #include "Applications/Companion/Doctor/Examinations.h"
 #include "Applications/Companion/DoctorTexts.h"
+#include "Applications/Companion/EndingSignals.h"
 #include "Applications/Companion/PlainJSON.h"
+#include "Applications/Companion/SetupTexts.h"
 #include "Applications/Companion/ShellWord.h"
 #include "Applications/Companion/Support.h"
 #include "Applications/Companion/Texts.h"
+#include "Applications/Companion/WaitingLine.h"
 #include "Platform/EventStore/Folder/CalendarStorePlaces.h"
 
 #include <algorithm>
@@ -32,6 +36,12 @@ void examineHome(std::filesystem::path const& folder, Findings& findings) {
                         Texts::makeWritableCommand(shellWord(folder.string())));
 }
 
+// The keyring may let wait.
+void examineAwaitedRegistry(Composition::LiveServices& services, Findings& findings) {
+    ShownWait const wait(Texts::keyringToWaitFor(), services.environment());
+    examineRegistry(services, findings);
+}
+
 Findings examined(Foundation::Environment const& environment) {
     auto const problems = std::make_shared<Doctor::CalendarProblems>();
     Composition::LiveServices services(environment, {.fixedMoment = std::nullopt,
@@ -40,7 +50,7 @@ Findings examined(Foundation::Environment const& environment) {
     Findings findings;
     if (auto const places = services.calendarPlaces()) {
         examineHome(places->configurationDirectory, findings);
-        examineRegistry(services, findings);
+        examineAwaitedRegistry(services, findings);
         examineCalendars(services, *problems, findings);
         examineSharedFolder(services, findings);
         examineAlarms(services, findings);
@@ -82,6 +92,7 @@ std::string page(std::vector<Finding> const& findings) {
 }
 
 ExitCode run(Invocation const& invocation) {
+    EndingSignals const signals(Texts::interruptedBeforeAChange());
     auto const findings = examined(invocation.environment);
     auto const broken =
         static_cast<std::size_t>(std::ranges::count(findings.all(), Health::broken, &Finding::health));

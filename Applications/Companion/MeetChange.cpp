@@ -71,8 +71,9 @@ void requireReadiness(MeetEntity const& meet, Composition::LiveServices& service
 void confirm(Invocation const& invocation, std::string const& plan) {
     if (invocation.values.has("--yes")) return;
     invocation.console.tell(plan);
+    if (!invocation.console.canAsk()) throw CommandError::wrongUse(Texts::nobodyAgreed());
     auto const answer = invocation.console.ask(Texts::goAhead());
-    if (!answer) throw CommandError::failed(Texts::nobodyAgreed());
+    if (!answer) throw CommandError::failed(Texts::questionNotAnswered());
     if (!*answer) throw CommandError::failed(Texts::nothingWasChanged());
 }
 

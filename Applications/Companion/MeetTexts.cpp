@@ -248,6 +248,10 @@ std::string nobodyAgreed() {
     return text("nobody-agreed");
 }
 
+std::string questionNotAnswered() {
+    return text("question-not-answered");
+}
+
 std::string nothingWasChanged() {
     return text("nothing-was-changed");
 }

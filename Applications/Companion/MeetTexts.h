@@ -73,6 +73,7 @@ std::string deletesFuture(std::string_view name, std::string_view when, std::str
 std::string deletesSeries(std::string_view name, std::string_view when, std::string_view calendar);
 std::string goAhead();
 std::string nobodyAgreed();
+std::string questionNotAnswered();
 std::string nothingWasChanged();
 
 // What has happened, or has not.

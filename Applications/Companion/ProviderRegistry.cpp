@@ -1,8 +1,10 @@
 #include "Applications/Companion/ProviderRegistry.h"
 
 #include "Applications/Companion/CommandError.h"
+#include "Applications/Companion/SetupTexts.h"
 #include "Applications/Companion/Support.h"
 #include "Applications/Companion/Texts.h"
+#include "Applications/Companion/WaitingLine.h"
 #include "Applications/Composition/LiveRegistryServices.h"
 #include "CalendarProviders/EnabledCalendarAccountsStore.h"
 #include "Platform/ObjectDatabase/Quarantine.h"
@@ -26,6 +28,15 @@ std::set<AccountProviderEnum> enabledKinds(CalendarProviderRegistryApplication c
     return enabled;
 }
 
+// Without a key there is no registry: what was not done, and what gives the key back.
+std::string withRemedy(Composition::LiveRegistryServices& services, std::string const& whatWasNotDone) {
+    auto const kind = services.chosenKeychain();
+    if (!kind) return whatWasNotDone; // The failure itself is a sentence that says what to do.
+    if (*kind == Composition::KeychainKind::file) return Texts::withoutKeyFile(whatWasNotDone);
+    return services.isDatabaseThere() ? Texts::withoutTheKeyInTheKeyring(whatWasNotDone)
+                                      : Texts::withoutKeyring(whatWasNotDone);
+}
+
 } // namespace
 
 std::string messageOf(ResultEntity const& result) {
@@ -39,17 +50,33 @@ void require(ResultEntity const& result, std::string const& whatWasNotDone) {
 }
 
 std::unique_ptr<Platform::FileLocks::Held> requiredRegistryLock(Composition::LiveServices& services) {
+    ShownWait const wait(Texts::registrationsToWaitFor(), services.environment());
     auto held = Composition::LiveRegistryServices(services).lock();
     if (!held) throw CommandError::failed(held.error());
     return *std::move(held);
+}
+
+ResultEntity awaitedRegistry(Composition::LiveServices& services,
+                             Composition::LiveRegistryServices& registryServices) {
+    ShownWait const wait(whatKeepsSecrets(registryServices), services.environment());
+    return registryServices.calendarProviderRegistry();
+}
+
+std::string whatKeepsSecrets(Composition::LiveRegistryServices& services) {
+    return services.chosenKeychain() == Composition::KeychainKind::secretService
+               ? Texts::keyringToWaitFor()
+               : Texts::registrationsToWaitFor();
 }
 
 CalendarProviderRegistryApplication requiredRegistry(Composition::LiveServices& services,
                                                      std::string const& whatWasNotDone) {
     // Without a home there is no place for anything below.
     static_cast<void>(requiredConfiguration(services));
-    return required<CalendarProviderRegistryApplication>(
-        Composition::LiveRegistryServices(services).calendarProviderRegistry(), whatWasNotDone);
+    Composition::LiveRegistryServices registryServices(services);
+    auto const made = awaitedRegistry(services, registryServices);
+    if (!made.result)
+        throw CommandError::refused(withRemedy(registryServices, whatWasNotDone), messageOf(made));
+    return required<CalendarProviderRegistryApplication>(made, whatWasNotDone);
 }
 
 bool isMirrorRight(Composition::LiveServices& services, CalendarProviderRegistryApplication const& registry) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Applications/Companion/Console.h"
+#include "Applications/Composition/LiveRegistryServices.h"
 #include "Applications/Composition/LiveServices.h"
 #include "CalendarProviders/CalendarProviderRegistryApplication.h"
 #include "CalendarProviders/ResultEntity.h"
@@ -32,6 +33,14 @@ Value required(CalendarProviders::ResultEntity const& result, std::string const&
 /// Keeps every other command off the registry while it is held, from the first look to the last change.
 /// Throws CommandError with ExitCode::failed when others do not end, or no lock can be had.
 std::unique_ptr<Platform::FileLocks::Held> requiredRegistryLock(Composition::LiveServices& services);
+
+/// What a line says that is waited for while the person's keychain works.
+std::string whatKeepsSecrets(Composition::LiveRegistryServices& services);
+
+/// The registry over the person's keychain and database, or why there is none; a terminal is told while the
+/// keychain lets wait.
+CalendarProviders::ResultEntity awaitedRegistry(Composition::LiveServices& services,
+                                                Composition::LiveRegistryServices& registryServices);
 
 /// The registry over the person's keychain and database, for who holds the lock. Throws as above, also where
 /// there is no home.

@@ -3,6 +3,7 @@
 #include "Applications/Companion/ProviderRegistry.h"
 #include "Applications/Companion/SetupTexts.h"
 #include "Applications/Companion/Texts.h"
+#include "Applications/Companion/WaitingLine.h"
 #include "Foundation/Text.h"
 #include "Platform/Clock/Clock.h"
 
@@ -52,7 +53,10 @@ bool ProviderSetup::run() {
 }
 
 bool ProviderSetup::choose(KeychainKind kind) {
-    auto const chosen = registryServices.chooseKeychain(kind);
+    auto const chosen = [&] {
+        ShownWait const wait(Texts::keyringToWaitFor(), invocation.environment);
+        return registryServices.chooseKeychain(kind);
+    }();
     if (!chosen) throw CommandError::failed(chosen.error());
     say(Texts::keychainChosen(kind == KeychainKind::file));
     for (auto const& warning : chosen->warnings)
@@ -61,10 +65,10 @@ bool ProviderSetup::choose(KeychainKind kind) {
 }
 
 ProviderSetup::Registry ProviderSetup::openedRegistry(bool& hasChanged) {
-    auto made = registryServices.calendarProviderRegistry();
+    auto made = awaitedRegistry(services, registryServices);
     if (!made.result && isKeyFileWanted(made)) {
         hasChanged = choose(KeychainKind::file);
-        made = registryServices.calendarProviderRegistry();
+        made = awaitedRegistry(services, registryServices);
     }
     return required<Registry>(made, whatWasNotDone());
 }

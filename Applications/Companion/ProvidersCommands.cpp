@@ -1,6 +1,8 @@
 #include "Applications/Companion/Commands.h"
+#include "Applications/Companion/EndingSignals.h"
 #include "Applications/Companion/PlainJSON.h"
 #include "Applications/Companion/ProviderRegistry.h"
+#include "Applications/Companion/SetupTexts.h"
 #include "Applications/Companion/Support.h"
 #include "Applications/Companion/Texts.h"
 #include "CalendarProviders/CalendarProviderRegistryApplication.h"
@@ -26,9 +28,16 @@ namespace {
 struct Session {
     Invocation const& invocation;
     Composition::LiveServices& services;
+    EndingSignals& signals;
 
     [[nodiscard]] Registry registry(std::string const& whatWasNotDone) const {
         return requiredRegistry(services, whatWasNotDone);
+    }
+    // The same for a command that goes on to change something.
+    [[nodiscard]] Registry registryToChange(std::string const& whatWasNotDone) const {
+        auto found = registry(whatWasNotDone);
+        signals.say(Texts::interruptedInRegistrations());
+        return found;
     }
     void say(std::string const& text) const { invocation.console.writeLine(text); }
 };
@@ -46,10 +55,11 @@ std::string typedId(Invocation const& invocation) {
 
 ExitCode onRegistry(Invocation const& invocation, std::function<void(Session const&)> const& command) {
     auto const services = liveServices(invocation);
+    EndingSignals signals(Texts::interruptedBeforeRegistrations());
     // A look too: it may come upon a lost key or a damaged database, and begin anew.
     auto const lock = requiredRegistryLock(*services);
     QuarantineReport const report(*services, invocation.console);
-    command({.invocation = invocation, .services = *services});
+    command({.invocation = invocation, .services = *services, .signals = signals});
     return ExitCode::done;
 }
 
@@ -103,7 +113,7 @@ void addProvider(Session const& session) {
         .capRegisteredAt = session.services.clock()->now(),
     };
     auto const notDone = Texts::providerNotRegistered(provider.capId);
-    auto const registry = session.registry(notDone);
+    auto const registry = session.registryToChange(notDone);
     require(registry.newProvider(provider), notDone);
     finishChange(session, registry,
                  Texts::providerRegistered(provider.capDisplayName, provider.capEmail, provider.capId));
@@ -126,7 +136,7 @@ void editProvider(Session const& session) {
     auto const description = typed(session.invocation, "--description");
     if (!email && !name && !description) throw CommandError::wrongUse(Texts::nothingToEdit());
 
-    auto const registry = session.registry(Texts::providerNotChanged(typedId(session.invocation)));
+    auto const registry = session.registryToChange(Texts::providerNotChanged(typedId(session.invocation)));
     auto const provider = changeProvider(session, registry, [&](CalendarProviderEntity& edited) {
         if (email) edited.capEmail = *email;
         if (name) edited.capDisplayName = *name;
@@ -136,7 +146,7 @@ void editProvider(Session const& session) {
 }
 
 void switchProvider(Session const& session, bool isEnabled) {
-    auto const registry = session.registry(Texts::providerNotChanged(typedId(session.invocation)));
+    auto const registry = session.registryToChange(Texts::providerNotChanged(typedId(session.invocation)));
     auto const provider = changeProvider(
         session, registry, [&](CalendarProviderEntity& switched) { switched.capIsEnabled = isEnabled; });
     finishChange(session, registry, Texts::providerSwitched(provider.capDisplayName, isEnabled));
@@ -145,7 +155,7 @@ void switchProvider(Session const& session, bool isEnabled) {
 void removeProvider(Session const& session) {
     auto const id = typedId(session.invocation);
     auto const notDone = Texts::providerNotRemoved(id);
-    auto const registry = session.registry(notDone);
+    auto const registry = session.registryToChange(notDone);
     auto const known = registry.getOne(id).dataAs<CalendarProviderEntity>();
     require(registry.deleteProvider(id), notDone);
     // That there was none is no failure, but nothing was removed then.

@@ -1,23 +1,17 @@
 #pragma once
 
-#include <array>
-#include <csignal>
+#include "Applications/Companion/EndingSignals.h"
 
 namespace Companion {
 
-/// While this lives, Ctrl-C and SIGTERM end the program as they should at a question: with a line on standard
-/// error that says what was done, and with ExitCode::interrupted or ExitCode::terminated. Nothing is being
-/// written while a person thinks, so that the program may end on the spot. Only one at a time.
+/// While this lives, Ctrl-C and SIGTERM end the program as they should at a question. Nothing is being
+/// written while a person thinks, so that what was done is known.
 class QuestionSignals {
 public:
     QuestionSignals();
-    ~QuestionSignals();
-    QuestionSignals(QuestionSignals const&) = delete;
-    QuestionSignals& operator=(QuestionSignals const&) = delete;
 
 private:
-    static constexpr std::array signals = {SIGINT, SIGTERM};
-    std::array<struct sigaction, signals.size()> before = {};
+    EndingSignals signals;
 };
 
 } // namespace Companion

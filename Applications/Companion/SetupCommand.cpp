@@ -1,7 +1,10 @@
+#include "Applications/Companion/BackendTexts.h"
 #include "Applications/Companion/CalendarFolders.h"
 #include "Applications/Companion/Commands.h"
+#include "Applications/Companion/EndingSignals.h"
 #include "Applications/Companion/ProviderRegistry.h"
 #include "Applications/Companion/ProviderSetup.h"
+#include "Applications/Companion/SetupTexts.h"
 #include "Applications/Companion/Support.h"
 #include "Applications/Companion/Texts.h"
 #include "CalendarProviders/EventKitPermissionRepositoryImpl.h"
@@ -10,6 +13,9 @@
 #include "Platform/WidgetHost/WidgetCenter.h"
 
 #include <optional>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace Companion {
 
@@ -31,7 +37,11 @@ public:
         if (!places) throw CommandError::failed(Texts::noHome());
         QuarantineReport const report(services, invocation.console);
         makeOwnCalendar(*places);
-        if (settleAccess()) registerProvider();
+        isSetUp(Texts::setUpOwnCalendar());
+        if (settleAccess()) {
+            isSetUp(Texts::setUpAccess());
+            registerProvider();
+        }
         for (auto const& folder : foundCalendarFolders(invocation.environment))
             offer(folder);
         services.widgetCenter()->reloadAllTimelines();
@@ -40,6 +50,12 @@ public:
 
 private:
     void say(std::string const& text) const { invocation.console.confirmLine(text); }
+
+    // So that who ends the program from now on is told of it.
+    void isSetUp(std::string part) {
+        done.push_back(std::move(part));
+        signals.say(Texts::interruptedInTheSetup(done));
+    }
 
     void makeOwnCalendar(Platform::CalendarStorePlaces const& places) {
         std::error_code missing;
@@ -88,6 +104,7 @@ private:
         try {
             bool const isNew = ProviderSetup(invocation, services).run();
             hasChanged = hasChanged || isNew;
+            isSetUp(Texts::setUpRegistration());
         } catch (CommandError const& error) {
             failure = error;
         }
@@ -126,7 +143,7 @@ private:
         auto const status = requiredConsent(services)->status();
         say(Texts::accessStatus(status));
         if (status == EKAuthorizationStatus::notDetermined)
-            throw CommandError::failed(Texts::nobodyWasAsked());
+            throw CommandError::failed(Texts::nobodyAnsweredSetup(invocation.console.canAsk()));
         if (failure) throw *failure;
         if (status != EKAuthorizationStatus::fullAccess) {
             say(Texts::notRegisteredWithoutAccess());
@@ -142,6 +159,8 @@ private:
     bool takesDefaults;
     bool hasChanged = false;
     std::optional<CommandError> failure;
+    EndingSignals signals{Texts::interruptedBeforeAChange()};
+    std::vector<std::string> done;
 };
 
 ExitCode run(Invocation const& invocation) {

@@ -317,6 +317,10 @@ std::string accessNotGranted() {
     return text("access-not-granted");
 }
 
+std::string accessNotAnswered(bool isTerminalThere) {
+    return isTerminalThere ? text("access-not-answered") : text("access-not-asked");
+}
+
 std::string accessRecordHoldsNoAnswer(std::string_view path) {
     return text("access-record-holds-no-answer", path);
 }
@@ -333,8 +337,8 @@ std::string enabledCalendarsAreUnreadable(std::string_view path, std::string_vie
     return text("enabled-calendars-are-unreadable", path, told(reason));
 }
 
-std::string nobodyWasAsked() {
-    return text("nobody-was-asked");
+std::string nobodyAnsweredSetup(bool isTerminalThere) {
+    return isTerminalThere ? text("nobody-answered") : text("nobody-was-asked");
 }
 
 std::string ownCalendarMade(std::string_view path) {
@@ -484,6 +488,18 @@ std::string providerState(bool isEnabled) {
 
 std::string providersNotRead() {
     return text("providers-not-read");
+}
+
+std::string withoutKeyring(std::string_view whatWasNotDone) {
+    return text("without-keyring", whatWasNotDone);
+}
+
+std::string withoutTheKeyInTheKeyring(std::string_view whatWasNotDone) {
+    return text("without-the-key-in-the-keyring", whatWasNotDone);
+}
+
+std::string withoutKeyFile(std::string_view whatWasNotDone) {
+    return text("without-key-file", whatWasNotDone);
 }
 
 std::string providerNotRegistered(std::string_view id) {

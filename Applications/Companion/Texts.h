@@ -107,11 +107,14 @@ std::string folderIsRefused(std::string_view path, std::string_view wordToOpen);
 std::string folderIsRefusedByOther(std::string_view path, std::string_view closed);
 std::string accessIsMissing();
 std::string accessNotGranted();
+/// Why access is still not asked for: there is no terminal, or nobody answered at it.
+std::string accessNotAnswered(bool isTerminalThere);
 std::string accessRecordHoldsNoAnswer(std::string_view path);
 std::string accessRecordIsUnreadable(std::string_view path, std::string_view reason);
 std::string calendarsAreNotSetUp();
 std::string enabledCalendarsAreUnreadable(std::string_view path, std::string_view reason);
-std::string nobodyWasAsked();
+/// The same at the end of the set-up.
+std::string nobodyAnsweredSetup(bool isTerminalThere);
 
 // Set-up.
 std::string ownCalendarMade(std::string_view path);
@@ -155,6 +158,10 @@ std::string moreProblems(std::size_t count);
 std::string noProviders();
 std::string providerState(bool isEnabled);
 std::string providersNotRead();
+// What was not done, for want of the key of the registrations, and what helps.
+std::string withoutKeyring(std::string_view whatWasNotDone);
+std::string withoutTheKeyInTheKeyring(std::string_view whatWasNotDone);
+std::string withoutKeyFile(std::string_view whatWasNotDone);
 std::string providerNotRegistered(std::string_view id);
 std::string providerRegistered(std::string_view name, std::string_view email, std::string_view id);
 std::string providerIsRegistered(std::string_view name, std::string_view email, std::string_view id);

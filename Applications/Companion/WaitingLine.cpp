@@ -3,7 +3,11 @@
 #include "Applications/Companion/BackendTexts.h"
 #include "Foundation/Text.h"
 
+#include <condition_variable>
+#include <mutex>
+#include <stop_token>
 #include <unistd.h>
+#include <utility>
 
 namespace Companion {
 namespace {
@@ -31,6 +35,21 @@ void WaitingLine::show(std::chrono::seconds elapsed) {
 void WaitingLine::clear() {
     if (isShown) writeToErrors(std::string(emptyLine));
     isShown = false;
+}
+
+ShownWait::ShownWait(std::string what, Foundation::Environment const& environment)
+    : line(std::move(what), environment) {
+    if (!line.canBeShown()) return;
+    ticker = std::jthread([this](std::stop_token const& stop) {
+        std::mutex mutex;
+        std::condition_variable_any ended;
+        std::unique_lock lock(mutex);
+        for (std::chrono::seconds elapsed{1};; ++elapsed) {
+            ended.wait_for(lock, stop, std::chrono::seconds(1), [] { return false; });
+            if (stop.stop_requested()) return;
+            line.show(elapsed);
+        }
+    });
 }
 
 } // namespace Companion

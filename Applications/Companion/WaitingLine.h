@@ -6,6 +6,7 @@
 #include <chrono>
 #include <memory>
 #include <string>
+#include <thread>
 
 namespace Companion {
 
@@ -19,6 +20,8 @@ public:
     WaitingLine(WaitingLine const&) = delete;
     WaitingLine& operator=(WaitingLine const&) = delete;
 
+    /// Whether there is a terminal to show it on.
+    [[nodiscard]] bool canBeShown() const { return isTerminal; }
     void show(std::chrono::seconds elapsed);
     void clear();
 
@@ -26,6 +29,17 @@ private:
     std::string what;
     bool isTerminal;
     bool isShown = false;
+};
+
+/// The line of a call that does not come back for a while: shown from the first second on while this lives.
+/// Nothing else may be written to the terminal meanwhile.
+class ShownWait final {
+public:
+    ShownWait(std::string what, Foundation::Environment const& environment);
+
+private:
+    WaitingLine line;
+    std::jthread ticker; ///< Last, so that it ends before the line goes.
 };
 
 /// Standard output for a log: its records do not run into the line that is shown.

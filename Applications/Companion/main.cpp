@@ -1,6 +1,8 @@
 #include "Applications/Companion/CommandTable.h"
+#include "Applications/Companion/EndingSignals.h"
 #include "Applications/Companion/Help.h"
 #include "Applications/Companion/RunProgram.h"
+#include "Applications/Companion/SetupTexts.h"
 #include "Applications/Companion/Texts.h"
 
 #include <string>
@@ -22,6 +24,8 @@ ExitCode run(std::vector<std::string> const& words, Console const& console,
         console.writeLine(Texts::version());
         return ExitCode::done;
     }
+    // For whatever has no words of its own.
+    EndingSignals const signals(Texts::interrupted());
     return runCommand(std::get<CommandToRun>(line), console, environment);
 }
 

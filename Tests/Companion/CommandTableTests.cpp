@@ -112,6 +112,24 @@ TEST(HelpTests, aCommandsPageTellsAllThatItsTableHolds) {
     }
 }
 
+TEST(HelpTests, aCommandsPageNamesTheOnlyWordsThatAValueTakes) {
+    std::size_t named = 0;
+    auto const expectNamed = [&](Command const& command, std::string const& meaning,
+                                 std::vector<std::string> const& choices) {
+        for (auto const& choice : choices) {
+            EXPECT_NE(meaning.find(choice), std::string::npos) << command.path << ": " << choice;
+            ++named;
+        }
+    };
+    for (auto const& command : commandTable()) {
+        for (auto const& option : command.options)
+            expectNamed(command, option.help, option.choices);
+        for (auto const& argument : command.arguments)
+            expectNamed(command, argument.help, argument.choices);
+    }
+    EXPECT_GE(named, 10U);
+}
+
 TEST(HelpTests, theProgramsPageNamesEveryCommandThatRuns) {
     auto const page = helpText(nullptr);
     for (auto const& command : commandTable()) {

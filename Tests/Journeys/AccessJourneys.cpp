@@ -15,8 +15,9 @@ constexpr char const* question = "May it read and change your calendars? [yes/no
 
 TEST(AccessJourneys, aRequestAsksOnceAndTellsTheAnswer) {
     PrivateHome const home;
-    std::string const refusal = "Quillora may not read your calendars; \"quillora access grant\" allows it "
-                                "without a question";
+    std::string const refusal = "nobody could be asked, because there is no terminal here, and no answer was "
+                                "recorded; run \"quillora access request\" in a terminal, or allow it with "
+                                "\"quillora access grant\"";
     // With nobody to ask nothing is recorded.
     auto const unasked = home.quillora({"access", "request"});
     EXPECT_EQ(unasked.exitCode, 1);
@@ -26,7 +27,9 @@ TEST(AccessJourneys, aRequestAsksOnceAndTellsTheAnswer) {
 
     auto const denied = home.quillora({"access", "request"}, ProgramRun::Output::terminal, "no\n");
     EXPECT_EQ(denied.exitCode, 1) << denied.output;
-    EXPECT_THAT(denied.output, HasSubstr("Calendar access was denied"));
+    EXPECT_THAT(denied.output,
+                HasSubstr("quillora: Quillora may not read your calendars; \"quillora access "
+                          "grant\" allows it without a question\r\nCalendar access was denied"));
     EXPECT_EQ(home.outputOf({"access", "status"}), "Calendar access: denied\n");
     // Who has answered is not asked again.
     auto const again = home.quillora({"access", "request"}, ProgramRun::Output::terminal, "yes\n");
@@ -68,6 +71,23 @@ TEST(AccessJourneys, everyAnswerOnATerminalIsUnderstoodOrAskedAgain) {
         EXPECT_EQ(result.exitCode, std::string(row.record) == "3" ? 0 : 1) << row.name << result.output;
         EXPECT_EQ(home.contentOf(home.configuration() / "calendar-access.json"), row.record) << row.name;
     }
+}
+
+TEST(AccessJourneys, aQuestionThatIsNotAnsweredIsNotCalledADenial) {
+    PrivateHome const home;
+    auto const result = home.quilloraAsked({"access", "request"}, question, "\x04");
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_THAT(result.output,
+                HasSubstr(std::string(question) +
+                          "\r\nquillora: the question was not answered, and no answer was recorded; run "
+                          "\"quillora access request\" again, or allow it with \"quillora access grant\"\r\n"
+                          "Calendar access was denied\r\n"));
+    EXPECT_EQ(home.outputOf({"access", "status"}), "Calendar access: not asked yet\n");
+
+    auto const setup = home.quilloraAsked({"setup"}, question, "\x04\x04\x04");
+    EXPECT_EQ(setup.exitCode, 1);
+    EXPECT_THAT(setup.output,
+                HasSubstr("calendar access was not granted, because the question was not answered"));
 }
 
 TEST(AccessJourneys, interruptedAtTheQuestionNothingIsRecorded) {

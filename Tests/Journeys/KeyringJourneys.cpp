@@ -53,6 +53,8 @@ protected:
             EXPECT_EQ(result.exitCode, 1) << words[1];
             EXPECT_EQ(result.output, "") << words[1];
             EXPECT_THAT(result.errors, testing::EndsWith(refusal)) << words[1];
+            EXPECT_THAT(result.errors, HasSubstr("cannot be used; start or unlock it and try again"))
+                << words[1];
         }
         EXPECT_EQ(home.snapshot(), before);
     }
@@ -176,9 +178,12 @@ TEST_F(KeyringJourneys, aSlowKeyringIsNotWaitedForForever) {
     keyring.freeze();
     auto const result = home.quillora({"providers", "list"});
     EXPECT_EQ(result.exitCode, 1);
-    EXPECT_EQ(result.errors,
-              "quillora: the registered providers could not be read\n"
-              "Keychain lookup failed with status -36; refusing to regenerate the encryption key\n");
+    EXPECT_EQ(
+        result.errors,
+        "quillora: the registered providers could not be read, because the desktop's keyring, which holds "
+        "the key of the registrations, cannot be used; start or unlock it and try again; \"quillora "
+        "doctor\" tells more\n"
+        "Keychain lookup failed with status -36; refusing to regenerate the encryption key\n");
     EXPECT_EQ(home.snapshot(), before);
     keyring.kill();
     keyring.start(PrivateKeyring::Login::unlocked);
@@ -232,6 +237,48 @@ TEST_F(KeyringJourneys, ctrlCWhileTheKeyringHangsEndsTheWait) {
     keyring.kill();
     EXPECT_EQ(result.exitCode, 130) << result.output;
     EXPECT_THAT(result.output, HasSubstr("quillora: interrupted before the backend had answered"));
+}
+
+TEST_F(KeyringJourneys, ctrlCWhileTheKeyringHangsTellsWhatWasDone) {
+    struct Row {
+        char const* name;
+        Words words;
+        char const* words130;
+    };
+    home.environment["TERM"] = "xterm";
+    ASSERT_EQ(home.quillora({"access", "deny"}).exitCode, 0);
+    keyring.freeze();
+    for (auto const& row : std::vector<Row>{
+             {"set-up",
+              {"setup", "--yes"},
+              "quillora: interrupted; set up by then: Quillora's own calendar, access to your calendars; run "
+              "\"quillora setup\" again for the rest\r\n"},
+             {"list", {"providers", "list"}, "quillora: interrupted; no registration was changed\r\n"},
+             {"disable",
+              {"providers", "disable", "eventKit"},
+              "quillora: interrupted; no registration was changed\r\n"},
+             {"doctor", {"doctor"}, "quillora: interrupted; nothing was changed\r\n"}}) {
+        auto const result =
+            home.quilloraAsked(row.words, "Waiting for the desktop's keyring (1 s; Ctrl-C stops)", "\x03");
+        EXPECT_EQ(result.exitCode, 130) << row.name << result.output;
+        EXPECT_THAT(result.output, testing::EndsWith(row.words130)) << row.name;
+    }
+    keyring.kill();
+    EXPECT_EQ(home.contentOf(home.configuration() / "calendar-access.json"), "3");
+    EXPECT_FALSE(fs::exists(database()));
+    // Who runs it again gets the rest.
+    keyring.start(PrivateKeyring::Login::unlocked);
+    setUp();
+    EXPECT_EQ(meets(), Words{"Tea"});
+}
+
+TEST_F(KeyringJourneys, aScriptThatWaitsForTheKeyringReadsNothingOfIt) {
+    setUp();
+    keyring.freeze();
+    auto const result = home.quillora({"doctor"});
+    keyring.kill();
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_EQ(result.errors.find("Waiting"), std::string::npos) << result.errors;
 }
 
 TEST_F(OnABusJourneys, aKeyringThatDeniesGetsNoKey) {

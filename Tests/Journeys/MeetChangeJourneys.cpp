@@ -234,6 +234,9 @@ TEST_F(MeetChangeJourneys, anEditSaysWhatItWillChangeAndAsks) {
     EXPECT_THAT(refused.output, HasSubstr("nothing was changed"));
     auto const ended = home.quilloraAsked(words, goAhead, "\x04");
     EXPECT_EQ(ended.exitCode, 1);
+    EXPECT_THAT(ended.output, HasSubstr(std::string(goAhead) +
+                                        "\r\nquillora: nothing was changed, because the question was not "
+                                        "answered\r\n"));
     auto const interrupted = home.quilloraAsked(words, goAhead, "\x03");
     EXPECT_EQ(interrupted.exitCode, 130);
     EXPECT_THAT(interrupted.output, HasSubstr("quillora: interrupted at the question; "));
@@ -255,7 +258,7 @@ TEST_F(MeetChangeJourneys, withNobodyToAskNothingIsChanged) {
     for (auto const& words :
          std::vector<Words>{{"meet", "edit", id, "--name", "Other"}, {"meet", "delete", id}}) {
         auto const result = home.quillora(onTheDay(words));
-        EXPECT_EQ(result.exitCode, 1);
+        EXPECT_EQ(result.exitCode, 2);
         EXPECT_EQ(result.output, "");
         EXPECT_THAT(result.errors, HasSubstr("\"Stand-up\""));
         EXPECT_THAT(result.errors, EndsWith(nobody));

@@ -196,18 +196,25 @@ TEST_F(ProvidersJourneys, withoutAKeyringNoKeyIsMadeAndNothingIsTouched) {
     auto const before = home.snapshot();
     std::string const refusal =
         "Keychain lookup failed with status -36; refusing to regenerate the encryption key\n";
-    expectRefusal({"providers", "list"}, "quillora: the registered providers could not be read\n" + refusal);
-    expectRefusal(addition, "quillora: the provider \"cal\" was not registered\n" + refusal);
-    expectRefusal({"providers", "remove", "cal"},
-                  "quillora: the provider \"cal\" was not removed\n" + refusal);
+    std::string const remedy =
+        ", because the desktop's keyring, which holds the key of the registrations, cannot "
+        "be used; start or unlock it and try again; \"quillora doctor\" tells more\n" +
+        refusal;
+    expectRefusal({"providers", "list"}, "quillora: the registered providers could not be read" + remedy);
+    expectRefusal(addition, "quillora: the provider \"cal\" was not registered" + remedy);
+    expectRefusal({"providers", "remove", "cal"}, "quillora: the provider \"cal\" was not removed" + remedy);
     EXPECT_EQ(home.snapshot(), before);
 }
 
 TEST_F(ProvidersJourneys, withoutAChoiceItIsTheKeyringOfTheDesktop) {
     fs::remove(home.configuration() / "keychain.json");
-    expectRefusal({"providers", "list"},
-                  "quillora: the registered providers could not be read\n"
-                  "Keychain lookup failed with status -36; refusing to regenerate the encryption key\n");
+    // Where there is nothing registered, there is another way.
+    expectRefusal(
+        {"providers", "list"},
+        "quillora: the registered providers could not be read, because the desktop's keyring cannot be "
+        "used; start or unlock it and try again, or keep the key in a file that only you can read with "
+        "\"quillora setup --keychain file\"; \"quillora doctor\" tells more\n"
+        "Keychain lookup failed with status -36; refusing to regenerate the encryption key\n");
 }
 
 TEST_F(ProvidersJourneys, aChoiceWhoseRecordWasLostIsToldByTheKeyFile) {

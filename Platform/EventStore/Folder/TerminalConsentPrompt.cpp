@@ -48,7 +48,10 @@ ConsentAnswer TerminalConsentPrompt::askNow() const {
     if (!writeAll(output, texts.question)) return ConsentAnswer::unavailable;
     for (int attempt = 1; attempt <= attempts; ++attempt) {
         auto const line = readLine(input);
-        if (!line) return ConsentAnswer::unavailable;
+        if (!line) {
+            writeAll(output, "\n"); // Ctrl-D leaves the question's line open.
+            return ConsentAnswer::unavailable;
+        }
         auto const isYes = texts.yesOrNo(Foundation::Text::trimmingWhitespacesAndNewlines(*line));
         if (isYes) return *isYes ? ConsentAnswer::yes : ConsentAnswer::no;
         if (attempt < attempts && !writeAll(output, texts.again)) return ConsentAnswer::unavailable;

@@ -170,6 +170,14 @@ TEST(TerminalConsentPromptTests, theQuestionIsPutAndRepeatedAfterAnUnclearAnswer
     EXPECT_EQ(terminal.shown(expected.size()), expected);
 }
 
+TEST(TerminalConsentPromptTests, whatFollowsAQuestionWithoutAnAnswerBeginsOnALineOfItsOwn) {
+    Terminal const terminal;
+    terminal.type("\x04");
+    EXPECT_EQ(ask(terminal.screen, terminal.screen), ConsentAnswer::unavailable);
+    constexpr std::string_view expected = "May it? \r\n";
+    EXPECT_EQ(terminal.shown(expected.size()), expected);
+}
+
 TEST(TerminalConsentPromptTests, withoutATerminalOnBothSidesNobodyIsAsked) {
     Terminal const terminal;
     terminal.type("yes\n");
