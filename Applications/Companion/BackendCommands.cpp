@@ -24,7 +24,7 @@ namespace Companion {
 
 using Meetings::EventResponseDTO;
 using Meetings::MeetEntity;
-using Meets = std::vector<MeetEntity>;
+using Events = std::vector<EventResponseDTO>;
 
 namespace {
 
@@ -39,15 +39,16 @@ public:
           run(invocation, *services, writesJSON ? OutputReader::program : OutputReader::person) {}
 
     ExitCode list() {
-        auto const meets =
-            run.require(run.meets()->fetchAllMeets(), Texts::meetsNotListed(), Texts::interruptedReading());
+        // Events, since a meet does not tell of a repetition that it cannot hold.
+        auto const events =
+            run.require(run.meets()->fetchEvents(), Texts::meetsNotListed(), Texts::interruptedReading());
         if (writesJSON) {
-            for (auto const& meet : meets)
-                invocation.console.writeLine(documentOf(meet));
-        } else if (meets.empty()) {
+            for (auto const& event : events)
+                invocation.console.writeLine(documentOf(meetOf(event)));
+        } else if (events.empty()) {
             invocation.console.writeLine(Texts::noMeets());
         } else {
-            writeTable(meets);
+            writeTable(events);
         }
         return ExitCode::done;
     }
@@ -100,7 +101,7 @@ private:
         return event.toMeetEntity(*services->appearance());
     }
 
-    // The event that a person means: by the backend's identifier, or by the beginning of its metId.
+    // The event that a person means: by the backend's identifier or its beginning, or by that of its metId.
     EventResponseDTO eventCalled(std::string const& notDone) {
         auto const events =
             run.require(run.meets()->fetchEvents(), notDone, Texts::interruptedBeforeAChange());
@@ -109,12 +110,12 @@ private:
         if (named != events.end()) return *named;
 
         auto const begins = [&](EventResponseDTO const& event) {
-            return !id.empty() &&
-                   Meetings::StableIdentifier::uuid(event.evtId).uuidString().starts_with(upperASCII(id));
+            auto const metId = Meetings::StableIdentifier::uuid(event.evtId).uuidString();
+            return !id.empty() && (event.evtId.starts_with(id) || metId.starts_with(upperASCII(id)));
         };
         auto const found = std::ranges::find_if(events, begins);
         if (found == events.end()) {
-            throw CommandError::refused(notDone,
+            throw CommandError::refused(Texts::withReason(notDone, Texts::noSuchBackendMeet()),
                                         std::string(Meetings::RemoteEventRepositoryImpl::errorNotFound));
         }
         if (std::find_if(found + 1, events.end(), begins) != events.end())
@@ -135,23 +136,26 @@ private:
         return Foundation::logTimestamp(meet.metDate, calendar).substr(0, 16);
     }
 
-    [[nodiscard]] std::vector<std::string> rowOf(MeetEntity const& meet) const {
+    [[nodiscard]] std::vector<std::string> rowOf(EventResponseDTO const& event) const {
         constexpr std::size_t longestText = 200; // One that is longer is whole with --json.
+        auto const meet = meetOf(event);
+        auto const unknown = unknownRepetition(event);
         auto const minutes = Foundation::truncatedInteger(meet.metDuration / 60);
         return {startText(meet), Texts::minutesLong(minutes),
-                Foundation::Text::truncated(meet.metName, longestText), repetitionText(meet),
+                Foundation::Text::truncated(meet.metName, longestText),
+                unknown ? Texts::repetitionIsUnknown(*unknown) : repetitionText(meet),
                 Foundation::Text::truncated(meet.metOriginalIdentifier, longestText)};
     }
 
     // A row at a time: a service may hold more meets than should stand in memory twice.
-    void writeTable(Meets const& meets) const {
+    void writeTable(Events const& events) const {
         constexpr std::size_t pageSize = std::size_t{64} << 10;
         AlignedColumns columns;
-        for (auto const& meet : meets)
-            columns.measure(rowOf(meet));
+        for (auto const& event : events)
+            columns.measure(rowOf(event));
         std::string page;
-        for (auto const& meet : meets) {
-            page += columns.line(rowOf(meet)) + "\n";
+        for (auto const& event : events) {
+            page += columns.line(rowOf(event)) + "\n";
             if (page.size() >= pageSize) invocation.console.write(std::exchange(page, {}));
         }
         invocation.console.write(page);

@@ -3,10 +3,12 @@
 #include "Applications/Companion/BackendTexts.h"
 #include "Applications/Companion/CommandError.h"
 #include "Applications/Companion/HarmlessConsole.h"
+#include "Applications/Companion/ShellWord.h"
 #include "Applications/Companion/Texts.h"
 #include "Applications/Companion/TokenInput.h"
 #include "Applications/Composition/KeychainTokenProvider.h"
 #include "Applications/Composition/WitnessedURLSession.h"
+#include "Foundation/Text.h"
 #include "Platform/Logging/StandardConsoleOutput.h"
 
 #include <csignal>
@@ -59,6 +61,11 @@ std::shared_ptr<Networking::AuthTokenProvider> BackendRun::tokenProvider(Invocat
     if (auto const descriptor = invocation.values.option("--token-fd")) {
         return std::make_shared<Composition::GivenTokenProvider>(tokenFromDescriptor(*descriptor));
     }
+    auto const setting = services.setting();
+    auto const known = setting ? setting->baseURL().value_or(std::nullopt) : std::nullopt;
+    if (known != baseURL)
+        urlToLogInAt =
+            shellWord(Foundation::Text::neutralized(Foundation::Text::sanitizedUTF8(baseURL.absoluteString)));
     auto tokens = services.tokens();
     if (!tokens) throw CommandError::failed(tokens.error());
     keychainTokens = std::make_shared<Composition::KeychainTokenProvider>(*std::move(tokens), baseURL);
@@ -75,9 +82,12 @@ void BackendRun::require(Foundation::Task<void> task, std::string const& whatWas
 
 std::optional<std::string> BackendRun::unsaidReason(std::string_view message) const {
     auto const missing = keychainTokens ? keychainTokens->failure() : std::nullopt;
-    if (missing) return Texts::tokenIsMissing(baseURL.absoluteString, *missing);
+    if (missing) return Texts::tokenIsMissing(baseURL.absoluteString, *missing, urlToLogInAt);
     auto const status = services.exchanges().lastStatus();
-    if (!message.empty() || !status) return std::nullopt;
+    if (!status) return std::nullopt;
+    if (*status == 401) return Texts::tokenIsRefused(keychainTokens != nullptr);
+    if (*status == 404) return Texts::nothingAtTheAddress(baseURL.absoluteString);
+    if (!message.empty()) return std::nullopt;
     return Texts::noReasonGiven(*status);
 }
 

@@ -56,7 +56,8 @@ public:
                  std::string const& ifInterrupted);
 
     /// What the error's own text, `message`, leaves unsaid, for a sentence that goes on: why the keychain
-    /// gave no token, or the status of an answer without a text. Absent when that is not what failed.
+    /// gave no token, what to do about a token or an address that the backend does not know, or the status of
+    /// an answer without a text. Absent when that is not what failed.
     [[nodiscard]] std::optional<std::string> unsaidReason(std::string_view message) const;
 
 private:
@@ -68,6 +69,7 @@ private:
     Foundation::URL baseURL;
     std::shared_ptr<WaitingLine> line;
     std::shared_ptr<Composition::KeychainTokenProvider> keychainTokens; ///< Null for a token that was given.
+    std::optional<std::string> urlToLogInAt; ///< A word for a shell; absent for the backend that is known.
     std::shared_ptr<Meetings::RemoteEventRepositoryImpl> repository;
 };
 

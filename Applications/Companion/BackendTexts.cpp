@@ -52,6 +52,10 @@ std::string askForToken(std::string_view url) {
     return text("ask-for-token", quoted(url));
 }
 
+std::string askForAnyToken() {
+    return text("ask-for-any-token");
+}
+
 std::string nowhereToTypeTheToken() {
     return text("nowhere-to-type-the-token");
 }
@@ -80,9 +84,27 @@ std::string tokenNotRemoved(std::string_view url, KeychainStatus status, bool is
     return text("token-not-removed", quoted(url), keychainAnswer(status, isFile));
 }
 
-std::string tokenIsMissing(std::string_view url, KeychainStatus status) {
-    bool const isMissing = status == KeychainStatus::itemNotFound;
-    return isMissing ? text("token-is-missing", quoted(url)) : keychainAnswer(status, false);
+std::string tokenIsMissing(std::string_view url, KeychainStatus status,
+                           std::optional<std::string> const& urlToLogInAt) {
+    if (status != KeychainStatus::itemNotFound) return keychainAnswer(status, false);
+    return urlToLogInAt ? text("token-is-missing-elsewhere", quoted(url), *urlToLogInAt)
+                        : text("token-is-missing", quoted(url));
+}
+
+std::string tokenIsRefused(bool isFromKeychain) {
+    return isFromKeychain ? text("token-is-refused") : text("given-token-is-refused");
+}
+
+std::string nothingAtTheAddress(std::string_view url) {
+    return text("nothing-at-the-address", quoted(url));
+}
+
+std::string noSuchBackendMeet() {
+    return text("no-such-backend-meet");
+}
+
+std::string repetitionIsUnknown(std::string_view repetition) {
+    return text("repetition-is-unknown", quoted(repetition));
 }
 
 std::string oldTokenStays(std::string_view url) {

@@ -3,6 +3,7 @@
 #include "Platform/Keychain/KeychainStatus.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -17,6 +18,7 @@ std::string backendWithUser();
 std::string backendWithQuery(std::string_view url);
 std::string backendIsNotEncrypted(std::string_view host);
 std::string askForToken(std::string_view url);
+std::string askForAnyToken();
 std::string nowhereToTypeTheToken();
 std::string notADescriptor();
 std::string unreadableToken(std::int64_t descriptor, std::string_view reason);
@@ -24,7 +26,9 @@ std::string noToken();
 std::string badToken();
 std::string tokenNotKept(Platform::KeychainStatus status, bool isFile);
 std::string tokenNotRemoved(std::string_view url, Platform::KeychainStatus status, bool isFile);
-std::string tokenIsMissing(std::string_view url, Platform::KeychainStatus status);
+/// `urlToLogInAt` is the word for a shell where the address is another than the one that is logged in to.
+std::string tokenIsMissing(std::string_view url, Platform::KeychainStatus status,
+                           std::optional<std::string> const& urlToLogInAt);
 std::string oldTokenStays(std::string_view url);
 std::string loggedIn(std::string_view url);
 std::string loggedOut(std::string_view url);
@@ -55,6 +59,10 @@ std::string deleteMeet(std::string_view title, std::string_view start);
 std::string meetKept(std::string_view title);
 std::string backendMeetDeleted(std::string_view title, std::string_view id);
 std::string noReasonGiven(std::int64_t status);
+std::string tokenIsRefused(bool isFromKeychain);
+std::string nothingAtTheAddress(std::string_view url);
+std::string noSuchBackendMeet();
+std::string repetitionIsUnknown(std::string_view repetition);
 std::string calendarsAreMissing();
 std::string backendIsMissing();
 std::string withReason(std::string_view what, std::string_view reason);

@@ -63,7 +63,8 @@ std::vector<ManualEntry> environmentVariables() {
             {"TZ", text("manual-zone")},
             {"XDG_CONFIG_HOME", text("manual-configuration-home")},
             {"XDG_DATA_HOME", text("manual-data-home")},
-            {"QUILLORA_GROUP_CONTAINER", text("manual-container")}};
+            {"QUILLORA_GROUP_CONTAINER", text("manual-container")},
+            {"QUILLORA_LOG", text("manual-log")}};
 }
 
 } // namespace Companion::Texts

@@ -59,8 +59,8 @@ public:
     HeldSignals& operator=(HeldSignals const&) = delete;
 
     /// Waits until there is something to read. False when a signal came instead.
-    [[nodiscard]] bool waitForInput() const {
-        pollfd input{.fd = STDIN_FILENO, .events = POLLIN, .revents = 0};
+    [[nodiscard]] bool waitForInput(int descriptor) const {
+        pollfd input{.fd = descriptor, .events = POLLIN, .revents = 0};
         while (::ppoll(&input, 1, nullptr, &mask) < 0 && errno == EINTR)
             if (signalThatCame != 0) return false;
         return true;
@@ -75,18 +75,19 @@ private:
 // The terminal shows nothing but line breaks while this lives.
 class HiddenTyping {
 public:
-    HiddenTyping() {
-        ::tcgetattr(STDIN_FILENO, &before);
+    explicit HiddenTyping(int terminal) : terminal(terminal) {
+        ::tcgetattr(terminal, &before);
         auto hidden = before;
         hidden.c_lflag &= ~static_cast<tcflag_t>(ECHO);
         hidden.c_lflag |= ECHONL | ICANON;
-        ::tcsetattr(STDIN_FILENO, TCSADRAIN, &hidden);
+        ::tcsetattr(terminal, TCSADRAIN, &hidden);
     }
-    ~HiddenTyping() { ::tcsetattr(STDIN_FILENO, TCSADRAIN, &before); }
+    ~HiddenTyping() { ::tcsetattr(terminal, TCSADRAIN, &before); }
     HiddenTyping(HiddenTyping const&) = delete;
     HiddenTyping& operator=(HiddenTyping const&) = delete;
 
 private:
+    int terminal;
     termios before = {};
 };
 
@@ -107,11 +108,11 @@ std::string readLine(int descriptor, Ready isReady) {
 }
 
 // The question comes last: whoever answers it at once is not shown either.
-std::string typedLine(std::string const& prompt) {
+std::string typedLine(int terminal, std::string const& prompt) {
     HeldSignals const held;
-    HiddenTyping const hidden;
+    HiddenTyping const hidden(terminal);
     [[maybe_unused]] auto const shown = ::write(STDERR_FILENO, prompt.data(), prompt.size());
-    return readLine(STDIN_FILENO, [&] { return held.waitForInput(); });
+    return readLine(terminal, [&] { return held.waitForInput(terminal); });
 }
 
 } // namespace
@@ -122,13 +123,15 @@ std::string tokenFromDescriptor(std::string_view number) {
     bool const isNumber = error == std::errc() && end == number.data() + number.size() && descriptor >= 0;
     // What was typed is not repeated: it may be the token itself.
     if (!isNumber) throw CommandError::wrongUse(Texts::notADescriptor());
+    // Whoever names a terminal types there, and a token is not shown anywhere.
+    if (::isatty(descriptor) == 1) return checkedToken(typedLine(descriptor, Texts::askForAnyToken() + " "));
     return checkedToken(readLine(descriptor, [] { return true; }));
 }
 
 std::string tokenFromTerminal(std::string_view question) {
     if (::isatty(STDIN_FILENO) != 1 || ::isatty(STDERR_FILENO) != 1)
         throw CommandError::wrongUse(Texts::nowhereToTypeTheToken());
-    return checkedToken(typedLine(std::string(question) + " "));
+    return checkedToken(typedLine(STDIN_FILENO, std::string(question) + " "));
 }
 
 } // namespace Companion

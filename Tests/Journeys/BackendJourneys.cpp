@@ -85,6 +85,8 @@ TEST_F(BackendJourneys, aMeetIsAddedListedChangedAndDeleted) {
     EXPECT_EQ(outputOf(service, {"backend", "edit", id, "--name", "Other", "--repeat", "none"}),
               "Changed \"Other\" (\"" + id + "\")\n");
     EXPECT_EQ(outputOf(service, {"backend", "list"}), "2026-03-11 09:00  15 min  Other    " + id + "\n");
+    EXPECT_EQ(outputOf(service, {"backend", "edit", id.substr(0, 12), "--name", "Other"}),
+              "Changed \"Other\" (\"" + id + "\")\n");
     auto const beginning = textOf(meet, "metId").substr(0, 6);
     EXPECT_EQ(outputOf(service, {"backend", "delete", beginning, "--yes"}),
               "Deleted \"Other\" (\"" + id + "\")\n");
@@ -169,6 +171,15 @@ TEST_F(BackendJourneys, aTokenIsTypedUnseen) {
     EXPECT_THAT(result.output, HasSubstr("Logged in to"));
     EXPECT_THAT(result.output, Not(HasSubstr(service.token())));
     EXPECT_EQ(home.outputOf({"backend", "list"}), "The backend holds no meets\n");
+}
+
+TEST_F(BackendJourneys, aTokenForADescriptorThatIsATerminalIsTypedUnseenToo) {
+    BackendProcess const service;
+    auto const result = typed({"backend", "login", "--url", service.baseURL(), "--token-fd", "0"},
+                              "Token (it is not shown):", service.token() + "\n");
+    EXPECT_EQ(result.exitCode, 0) << result.output;
+    EXPECT_THAT(result.output, HasSubstr("Logged in to"));
+    EXPECT_THAT(result.output, Not(HasSubstr(service.token())));
 }
 
 TEST_F(BackendJourneys, ctrlCAtTheTokensQuestionChangesNothing) {
@@ -316,7 +327,11 @@ TEST_F(BackendJourneys, aTokenThatIsNotThereIsARefusalWithItsReason) {
                   service.baseURL() + "\"; log in with \"quillora backend login\"\nno autorizado\n");
     // The token of one backend is not handed to another.
     auto const other = home.quillora({"backend", "list", "--url", "http://127.0.0.1:1"});
-    EXPECT_THAT(other.errors, testing::EndsWith("\nno autorizado\n"));
+    EXPECT_EQ(
+        other.errors,
+        "quillora: the backend's meets were not listed: your keychain holds no token for "
+        "\"http://127.0.0.1:1\"; hand one over with --token-fd, or log in there with \"quillora backend "
+        "login --url http://127.0.0.1:1\"\nno autorizado\n");
 }
 
 TEST_F(BackendJourneys, withoutAKeyringALoginChangesNothing) {
@@ -437,10 +452,27 @@ TEST_F(BackendJourneys, whatTheServiceRefusesIsToldInItsWords) {
     EXPECT_EQ(added.errors, "quillora: the meet \"Stand-up/ñ\" was not added\nsolo lectura\n");
     auto const edited = ask(service, {"backend", "edit", "e1", "--name", "T"});
     EXPECT_EQ(edited.exitCode, 1);
-    EXPECT_EQ(edited.errors, "quillora: the meet \"e1\" was not changed\nevento no encontrado\n");
+    EXPECT_EQ(edited.errors,
+              "quillora: the meet \"e1\" was not changed: no meet of the backend has that id, nor "
+              "one that begins so; \"quillora backend list\" shows them\nevento no encontrado\n");
     auto const stranger = home.quillora({"backend", "list", "--url", service.baseURL(), "--token-fd", "0"},
                                         ProgramRun::Output::captured, "wrong\n");
-    EXPECT_EQ(stranger.errors, "quillora: the backend's meets were not listed\nno autorizado\n");
+    EXPECT_EQ(stranger.errors, "quillora: the backend's meets were not listed: the backend does not take the "
+                               "token that was handed over\nno autorizado\n");
+    // The same of a login, and an address with a path that the service does not know.
+    static_cast<void>(home.quillora({"backend", "login", "--url", service.baseURL(), "--token-fd", "0"},
+                                    ProgramRun::Output::captured, "wrong\n"));
+    EXPECT_EQ(home.quillora({"backend", "list"}).errors,
+              "quillora: the backend's meets were not listed: the backend does not take the token in your "
+              "keychain; log in again with \"quillora backend login\"\nno autorizado\n");
+    auto const elsewhere = service.baseURL() + "/elsewhere";
+    auto const lost = home.quillora({"backend", "list", "--url", elsewhere, "--token-fd", "0"},
+                                    ProgramRun::Output::captured, service.token());
+    EXPECT_EQ(lost.errors,
+              "quillora: the backend's meets were not listed: the backend says that there is nothing "
+              "there; see that its address, \"" +
+                  elsewhere +
+                  "\", is right, and what \"quillora backend list\" shows\nevento no encontrado\n");
 }
 
 TEST_F(BackendJourneys, aTokenThatIsNoneIsRefused) {

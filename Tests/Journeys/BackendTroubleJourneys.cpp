@@ -233,6 +233,7 @@ TEST_F(BackendTroubleJourneys, aRepetitionThatIsNotKnownIsChangedOnlyOnPurpose) 
             "quillora: the meet \"e1\" was not changed: it repeats in a way that Quillora does not know (\"" +
                 shown + "\") and would lose with any change; give --repeat to choose another\n");
         EXPECT_EQ(server.requests().size(), 1U);
+        EXPECT_THAT(ask(server, {"backend", "list"}).output, HasSubstr("  unknown: \"" + shown + "\"  e1\n"));
         EXPECT_EQ(ask(server, {"backend", "edit", "e1", "--repeat", "none"}).exitCode, 0);
         EXPECT_THAT(server.requests().back(), HasSubstr("\"evtRepeat\":\"never\""));
     }

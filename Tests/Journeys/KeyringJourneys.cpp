@@ -243,7 +243,7 @@ TEST_F(KeyringJourneys, ctrlCWhileTheKeyringHangsTellsWhatWasDone) {
     struct Row {
         char const* name;
         Words words;
-        char const* words130;
+        char const* lastWords;
     };
     home.environment["TERM"] = "xterm";
     ASSERT_EQ(home.quillora({"access", "deny"}).exitCode, 0);
@@ -261,7 +261,7 @@ TEST_F(KeyringJourneys, ctrlCWhileTheKeyringHangsTellsWhatWasDone) {
         auto const result =
             home.quilloraAsked(row.words, "Waiting for the desktop's keyring (1 s; Ctrl-C stops)", "\x03");
         EXPECT_EQ(result.exitCode, 130) << row.name << result.output;
-        EXPECT_THAT(result.output, testing::EndsWith(row.words130)) << row.name;
+        EXPECT_THAT(result.output, testing::EndsWith(row.lastWords)) << row.name;
     }
     keyring.kill();
     EXPECT_EQ(home.contentOf(home.configuration() / "calendar-access.json"), "3");
