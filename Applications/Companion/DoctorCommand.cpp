@@ -5,7 +5,7 @@
 #include "Applications/Companion/DoctorTexts.h"
 #include "Applications/Companion/EndingSignals.h"
 #include "Applications/Companion/PlainJSON.h"
-#include "Applications/Companion/SetupTexts.h"
+#include "Applications/Companion/ProviderRegistry.h"
 #include "Applications/Companion/ShellWord.h"
 #include "Applications/Companion/Support.h"
 #include "Applications/Companion/Texts.h"
@@ -38,7 +38,8 @@ void examineHome(std::filesystem::path const& folder, Findings& findings) {
 
 // The keyring may let wait.
 void examineAwaitedRegistry(Composition::LiveServices& services, Findings& findings) {
-    ShownWait const wait(Texts::keyringToWaitFor(), services.environment());
+    Composition::LiveRegistryServices registryServices(services);
+    ShownWait const wait(whatKeepsSecrets(registryServices), services.environment());
     examineRegistry(services, findings);
 }
 

@@ -37,9 +37,9 @@ public:
         if (!places) throw CommandError::failed(Texts::noHome());
         QuarantineReport const report(services, invocation.console);
         makeOwnCalendar(*places);
-        isSetUp(Texts::setUpOwnCalendar());
+        noteDone(Texts::setUpOwnCalendar());
         if (settleAccess()) {
-            isSetUp(Texts::setUpAccess());
+            noteDone(Texts::setUpAccess());
             registerProvider();
         }
         for (auto const& folder : foundCalendarFolders(invocation.environment))
@@ -52,7 +52,7 @@ private:
     void say(std::string const& text) const { invocation.console.confirmLine(text); }
 
     // So that who ends the program from now on is told of it.
-    void isSetUp(std::string part) {
+    void noteDone(std::string part) {
         done.push_back(std::move(part));
         signals.say(Texts::interruptedInTheSetup(done));
     }
@@ -104,7 +104,7 @@ private:
         try {
             bool const isNew = ProviderSetup(invocation, services).run();
             hasChanged = hasChanged || isNew;
-            isSetUp(Texts::setUpRegistration());
+            noteDone(Texts::setUpRegistration());
         } catch (CommandError const& error) {
             failure = error;
         }
