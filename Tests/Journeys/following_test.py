@@ -41,7 +41,7 @@ class Home:
         offset = 12 - datetime.datetime.now(datetime.timezone.utc).hour
         self.environment = {
             "PATH": "/usr/bin:/bin", "HOME": self.folder, "LANG": "C.UTF-8", "TERM": "xterm",
-            "TZ": f"<T>{-offset:+d}", "TMPDIR": self.folder, **{
+            "TZ": f"Etc/GMT{-offset:+d}", "TMPDIR": self.folder, **{
                 name: os.path.join(self.folder, place) for name, place in (
                     ("XDG_CONFIG_HOME", "config"), ("XDG_DATA_HOME", "data"), ("XDG_CACHE_HOME", "cache"), ("XDG_RUNTIME_DIR", "run"))},
             **{name: value for name, value in os.environ.items() if name.endswith("SAN_OPTIONS")},
