@@ -103,8 +103,13 @@ public:
 
 private:
     struct Found;
-    struct KnownFolder;
     struct KnownSeries;
+    /// A folder of calendar files, as far as it is known.
+    struct KnownFolder {
+        FolderIndex index;
+        std::optional<FolderListing> listing = std::nullopt; ///< Of the last look, without the files.
+        std::int64_t lookedAt = 0;                           ///< Nanoseconds since 1970.
+    };
     /// Whether the files of the calendar with that identifier matter to the question.
     using Concerns = std::function<bool(std::string_view)>;
 
