@@ -40,6 +40,13 @@ UChar32 nextScalar(std::string_view text, std::int32_t length, std::int32_t& pos
     return scalar;
 }
 
+UChar32 previousScalar(std::string_view text, std::int32_t start, std::int32_t& position) {
+    auto const* bytes = unsignedBytes(text);
+    UChar32 scalar = 0;
+    U8_PREV(bytes, start, position, scalar);
+    return scalar;
+}
+
 void append(std::string& text, char32_t scalar) {
     std::array<char, U8_MAX_LENGTH> bytes{};
     std::int32_t length = 0;
@@ -82,18 +89,15 @@ bool isWhitespaceOrNewline(UChar32 scalar) {
     return isWhitespace(scalar) || isNewline(scalar);
 }
 
+// From both ends: what lies between, most of a long text, is not looked at.
 std::string trimming(std::string_view text, bool (*isTrimmed)(UChar32)) {
     auto const length = icuLength(text);
-    std::int32_t first = length;
-    std::int32_t end = length;
-    bool found = false;
-    for (std::int32_t position = 0; position < length;) {
-        auto const start = position;
-        if (isTrimmed(nextScalar(text, length, position))) continue;
-        if (!found) first = start;
-        found = true;
-        end = position;
-    }
+    std::int32_t first = 0;
+    for (auto next = first; next < length; first = next)
+        if (!isTrimmed(nextScalar(text, length, next))) break;
+    auto end = length;
+    for (auto previous = end; previous > first; end = previous)
+        if (!isTrimmed(previousScalar(text, first, previous))) break;
     return std::string(text.substr(static_cast<std::size_t>(first), static_cast<std::size_t>(end - first)));
 }
 

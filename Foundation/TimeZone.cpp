@@ -31,6 +31,10 @@ constexpr std::int64_t utcSecondsOfYear(int year) {
 constexpr int firstTwinYear = 2101;
 constexpr std::int64_t tableStart = utcSecondsOfYear(0);
 constexpr std::int64_t tableEnd = utcSecondsOfYear(firstTwinYear + 28);
+// To find the changes of all years takes a millisecond a zone, of these a tenth of that. Calendars seldom
+// speak of others.
+constexpr std::int64_t nearbyStart = utcSecondsOfYear(1990);
+constexpr std::int64_t nearbyEnd = utcSecondsOfYear(2041);
 // No offset is wider than this, so a wall-clock time lies this close to its instant.
 constexpr std::int64_t widestOffset = 26 * 3600;
 
@@ -72,13 +76,16 @@ using GTimeZonePointer = std::unique_ptr<GTimeZone, GTimeZoneDeleter>;
 // and slowly: it goes through the intervals from the first one. So it is asked as seldom as can be.
 class ChangeFinder {
 public:
-    explicit ChangeFinder(GTimeZone* zone) : zone(zone) {}
+    ChangeFinder(GTimeZone* zone, std::int64_t searchStart, std::int64_t searchEnd)
+        : zone(zone),
+          searchStart(searchStart),
+          searchEnd(searchEnd) {}
 
     std::vector<Change> find() {
         auto const lastInterval = intervalAt(searchEnd);
-        auto interval = intervalAt(tableStart);
-        changes.push_back({.start = tableStart, .offset = offset(interval)});
-        for (auto known = tableStart; interval != lastInterval;) {
+        auto interval = intervalAt(searchStart);
+        changes.push_back({.start = searchStart, .offset = offset(interval)});
+        for (auto known = searchStart; interval != lastInterval;) {
             known = startOfNext(known, interval);
             interval = intervalAt(known);
             starts.push_back(known);
@@ -90,8 +97,6 @@ public:
     }
 
 private:
-    static constexpr std::int64_t searchEnd = tableEnd + 2 * secondsPerDay;
-
     // The first instant after `known` that lies in another interval.
     std::int64_t startOfNext(std::int64_t known, gint interval) const {
         if (auto const guess = guessedStart(known, interval)) return *guess;
@@ -135,6 +140,8 @@ private:
     std::int32_t offset(gint interval) const { return g_time_zone_get_offset(zone, interval); }
 
     GTimeZone* zone;
+    std::int64_t searchStart;
+    std::int64_t searchEnd;
     std::vector<Change> changes;
     std::vector<std::int64_t> starts; // Of all intervals but the first, whether clocks moved or not.
 };
@@ -142,11 +149,34 @@ private:
 } // namespace
 
 struct TimeZone::Rules {
-    std::string identifier;
-    std::vector<Change> changes; // Never empty; the first one stands for all time before.
+    using Changes = std::vector<Change>; // Never empty; the first one stands for all time before.
 
-    // The last change at or before `seconds`, which lies inside the table.
-    std::vector<Change>::const_iterator changeAt(std::int64_t seconds) const {
+    /// Of all times.
+    Rules(std::string identifier, Changes whole)
+        : identifier(std::move(identifier)),
+          whole(std::move(whole)) {}
+    /// Of the nearby years; the others are found when they are asked for.
+    static std::shared_ptr<Rules const> nearbyOnes(std::string identifier, Changes nearby) {
+        auto rules = std::make_shared<Rules>(std::move(identifier), Changes());
+        rules->nearby = std::move(nearby);
+        return rules;
+    }
+
+    // Those that bear on times a day or two around `seconds`, which lies inside the table.
+    Changes const& changesAround(std::int64_t seconds) const {
+        constexpr auto margin = 3 * widestOffset;
+        bool const isNearby =
+            !nearby.empty() && seconds >= nearbyStart + margin && seconds < nearbyEnd - margin;
+        if (isNearby) return nearby;
+        std::call_once(search, [this] {
+            if (whole.empty()) whole = changesOf(identifier);
+            if (whole.empty()) whole = nearby; // The system has lost the zone meanwhile.
+        });
+        return whole;
+    }
+
+    // The last change at or before `seconds`.
+    static Changes::const_iterator changeAt(Changes const& changes, std::int64_t seconds) {
         auto const next = std::ranges::upper_bound(changes, seconds, {}, &Change::start);
         return next == changes.begin() ? next : std::prev(next);
     }
@@ -156,25 +186,25 @@ struct TimeZone::Rules {
     static std::shared_ptr<Rules const> load(std::string const& identifier) {
         if (auto const exchanged = ZoneRuleText::exchangingNegativeSaving(identifier)) {
             auto changes = changesOf(*exchanged);
-            if (changes.empty()) return nullptr;
-            return std::make_shared<Rules const>(
-                Rules{.identifier = identifier, .changes = std::move(changes)});
+            return changes.empty() ? nullptr : std::make_shared<Rules const>(identifier, std::move(changes));
         }
-        auto changes = changesOf(identifier);
-        if (changes.empty()) return nullptr;
+        GTimeZonePointer const zone(g_time_zone_new_identifier(identifier.c_str()));
+        if (!zone) return nullptr;
         auto const closingRule = ZoneRuleText::ofZoneFile(zoneFile(identifier));
-        if (closingRule) {
-            if (auto const exchanged = ZoneRuleText::exchangingNegativeSaving(*closingRule))
-                mend(changes, changesOf(*exchanged));
-        }
-        return std::make_shared<Rules const>(Rules{.identifier = identifier, .changes = std::move(changes)});
+        auto const exchanged =
+            closingRule ? ZoneRuleText::exchangingNegativeSaving(*closingRule) : std::nullopt;
+        if (!exchanged)
+            return nearbyOnes(identifier, ChangeFinder(zone.get(), nearbyStart, nearbyEnd).find());
+        auto changes = changesOf(identifier);
+        mend(changes, changesOf(*exchanged));
+        return std::make_shared<Rules const>(identifier, std::move(changes));
     }
 
     // Empty when the system does not know the zone.
-    static std::vector<Change> changesOf(std::string const& identifier) {
+    static Changes changesOf(std::string const& identifier) {
         GTimeZonePointer const zone(g_time_zone_new_identifier(identifier.c_str()));
         if (!zone) return {};
-        return ChangeFinder(zone.get()).find();
+        return ChangeFinder(zone.get(), tableStart, tableEnd + 2 * secondsPerDay).find();
     }
 
     static std::string zoneFile(std::string const& identifier) {
@@ -183,7 +213,7 @@ struct TimeZone::Rules {
 
     // From the year on in which `changes` first name an offset that the closing rule does not have, the
     // rule's own changes take their place.
-    static void mend(std::vector<Change>& changes, std::vector<Change> const& ruleChanges) {
+    static void mend(Changes& changes, Changes const& ruleChanges) {
         auto const isOfRule = [&](Change const& change) {
             return change.start < utcSecondsOfYear(1972) ||
                    std::ranges::find(ruleChanges, change.offset, &Change::offset) != ruleChanges.end();
@@ -198,7 +228,7 @@ struct TimeZone::Rules {
                              [&](Change const& change) { return change.start >= begin; });
     }
 
-    // Loading takes about a millisecond, and the same few zones are asked for all the time. Unknown names
+    // Loading takes a while, and the same few zones are asked for all the time. Unknown names
     // are not kept: foreign data must not make the cache grow.
     static std::shared_ptr<Rules const> cached(std::string_view identifier) {
         static std::mutex mutex;
@@ -213,6 +243,13 @@ struct TimeZone::Rules {
         std::lock_guard const lock(mutex);
         return loaded.try_emplace(std::string(identifier), std::move(rules)).first->second;
     }
+
+    std::string identifier;
+
+private:
+    Changes nearby; // Empty where all are known from the start.
+    mutable Changes whole;
+    mutable std::once_flag search;
 };
 
 namespace {
@@ -249,8 +286,8 @@ std::optional<TimeZone> TimeZone::named(std::string_view identifier) {
 }
 
 TimeZone TimeZone::utc() {
-    static auto const rules = std::make_shared<Rules const>(
-        Rules{.identifier = "UTC", .changes = {{.start = tableStart, .offset = 0}}});
+    static auto const rules =
+        std::make_shared<Rules const>("UTC", Rules::Changes{{.start = tableStart, .offset = 0}});
     return TimeZone(rules);
 }
 
@@ -262,8 +299,8 @@ TimeZone TimeZone::fixedOffset(std::int32_t secondsEast) {
     std::string identifier = (secondsEast < 0 ? "UTC-" : "UTC+") + twoDigits(magnitude / 3600) + ":" +
                              twoDigits(magnitude / 60 % 60);
     if (magnitude % 60 != 0) identifier += ":" + twoDigits(magnitude % 60);
-    return TimeZone(std::make_shared<Rules const>(Rules{
-        .identifier = std::move(identifier), .changes = {{.start = tableStart, .offset = secondsEast}}}));
+    return TimeZone(std::make_shared<Rules const>(
+        std::move(identifier), Rules::Changes{{.start = tableStart, .offset = secondsEast}}));
 }
 
 TimeZone TimeZone::current(Environment const& environment, std::filesystem::path const& systemZoneFile) {
@@ -296,7 +333,8 @@ std::string const& TimeZone::identifier() const {
 }
 
 std::int32_t TimeZone::secondsFromUTC(std::int64_t utcSeconds) const {
-    return rules->changeAt(utcSeconds - distanceToTwin(utcSeconds))->offset;
+    auto const twin = utcSeconds - distanceToTwin(utcSeconds);
+    return Rules::changeAt(rules->changesAround(twin), twin)->offset;
 }
 
 TimeZone::LocalTimeResolution TimeZone::resolveLocal(std::int64_t localSeconds) const {
@@ -305,12 +343,13 @@ TimeZone::LocalTimeResolution TimeZone::resolveLocal(std::int64_t localSeconds) 
     auto const local = localSeconds - distance;
 
     std::optional<std::int64_t> earlier;
-    auto change = rules->changeAt(local - widestOffset);
-    for (; change != rules->changes.end() && change->start <= local + widestOffset; ++change) {
+    auto const& changes = rules->changesAround(local);
+    auto change = Rules::changeAt(changes, local - widestOffset);
+    for (; change != changes.end() && change->start <= local + widestOffset; ++change) {
         auto const next = std::next(change);
-        bool const isLast = next == rules->changes.end();
+        bool const isLast = next == changes.end();
         auto const instant = local - change->offset;
-        bool const begun = instant >= change->start || change == rules->changes.begin();
+        bool const begun = instant >= change->start || change == changes.begin();
         bool const over = !isLast && instant >= next->start;
         if (begun && !over) {
             if (earlier)
@@ -322,7 +361,7 @@ TimeZone::LocalTimeResolution TimeZone::resolveLocal(std::int64_t localSeconds) 
         if (!earlier && begun && over && local - next->offset < next->start)
             return {.kind = Kind::skipped, .first = instant + distance, .second = next->start + distance};
     }
-    auto const instant = earlier.value_or(local - rules->changeAt(local)->offset) + distance;
+    auto const instant = earlier.value_or(local - Rules::changeAt(changes, local)->offset) + distance;
     return {.kind = Kind::unique, .first = instant, .second = instant};
 }
 

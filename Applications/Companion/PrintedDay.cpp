@@ -2,7 +2,6 @@
 
 #include "Applications/Companion/AskedOnceAppearance.h"
 #include "Applications/Companion/CalendarAccess.h"
-#include "Applications/Companion/CalendarRefresh.h"
 #include "Applications/Companion/DayJSON.h"
 #include "Applications/Companion/FaceText.h"
 #include "Applications/Companion/FollowedLines.h"
@@ -72,26 +71,36 @@ ExitCode follow(Invocation const& invocation, DayRequest const& request) {
     return ExitCode::done;
 }
 
+// What shows no colour is the same in both schemes, and the desktop is a round trip over the bus away.
+std::optional<Platform::ColorScheme> schemeWithoutAsking(Invocation const& invocation,
+                                                         DayRequest const& request) {
+    bool const showsColors = drawsPictures(invocation.values) || request.writesJSON ||
+                             (request.writesText && invocation.console.showsColors());
+    if (request.scheme || showsColors) return request.scheme;
+    return Platform::ColorScheme::light;
+}
+
 } // namespace
 
 AskedDay askedDay(Invocation const& invocation, DayRequest const& request) {
-    auto const isLookDue = std::make_shared<bool>(false);
-    auto live = liveServices(
-        invocation, {.fixedMoment = request.at, .calendarLookDue = [isLookDue] { *isLookDue = true; }});
+    auto const refresh = std::make_shared<CalendarRefresh>(invocation.environment);
+    auto live = liveServices(invocation,
+                             {.fixedMoment = request.at, .calendarLookDue = [refresh] { refresh->start(); }});
     auto loop = std::make_unique<Foundation::TaskLoop>();
     auto services = live->scheduleWidgetServices(loop->executor());
-    services.appearance = std::make_shared<AskedOnceAppearance>(services.appearance, request.scheme);
+    services.appearance =
+        std::make_shared<AskedOnceAppearance>(services.appearance, schemeWithoutAsking(invocation, request));
     auto day = shownDay(services, *loop, offsetOf(request.day, services));
     return {.live = std::move(live),
             .loop = std::move(loop),
             .services = std::move(services),
             .day = std::move(day),
             .scheme = request.scheme.value_or(Platform::ColorScheme::light),
-            .isLookDue = isLookDue};
+            .refresh = refresh};
 }
 
 void printDay(Invocation const& invocation, DayRequest const& request, AskedDay& asked) {
-    auto const& [live, loop, services, day, scheme, isLookDue] = asked;
+    auto const& [live, loop, services, day, scheme, refresh] = asked;
     auto const layout = faceOf(services, day, request.family, scheme);
     if (request.writesJSON) invocation.console.writeLine(plainJSON(dayJSON(day.entry, day.policy, layout)));
     if (request.writesStatusBar) {
@@ -104,7 +113,6 @@ void printDay(Invocation const& invocation, DayRequest const& request, AskedDay&
                                                    .columns = invocation.console.columns()}));
     }
     reportHints(invocation, *live, day);
-    if (*isLookDue) startCalendarRefresh(invocation.environment);
 }
 
 ExitCode showDay(Invocation const& invocation) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Applications/Companion/CalendarRefresh.h"
 #include "Applications/Companion/DayRequest.h"
 #include "Applications/Companion/Invocation.h"
 #include "Applications/Companion/ShownDay.h"
@@ -19,15 +20,15 @@ struct AskedDay {
     WidgetExtension::ScheduleWidgetServices services;
     ShownDay day;
     Platform::ColorScheme scheme; ///< The one asked for, otherwise light.
-    /// Whether somebody should look at the calendar files now; `printDay` sees to it.
-    std::shared_ptr<bool const> isLookDue;
+    /// Has the calendar files looked at that the day was answered without.
+    std::shared_ptr<CalendarRefresh const> refresh;
 };
 
 /// Asks for the day once. Throws as `shownDay` does.
 AskedDay askedDay(Invocation const& invocation, DayRequest const& request);
 
 /// Writes what was asked for in words to standard output, and to standard error why the day is empty where it
-/// cannot tell itself. Then it has the calendar files looked at where that is due.
+/// cannot tell itself.
 void printDay(Invocation const& invocation, DayRequest const& request, AskedDay& asked);
 
 /// Shows a day once, or follows it, in all the ways that need no large library: those for which

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
@@ -96,6 +97,37 @@ TEST(TimeZoneTests, farYearsResolveAsTheirRuleSays) {
     EXPECT_EQ(resolution.second, 15154736400);
     EXPECT_EQ(berlin.secondsFromUTC(15154736399), 3600);
     EXPECT_EQ(berlin.secondsFromUTC(15154736400), 7200);
+}
+
+TEST(TimeZoneTests, eachYearsChangesAreFoundWhateverYearIsAskedForFirst) {
+    using std::chrono::sys_days;
+    auto const berlin = TimeZone::named("Europe/Berlin").value();
+    auto const lastSunday = [](int year, unsigned month) {
+        sys_days const day(std::chrono::year(year) / std::chrono::month(month) /
+                           std::chrono::Sunday[std::chrono::last]);
+        return std::chrono::sys_seconds(day).time_since_epoch().count() + 3600; // 01:00 UTC
+    };
+    // Near the present, then far on both sides of it, and near again.
+    for (auto const& [first, last] :
+         {std::pair(2020, 2030), std::pair(1985, 1995), std::pair(2036, 2110), std::pair(1990, 2041)}) {
+        for (int year = first; year <= last; ++year) {
+            auto const spring = lastSunday(year, 3);
+            auto const autumn = lastSunday(year, year < 1996 ? 9 : 10);
+            EXPECT_EQ(berlin.secondsFromUTC(spring - 1), 3600) << year;
+            EXPECT_EQ(berlin.secondsFromUTC(spring), 7200) << year;
+            EXPECT_EQ(berlin.secondsFromUTC(autumn - 1), 7200) << year;
+            EXPECT_EQ(berlin.secondsFromUTC(autumn), 3600) << year;
+            EXPECT_EQ(berlin.resolveLocal(spring + 3600).kind, TimeZone::LocalTimeResolution::Kind::skipped)
+                << year;
+            EXPECT_EQ(berlin.resolveLocal(autumn + 3600).kind, TimeZone::LocalTimeResolution::Kind::repeated)
+                << year;
+            // The turn of the year, where the years that are found first begin and end.
+            auto const newYear =
+                sys_days(std::chrono::year(year) / 1 / 1).time_since_epoch().count() * 86400L;
+            for (long const shift : {-200'000L, -1L, 0L, 1L, 300'000L})
+                EXPECT_EQ(berlin.secondsFromUTC(newYear + shift), 3600) << year << " " << shift;
+        }
+    }
 }
 
 TEST(TimeZoneTests, posixRuleTextsAreZones) {

@@ -117,6 +117,8 @@ std::expected<StampedContent, std::string> readRegularFile(std::filesystem::path
         if (count == 0) break;
         length += static_cast<std::size_t>(count);
         if (static_cast<std::int64_t>(length) > limit) return tooLarge();
+        // All that the stamp tells of, and less than was asked for: no call is needed to learn that it ends.
+        if (static_cast<std::int64_t>(length) == stamp->size && length < content.size()) break;
     }
     content.resize(length);
     return StampedContent{.stamp = *stamp, .content = std::move(content)};
