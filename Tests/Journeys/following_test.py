@@ -178,6 +178,7 @@ class Following(unittest.TestCase):
         self.assertEqual(follower.process.wait(PATIENCE), 0)
         self.assertEqual(follower.process.stderr.read(), b"")
 
+    @unittest.skipIf("TSAN_OPTIONS" in os.environ, "the sanitizer has a thread of its own that wakes")
     def test_anIdleFollowerDoesNotWake(self):
         follower = self.follower("--json")
         follower.line()
