@@ -91,6 +91,18 @@ std::string dayNotSaved(std::string_view path, std::string_view cause) {
     return text("day-not-saved", path, Composition::Texts::told(cause));
 }
 
+std::string stateNotRead(std::string_view path, std::string_view cause) {
+    return text("state-not-read", path, Composition::Texts::told(cause));
+}
+
+std::string stateNotTaken(std::string_view path) {
+    return text("state-not-taken", path);
+}
+
+std::string stateNotSaved(std::string_view path, std::string_view cause) {
+    return text("state-not-saved", path, Composition::Texts::told(cause));
+}
+
 std::string ofCalendar(std::string_view name) {
     return text("of-calendar", name);
 }

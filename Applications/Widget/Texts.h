@@ -38,6 +38,11 @@ std::string notReadSince(std::string_view since, std::string_view path, std::str
 std::string storedDayIsOutOfRange(std::int64_t storedDay);
 std::string dayNotSaved(std::string_view path, std::string_view cause);
 
+// For the log: what was remembered of size and place.
+std::string stateNotRead(std::string_view path, std::string_view cause);
+std::string stateNotTaken(std::string_view path);
+std::string stateNotSaved(std::string_view path, std::string_view cause);
+
 // What is told of a meet. Names and hosts come harmless.
 std::string ofCalendar(std::string_view name);
 std::string openLink(std::string_view host);

@@ -31,6 +31,25 @@ std::unique_ptr<Platform::WallClockTimer> makeTimer(WidgetOptions const& options
     return std::make_unique<Platform::TimerfdWallClockTimer>();
 }
 
+Platform::Logger logger(Composition::LiveServices& services) {
+    return {services.logSink(), std::string(Meetings::MeetConfigEnum::loggerSubsystem), "Widget"};
+}
+
+/// A picture of another moment looks as its options say, and leaves no trace.
+std::optional<WidgetStateStore> stateStore(Composition::LiveServices& services,
+                                           WidgetOptions const& options) {
+    auto const folder = stateFolder(services.environment());
+    if (options.fixedMoment || !folder) {
+        return std::nullopt;
+    }
+    return WidgetStateStore(*folder, services.files(), logger(services));
+}
+
+Platform::WidgetFamily firstFamily(WidgetOptions const& options, WidgetState const& remembered) {
+    return options.family.or_else([&] { return remembered.family; })
+        .value_or(Platform::WidgetFamily::systemLarge);
+}
+
 } // namespace
 
 WidgetProgram::WidgetProgram(Foundation::Environment const& environment, WidgetOptions const& options)
@@ -47,8 +66,8 @@ WidgetProgram::WidgetProgram(Foundation::Environment const& environment, WidgetO
       meetDialog(Texts::meetDialog(), [this](Foundation::URL const& link) { openLink(link); }),
       workspace(Platform::sessionBusAddress(environment)),
       looks(services.appearance(), options.colorScheme, mainLoop, [this] { showNewLooks(); }),
-      host(*provider, *services.clock(), *timer, mainLoop,
-           {.family = options.family.value_or(Platform::WidgetFamily::systemLarge)},
+      memory(stateStore(services, options), [this] { return window ? window->place() : std::nullopt; }),
+      host(*provider, *services.clock(), *timer, mainLoop, {.family = firstFamily(options, memory.state())},
            {
                .show = [this](Entry const& entry, Platform::EntryKind kind) { show(entry, kind); },
                .nextChange =
@@ -75,6 +94,7 @@ std::expected<void, std::string> WidgetProgram::run(Platform::SingleInstance* in
     host.showAgain();
     window->present();
     mainLoop.run();
+    memory.settle();
     return {};
 }
 
@@ -183,8 +203,7 @@ void WidgetProgram::withdrawAnsweredQuestion() {
 
 void WidgetProgram::pressIsDone(PressOutcome const& outcome) {
     if (auto const trouble = troubleOf(outcome)) {
-        Platform::Logger(services.logSink(), std::string(Meetings::MeetConfigEnum::loggerSubsystem), "Widget")
-            .error(*trouble);
+        logger(services).error(*trouble);
     }
     notices.lastPress = outcome;
     showNotices();
@@ -225,10 +244,19 @@ void WidgetProgram::openWindow() {
                        .today = [this] { presses->today(); },
                        .reload = [this] { reloadByHand(); },
                        .quit = [this] { quit(); },
-                       .chooseFamily = [this](Platform::WidgetFamily family) { host.setFamily(family); },
+                       .chooseFamily = [this](Platform::WidgetFamily family) { chooseFamily(family); },
                        .openRow = [this](std::size_t row) { openMeet(row); },
+                       .moved = [this] { memory.windowMoved(); },
                    });
     window->setAccent(looks.accentColor());
+    if (auto const place = memory.state().place) {
+        window->standAt(*place);
+    }
+}
+
+void WidgetProgram::chooseFamily(Platform::WidgetFamily family) {
+    host.setFamily(family);
+    memory.familyWasChosen(family);
 }
 
 void WidgetProgram::serve(Platform::SingleInstance& instance) {
@@ -239,7 +267,7 @@ void WidgetProgram::serve(Platform::SingleInstance& instance) {
         .today = [this] { presses->today(); },
         .reload = [this] { reloadByHand(); },
         .quit = [this] { quit(); },
-        .chooseFamily = [this](Platform::WidgetFamily family) { host.setFamily(family); },
+        .chooseFamily = [this](Platform::WidgetFamily family) { chooseFamily(family); },
     });
 }
 

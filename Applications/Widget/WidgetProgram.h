@@ -7,6 +7,7 @@
 #include "Applications/Widget/DayPresses.h"
 #include "Applications/Widget/DesktopLooks.h"
 #include "Applications/Widget/Notices.h"
+#include "Applications/Widget/WidgetMemory.h"
 #include "Applications/Widget/WidgetOptions.h"
 #include "Foundation/Environment.h"
 #include "Foundation/URL.h"
@@ -75,6 +76,7 @@ private:
     void openLink(Foundation::URL const& link);
 
     void openWindow();
+    void chooseFamily(Platform::WidgetFamily family);
     void serve(Platform::SingleInstance& instance);
     void reload() { host.reload(); }
     void quit() { mainLoop.quit(); }
@@ -101,6 +103,7 @@ private:
     Platform::DetailDialog meetDialog;
     Platform::GIOWorkspace workspace;
     DesktopLooks looks;
+    WidgetMemory memory;
     Platform::ResidentHost<Entry> host;
 
     // The way back. Without a home there are no calendars to follow.

@@ -73,8 +73,19 @@ public:
         gtk_widget_queue_draw(container);
     }
 
+    void standAt(WindowPlace place) { firstPlace = place; }
+
+    [[nodiscard]] std::optional<WindowPlace> place() const {
+        return isOpen && canPlace(GTK_WINDOW(window)) ? std::optional(placeOf(GTK_WINDOW(window)))
+                                                      : std::nullopt;
+    }
+
     void present() {
         if (gtk_widget_get_visible(window) == FALSE) {
+            if (firstPlace && canPlace(GTK_WINDOW(window))) {
+                moveOnScreen(GTK_WINDOW(window), *firstPlace, static_cast<int>(std::ceil(geometry.width)),
+                             static_cast<int>(std::ceil(geometry.height)));
+            }
             gtk_widget_show(window);
         } else if (placement == WindowPlacement::window) {
             gtk_window_present(GTK_WINDOW(window));
@@ -138,6 +149,15 @@ private:
             return TRUE;
         });
         connectSignal<void()>(window, "realize", [this] { realized(); });
+        connectSignal<gboolean(GdkEvent*)>(window, "map-event", [this](GdkEvent*) {
+            opened();
+            return FALSE;
+        });
+        connectSignal<gboolean(GdkEventConfigure*)>(window, "configure-event",
+                                                    [this](GdkEventConfigure* event) {
+                                                        configured({.x = event->x, .y = event->y});
+                                                        return FALSE;
+                                                    });
         connectSignal<void(GParamSpec*)>(window, "notify::focus-visible",
                                          [this](GParamSpec*) { gtk_widget_queue_draw(container); });
         connectSignal<void()>(window, "composited-changed", [this] { updateCorners(); });
@@ -210,6 +230,19 @@ private:
             gtk_widget_shape_combine_region(window, nullptr);
         } else {
             cutCorners(window, wanted.first, wanted.second, geometry.cornerRadius);
+        }
+    }
+
+    void opened() {
+        isOpen = true;
+        gdk_window_get_position(gtk_widget_get_window(window), &lastCorner.x, &lastCorner.y);
+    }
+
+    void configured(WindowPlace corner) {
+        bool const isElsewhere = std::exchange(lastCorner, corner) != corner;
+        // Until it is open it is being placed, by us and by the window manager.
+        if (isElsewhere && isOpen && canPlace(GTK_WINDOW(window))) {
+            actions.moved();
         }
     }
 
@@ -305,6 +338,9 @@ private:
     std::function<void()> paintedHandler;
     bool hasPainted = false;
     std::pair<int, int> cutSize{0, 0}; // Nothing while the window is not cut.
+    std::optional<WindowPlace> firstPlace;
+    WindowPlace lastCorner{.x = 0, .y = 0}; // Without a frame that a window manager may have given it.
+    bool isOpen = false;
 
     GtkWidget* window; // Owned by the toolkit until it is destroyed; the others live with it.
     GtkWidget* container;
@@ -322,6 +358,14 @@ FaceWindow::~FaceWindow() = default;
 
 void FaceWindow::show(FaceWindowContent content) {
     widgets->show(std::move(content));
+}
+
+void FaceWindow::standAt(WindowPlace place) {
+    widgets->standAt(place);
+}
+
+std::optional<WindowPlace> FaceWindow::place() const {
+    return widgets->place();
 }
 
 void FaceWindow::present() {

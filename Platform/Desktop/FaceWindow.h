@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/Desktop/WindowPlace.h"
 #include "Platform/Desktop/WindowPlacement.h"
 #include "Platform/Face/FaceLayout.h"
 #include "Platform/Face/FacePainter.h"
@@ -34,7 +35,8 @@ struct FaceWindowActions {
     std::function<void()> quit;
     std::function<void(WidgetFamily)> chooseFamily;
     std::function<void(std::size_t row)>
-        openRow; ///< Of an all-day row or a card, by its place in the layout.
+        openRow;                 ///< Of an all-day row or a card, by its place in the layout.
+    std::function<void()> moved; ///< Since it opened the window has come to stand elsewhere; often in a drag.
 };
 
 /// What the window shows.
@@ -53,6 +55,13 @@ public:
 
     /// Shows `content` from the next frame on; the window takes its size.
     void show(FaceWindowContent content);
+
+    /// Lets the window open there, or as near as it is wholly on a screen. Has an effect before it is first
+    /// presented, and where a program can place its windows: Wayland compositors do that themselves.
+    void standAt(WindowPlace place);
+
+    /// Where it stands; absent while it is not open, and where a program cannot know.
+    [[nodiscard]] std::optional<WindowPlace> place() const;
 
     /// Opens the window, or brings it before the person where it stands among others.
     void present();

@@ -6,6 +6,7 @@
 #include <memory>
 #include <numbers>
 #include <utility>
+#include <vector>
 
 namespace Platform {
 
@@ -43,6 +44,17 @@ void keepBelow(GtkWindow* window) {
     gtk_window_set_skip_pager_hint(window, TRUE);
 }
 
+std::vector<ScreenArea> screenAreas(GtkWindow* window, void (*area)(GdkMonitor*, GdkRectangle*)) {
+    GdkDisplay* const display = gtk_widget_get_display(GTK_WIDGET(window));
+    std::vector<ScreenArea> areas;
+    for (int index = 0; index < gdk_display_get_n_monitors(display); ++index) {
+        GdkRectangle found{};
+        area(gdk_display_get_monitor(display, index), &found);
+        areas.push_back({.x = found.x, .y = found.y, .width = found.width, .height = found.height});
+    }
+    return areas;
+}
+
 } // namespace
 
 void placeWindow(GtkWindow* window, WindowPlacement placement) {
@@ -63,6 +75,25 @@ void placeWindow(GtkWindow* window, WindowPlacement placement) {
 
 bool canMove(GtkWindow* window) {
     return gtk_layer_is_layer_window(window) == FALSE;
+}
+
+bool canPlace(GtkWindow* window) {
+    return !isWayland(window);
+}
+
+void moveOnScreen(GtkWindow* window, WindowPlace place, int width, int height) {
+    auto const screens = screenAreas(window, gdk_monitor_get_geometry);
+    if (broughtOnScreen(place, width, height, screens) != place) {
+        // What was put beside a panel, or under it, stays there; what has to be moved keeps clear of them.
+        place = broughtOnScreen(place, width, height, screenAreas(window, gdk_monitor_get_workarea));
+    }
+    gtk_window_move(window, place.x, place.y);
+}
+
+WindowPlace placeOf(GtkWindow* window) {
+    WindowPlace place{.x = 0, .y = 0};
+    gtk_window_get_position(window, &place.x, &place.y);
+    return place;
 }
 
 void cutCorners(GtkWidget* window, int width, int height, double radius) {

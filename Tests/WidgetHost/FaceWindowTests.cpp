@@ -69,6 +69,7 @@ protected:
                 .quit = [this] { asked.emplace_back("quit"); },
                 .chooseFamily = [this](WidgetFamily) { asked.emplace_back("family"); },
                 .openRow = [this](std::size_t row) { asked.push_back("row " + std::to_string(row)); },
+                .moved = [this] { ++moves; },
             });
     }
 
@@ -127,7 +128,21 @@ protected:
 
     std::optional<Platform::FaceWindow> window;
     std::vector<std::string> asked;
+    int moves = 0;
 };
+
+TEST_F(FaceWindowTests, opensWhereItIsToldAndTellsOfEachMoveFromThere) {
+    EXPECT_EQ(window->place(), std::nullopt) << "not open yet";
+    window->standAt({.x = 200, .y = 100});
+    show(twoCards());
+    EXPECT_TRUE(LoopDriver::runUntil([this] { return window->place().has_value(); }));
+    EXPECT_EQ(window->place(), (Platform::WindowPlace{.x = 200, .y = 100}));
+    LoopDriver::runPending();
+    EXPECT_EQ(moves, 0) << "opening there is no move";
+    gtk_window_move(GTK_WINDOW(toplevels().front()), 240, 130);
+    EXPECT_TRUE(LoopDriver::runUntil([this] { return moves > 0; }));
+    EXPECT_EQ(window->place(), (Platform::WindowPlace{.x = 240, .y = 130}));
+}
 
 TEST_F(FaceWindowTests, screenReaderFindsTheButtonsTheHeadingAndEachRow) {
     show(twoCards());

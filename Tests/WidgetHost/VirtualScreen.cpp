@@ -156,6 +156,22 @@ void VirtualScreen::drag(int x, int y) const {
     XSync(connection->display, False);
 }
 
+bool VirtualScreen::dragAway(std::string const& title, int distance) const {
+    auto const before = origin(title);
+    XTestFakeButtonEvent(connection->display, 1, True, CurrentTime);
+    auto expected = before;
+    // The window follows only once its program has seen that this is a drag.
+    auto const hasMoved = pictureWhen(title, [&](auto const&) {
+        XTestFakeRelativeMotionEvent(connection->display, 3, 2, CurrentTime);
+        XSync(connection->display, False);
+        expected = {expected.first + 3, expected.second + 2};
+        return origin(title).first >= before.first + distance;
+    });
+    XTestFakeButtonEvent(connection->display, 1, False, CurrentTime);
+    XSync(connection->display, False);
+    return hasMoved && pictureWhen(title, [&](auto const&) { return origin(title) == expected; });
+}
+
 std::pair<int, int> VirtualScreen::origin(std::string const& title) const {
     Window child = 0;
     int x = 0;

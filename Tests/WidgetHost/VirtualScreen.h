@@ -51,6 +51,10 @@ public:
     /// Moves the pointer so far with its first button held down.
     void drag(int x, int y) const;
 
+    /// Drags, right and down by a little at a time, until the window of this title has left its place by that
+    /// much, and waits until it stands where the pointer let go of it; whether it does.
+    [[nodiscard]] bool dragAway(std::string const& title, int distance) const;
+
     /// How many windows can be seen.
     [[nodiscard]] std::size_t windowCount() const;
 

@@ -48,6 +48,7 @@ protected:
             {"XDG_CONFIG_HOME", home / "config"},
             {"XDG_DATA_HOME", home / "data"},
             {"XDG_CACHE_HOME", home / "cache"},
+            {"XDG_STATE_HOME", home / "state"},
             {"XDG_RUNTIME_DIR", home / "run"},
             {"DISPLAY", display.name()},
             {"GDK_BACKEND", "x11"},
