@@ -18,6 +18,7 @@
 #include "Platform/NotificationCenter/LocalNotificationCenter.h"
 #include "Platform/Resources/BundleColorProvider.h"
 #include "Platform/Resources/BundleTextProvider.h"
+#include "Platform/SessionBus/SessionBusAddress.h"
 #include "Platform/WidgetHost/SessionBusWidgetCenter.h"
 #include "WidgetExtension/ResourceBundleClass.h"
 #include "WidgetExtension/ScheduleWidgetServices.h"

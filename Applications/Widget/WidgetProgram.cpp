@@ -11,8 +11,8 @@
 #include "Platform/EventStore/Folder/CalendarStorePlaces.h"
 #include "Platform/EventStore/Folder/ConsentRecord.h"
 #include "Platform/Logging/Logger.h"
+#include "Platform/SessionBus/SessionBusAddress.h"
 #include "Platform/WidgetHost/LocalWidgetCenter.h"
-#include "Platform/WidgetHost/SessionBusWidgetCenter.h"
 #include "Platform/WidgetHost/StoppedWallClockTimer.h"
 #include "Platform/WidgetHost/TimerfdWallClockTimer.h"
 

@@ -1,13 +1,26 @@
 #include "Platform/Appearance/PortalAppearanceWatch.h"
 
-#include "Platform/Appearance/GObjectHandles.h"
 #include "Platform/Appearance/PortalSettings.h"
+
+#include <gio/gio.h>
 
 #include <array>
 
 namespace Platform {
 
-using GObjectHandles::Owned;
+namespace {
+
+struct Release {
+    void operator()(gpointer object) const { g_object_unref(object); }
+};
+
+template <typename Object>
+using Owned = std::unique_ptr<Object, Release>;
+
+constexpr auto connectionFlags = static_cast<GDBusConnectionFlags>(
+    G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT | G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
+
+} // namespace
 
 class PortalAppearanceWatch::Subscription {
 public:
@@ -26,8 +39,8 @@ public:
     }
 
     static void open(std::shared_ptr<Subscription> const& self, std::string const& address) {
-        g_dbus_connection_new_for_address(address.c_str(), PortalSettings::connectionFlags, nullptr,
-                                          self->cancellable.get(), connected, new Weak(self));
+        g_dbus_connection_new_for_address(address.c_str(), connectionFlags, nullptr, self->cancellable.get(),
+                                          connected, new Weak(self));
     }
 
 private:

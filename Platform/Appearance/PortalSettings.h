@@ -1,7 +1,5 @@
 #pragma once
 
-#include <gio/gio.h>
-
 /// Names of the desktop portal's settings, and what their values mean. Only this folder's sources include it.
 namespace Platform::PortalSettings {
 
@@ -10,8 +8,5 @@ inline constexpr char const* objectPath = "/org/freedesktop/portal/desktop";
 inline constexpr char const* interfaceName = "org.freedesktop.portal.Settings";
 inline constexpr char const* appearance = "org.freedesktop.appearance";
 inline constexpr char const* desktopInterface = "org.gnome.desktop.interface";
-
-inline constexpr auto connectionFlags = static_cast<GDBusConnectionFlags>(
-    G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT | G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
 
 } // namespace Platform::PortalSettings

@@ -2,7 +2,7 @@
 
 #include "Platform/Desktop/GObjectReference.h"
 #include "Platform/Desktop/Signal.h"
-#include "Platform/WidgetHost/SessionBusWidgetCenter.h"
+#include "Platform/SessionBus/SessionBusAddress.h"
 #include "Platform/WidgetHost/WidgetBus.h"
 
 #include <gio/gio.h>

@@ -48,10 +48,15 @@ GLibSource GLibSource::watchingDescriptor(int descriptor, std::function<void()> 
         attach(g_unix_fd_source_new(descriptor, G_IO_IN), functionForDescriptor(), std::move(handler)));
 }
 
-GLibSource GLibSource::whenHungUp(int descriptor, std::function<void()> handler) {
-    auto const conditions = static_cast<GIOCondition>(G_IO_ERR | G_IO_HUP);
+GLibSource GLibSource::whenReady(int descriptor, short events, std::function<void()> handler) {
+    // The library's conditions have the values of `poll`'s events.
+    auto const conditions = static_cast<GIOCondition>(events | G_IO_ERR | G_IO_HUP);
     return GLibSource(
         attach(g_unix_fd_source_new(descriptor, conditions), functionForDescriptor(), std::move(handler)));
+}
+
+GLibSource GLibSource::whenHungUp(int descriptor, std::function<void()> handler) {
+    return whenReady(descriptor, 0, std::move(handler));
 }
 
 GLibSource GLibSource::afterDelay(unsigned milliseconds, std::function<void()> handler) {

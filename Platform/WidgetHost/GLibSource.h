@@ -15,6 +15,10 @@ public:
     /// open for as long.
     static GLibSource watchingDescriptor(int descriptor, std::function<void()> handler);
 
+    /// Calls `handler` whenever one of `events`, named as for `poll`, holds of `descriptor`, or its other end
+    /// has gone. The descriptor stays the caller's, as above.
+    static GLibSource whenReady(int descriptor, short events, std::function<void()> handler);
+
     /// Calls `handler` when nobody is left at the other end of `descriptor`, a pipe or terminal, and again
     /// for as long as this object lives. What can be read there does not matter.
     static GLibSource whenHungUp(int descriptor, std::function<void()> handler);

@@ -1,61 +1,55 @@
 #include "Platform/WidgetHost/ReloadListener.h"
 
+#include "Platform/SessionBus/BusSubscription.h"
+#include "Platform/WidgetHost/GLibSource.h"
 #include "Platform/WidgetHost/WidgetBus.h"
 
-#include <gio/gio.h>
-
+#include <algorithm>
+#include <chrono>
 #include <utility>
 
 namespace Platform {
 
+namespace {
+
+// Rounded up, so that the moment has come when the delay has passed.
+unsigned millisecondsUntil(std::chrono::steady_clock::time_point moment) {
+    using std::chrono::milliseconds;
+    auto const left = std::chrono::ceil<milliseconds>(moment - std::chrono::steady_clock::now()).count();
+    return static_cast<unsigned>(std::clamp<milliseconds::rep>(left, 0, 1'000'000));
+}
+
+} // namespace
+
 struct ReloadListener::State {
-    explicit State(std::function<void()> onRequest) : onRequest(std::move(onRequest)) {
-        g_bus_get(G_BUS_TYPE_SESSION, cancellable, connected, this);
-    }
-    State(State const&) = delete;
-    State& operator=(State const&) = delete;
-
-    ~State() {
-        g_cancellable_cancel(cancellable);
-        g_object_unref(cancellable);
-        if (bus != nullptr) {
-            g_dbus_connection_signal_unsubscribe(bus, subscription);
-            g_object_unref(bus);
-        }
+    State(std::string const& address, std::function<void()> onRequest)
+        : subscription(address, WidgetBus::reloadSignal, std::move(onRequest)) {
+        await();
     }
 
-    static void connected(GObject*, GAsyncResult* result, gpointer data) {
-        GError* error = nullptr;
-        GDBusConnection* const bus = g_bus_get_finish(result, &error);
-        if (bus == nullptr) {
-            // Cancelled means that `data` has gone; any other failure means that there is no bus to hear.
-            g_error_free(error);
-            return;
-        }
-        // The connection is the whole process's; its end, as at the bus's, is not that of the process.
-        g_dbus_connection_set_exit_on_close(bus, FALSE);
-        auto* const state = static_cast<State*>(data);
-        state->bus = bus;
-        state->subscription = g_dbus_connection_signal_subscribe(
-            bus, nullptr, WidgetBus::reloadInterface, WidgetBus::reloadSignal, WidgetBus::reloadObjectPath,
-            nullptr, G_DBUS_SIGNAL_FLAGS_NONE,
-            [](GDBusConnection*, gchar const*, gchar const*, gchar const*, gchar const*, GVariant*,
-               gpointer self) noexcept { static_cast<State*>(self)->onRequest(); },
-            state, nullptr);
+    void serve() {
+        subscription.serve();
+        await();
     }
 
-    std::function<void()> onRequest;
-    GCancellable* cancellable = g_cancellable_new();
-    GDBusConnection* bus = nullptr;
-    guint subscription = 0;
+    // What the subscription waits for may be another thing after each serving.
+    void await() {
+        ready = {};
+        due = {};
+        auto const wait = subscription.wait();
+        if (!wait) return;
+        ready = GLibSource::whenReady(wait->descriptor, wait->events, [this] { serve(); });
+        if (wait->until) due = GLibSource::afterDelay(millisecondsUntil(*wait->until), [this] { serve(); });
+    }
+
+    BusSubscription subscription;
+    GLibSource ready;
+    GLibSource due;
 };
 
 ReloadListener::ReloadListener(std::optional<std::string> const& busAddress,
                                std::function<void()> onRequest) {
-    // The library would start a bus of its own where there is none, and leave it behind.
-    if (busAddress) {
-        state = std::make_unique<State>(std::move(onRequest));
-    }
+    if (busAddress) state = std::make_unique<State>(*busAddress, std::move(onRequest));
 }
 
 ReloadListener::~ReloadListener() = default;

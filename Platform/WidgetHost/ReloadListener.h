@@ -11,8 +11,8 @@ namespace Platform {
 /// requests that were sent before are not heard.
 class ReloadListener final {
 public:
-    /// `onRequest` is called on GLib's default main context. `busAddress` is that of the process's own
-    /// session bus; without one nothing is heard, and none is started.
+    /// `onRequest` is called on GLib's default main context; it must not destroy the listener. `busAddress`
+    /// is the session bus's; without one nothing is heard, and none is started.
     ReloadListener(std::optional<std::string> const& busAddress, std::function<void()> onRequest);
     ReloadListener(ReloadListener const&) = delete;
     ReloadListener& operator=(ReloadListener const&) = delete;

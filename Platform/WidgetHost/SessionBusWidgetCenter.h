@@ -9,17 +9,13 @@
 
 namespace Platform {
 
-/// The address of the user's session bus; absent where none runs. A bus is never started for the question.
-std::optional<std::string> sessionBusAddress(Foundation::Environment const& environment);
-
 /// Sends the reload signal on the session bus. Without a bus nothing happens; one that does not answer is
 /// given up after a quarter of a second.
 class SessionBusWidgetCenter final : public WidgetCenter {
 public:
     static constexpr std::chrono::milliseconds patience{250};
 
-    explicit SessionBusWidgetCenter(Foundation::Environment const& environment)
-        : address(sessionBusAddress(environment)) {}
+    explicit SessionBusWidgetCenter(Foundation::Environment const& environment);
 
     void reloadAllTimelines() override;
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Platform/SessionBus/BusConnection.h"
+
 /// How processes of the product find a running widget on the session bus.
 namespace Platform::WidgetBus {
 
@@ -7,8 +9,8 @@ namespace Platform::WidgetBus {
 inline constexpr char const* applicationIdentifier = "com.zentorik.quillora.Widget";
 
 /// The signal by which any process asks every running host to load its timelines anew. It has no arguments.
-inline constexpr char const* reloadObjectPath = "/com/zentorik/quillora/WidgetCenter";
-inline constexpr char const* reloadInterface = "com.zentorik.quillora.WidgetCenter";
-inline constexpr char const* reloadSignal = "ReloadAllTimelines";
+inline constexpr BusSignal reloadSignal{.objectPath = "/com/zentorik/quillora/WidgetCenter",
+                                        .interface = "com.zentorik.quillora.WidgetCenter",
+                                        .name = "ReloadAllTimelines"};
 
 } // namespace Platform::WidgetBus

@@ -13,10 +13,10 @@ import sys
 
 # Names without "lib", version and ending. What a compiler adds by itself, then what the quick commands use.
 COMPILER = {"stdc++", "gcc_s", "m", "c", "pthread", "asan", "ubsan", "tsan", "ld-linux-x86-64", "ld-linux-aarch64"}
-MAY_NEED = COMPILER | {"icui18n", "icuuc", "glib-2.0", "gobject-2.0", "gio-2.0", "fmt", "boost_json", "boost_url", "systemd"}
+MAY_NEED = COMPILER | {"icui18n", "icuuc", "glib-2.0", "fmt", "boost_json", "boost_url", "systemd"}
 HEAVY = {
     "curl", "xml2", "secret-1", "sqlite3", "pango-1.0", "pangocairo-1.0", "pangoft2-1.0", "cairo", "gtk-3", "gdk-3", "X11",
-    "wayland-client", "gnutls", "ldap-2.5", "gssapi_krb5", "crypto", "ssl",
+    "wayland-client", "gio-2.0", "gobject-2.0", "gnutls", "ldap-2.5", "gssapi_krb5", "crypto", "ssl",
 }
 
 NEEDED = re.compile(r"\(NEEDED\).*\[([^\]]+)\]")

@@ -37,8 +37,15 @@ PARTS_ACROSS = {
     "quillora_platform_objectdatabase_sealed": {"quillora_platform_files_posix"},
     # Sound and speech are other programs.
     "quillora_platform_audio_programs": {"quillora_platform_processes_posix"},
+    # The desktop's looks, and presses from elsewhere, come over the bus.
+    "quillora_platform_appearance_portal": {"quillora_platform_sessionbus_systemd"},
+    "quillora_platform_widgethost_glib": {"quillora_platform_sessionbus_systemd"},
     # The window shows what the painter draws, and is one instance on the bus that the host listens to.
-    "quillora_platform_desktop_gtk": {"quillora_platform_face_cairo", "quillora_platform_widgethost_glib"},
+    "quillora_platform_desktop_gtk": {
+        "quillora_platform_face_cairo",
+        "quillora_platform_sessionbus_systemd",
+        "quillora_platform_widgethost_glib",
+    },
 }
 
 # Targets without code of their own.

@@ -7,8 +7,8 @@
 #include "Meetings/Alarms/AlarmEnabledCalendarsStore.h"
 #include "Platform/Defaults/FileUserDefaults.h"
 #include "Platform/EventStore/Folder/CalendarStorePlaces.h"
+#include "Platform/SessionBus/BusNameState.h"
 #include "Platform/UserNotifications/SessionBusUserNotificationCenter.h"
-#include "Platform/WidgetHost/BusNameState.h"
 
 namespace Companion::Doctor {
 

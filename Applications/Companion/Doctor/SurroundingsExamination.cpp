@@ -4,7 +4,7 @@
 #include "Applications/Companion/Support.h"
 #include "Applications/Composition/BundleSurvey.h"
 #include "Foundation/TimeZone.h"
-#include "Platform/WidgetHost/BusNameState.h"
+#include "Platform/SessionBus/BusNameState.h"
 #include "Platform/WidgetHost/WidgetBus.h"
 
 namespace Companion::Doctor {
