@@ -115,6 +115,22 @@ std::string linkNotOpened(std::string_view cause) {
     return text("link-not-opened", Composition::Texts::told(cause));
 }
 
+std::string noCalendarProgram() {
+    return text("no-calendar-program");
+}
+
+std::string noCalendarProgramFor(std::string_view contentType) {
+    return text("no-calendar-program-for", contentType);
+}
+
+std::string chooseProgram(std::string_view contentType) {
+    return text("choose-program", contentType);
+}
+
+std::string calendarProgramNotOpened() {
+    return text("calendar-program-not-opened");
+}
+
 Platform::FaceWindowTexts window() {
     return {
         .title = "Quillora",
@@ -124,6 +140,7 @@ Platform::FaceWindowTexts window() {
         .medium = text("menu-medium"),
         .large = text("menu-large"),
         .reload = text("menu-reload"),
+        .calendarProgram = text("menu-calendar-program"),
         .quit = text("menu-quit"),
     };
 }

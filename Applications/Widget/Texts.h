@@ -48,6 +48,12 @@ std::string ofCalendar(std::string_view name);
 std::string openLink(std::string_view host);
 std::string linkNotOpened(std::string_view cause);
 
+// What is told where the person's calendar program did not open; titles and lines.
+std::string noCalendarProgram();
+std::string noCalendarProgramFor(std::string_view contentType);
+std::string chooseProgram(std::string_view contentType);
+std::string calendarProgramNotOpened();
+
 Platform::FaceWindowTexts window();
 Platform::ConsentDialogTexts consent();
 Platform::DetailDialogTexts meetDialog();

@@ -2,6 +2,7 @@
 
 #include "Applications/Composition/LiveHTMLReader.h"
 #include "Applications/Watching/EntryChanges.h"
+#include "Applications/Widget/CalendarProgram.h"
 #include "Applications/Widget/FaceContent.h"
 #include "Applications/Widget/FirstFrame.h"
 #include "Applications/Widget/MeetPage.h"
@@ -226,6 +227,12 @@ void WidgetProgram::openMeet(std::size_t row) {
                     looks.colorScheme());
 }
 
+void WidgetProgram::startCalendarProgram() {
+    openCalendarProgram(workspace, [this](Platform::DetailPage const& trouble) {
+        meetDialog.show(trouble, looks.colorScheme());
+    });
+}
+
 void WidgetProgram::openLink(Foundation::URL const& link) {
     workspace.open(link, [this](std::string const& failure) {
         if (failure.empty()) {
@@ -243,6 +250,7 @@ void WidgetProgram::openWindow() {
                        .nextDay = [this] { presses->nextDay(); },
                        .today = [this] { presses->today(); },
                        .reload = [this] { reloadByHand(); },
+                       .openCalendarProgram = [this] { startCalendarProgram(); },
                        .quit = [this] { quit(); },
                        .chooseFamily = [this](Platform::WidgetFamily family) { chooseFamily(family); },
                        .openRow = [this](std::size_t row) { openMeet(row); },

@@ -73,6 +73,7 @@ private:
 
     // A meet that the person wants to see whole.
     void openMeet(std::size_t row);
+    void startCalendarProgram();
     void openLink(Foundation::URL const& link);
 
     void openWindow();

@@ -97,6 +97,7 @@ void FaceMenu::build(GtkWidget* widget) {
     append(menu, size);
 
     appendAction(menu, texts->reload, actions.reload);
+    appendAction(menu, texts->calendarProgram, actions.openCalendarProgram);
     append(menu, gtk_separator_menu_item_new());
     appendAction(menu, texts->quit, actions.quit);
     gtk_widget_show_all(menu);

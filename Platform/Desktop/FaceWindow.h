@@ -23,6 +23,7 @@ struct FaceWindowTexts {
     std::string medium;
     std::string large;
     std::string reload;
+    std::string calendarProgram;
     std::string quit;
 };
 
@@ -32,6 +33,7 @@ struct FaceWindowActions {
     std::function<void()> nextDay;
     std::function<void()> today;
     std::function<void()> reload;
+    std::function<void()> openCalendarProgram;
     std::function<void()> quit;
     std::function<void(WidgetFamily)> chooseFamily;
     std::function<void(std::size_t row)>

@@ -65,6 +65,17 @@ void launched(GObject*, GAsyncResult* result, gpointer data) noexcept {
     tell(*done, Error(error));
 }
 
+void started(GObject* source, GAsyncResult* result, gpointer data) noexcept {
+    std::unique_ptr<Workspace::Done> const done(static_cast<Workspace::Done*>(data));
+    GError* error = nullptr;
+    g_app_info_launch_uris_finish(G_APP_INFO(source), result, &error);
+    tell(*done, Error(error));
+}
+
+std::unique_ptr<GAppInfo, Release> programFor(std::string const& contentType) {
+    return std::unique_ptr<GAppInfo, Release>(g_app_info_get_default_for_type(contentType.c_str(), FALSE));
+}
+
 } // namespace
 
 GIOWorkspace::GIOWorkspace(std::optional<std::string> busAddress) : busAddress(std::move(busAddress)) {}
@@ -72,6 +83,20 @@ GIOWorkspace::GIOWorkspace(std::optional<std::string> busAddress) : busAddress(s
 void GIOWorkspace::open(Foundation::URL const& link, Done done) {
     g_app_info_launch_default_for_uri_async(link.absoluteString.c_str(), nullptr, nullptr, launched,
                                             new Done(std::move(done)));
+}
+
+bool GIOWorkspace::hasProgram(std::string const& contentType) const {
+    return programFor(contentType) != nullptr;
+}
+
+void GIOWorkspace::startProgram(std::string const& contentType, Done done) {
+    auto const program = programFor(contentType);
+    if (!program) {
+        if (done) done("there is no program for " + contentType);
+        return;
+    }
+    g_app_info_launch_uris_async(program.get(), nullptr, nullptr, nullptr, started,
+                                 new Done(std::move(done)));
 }
 
 void GIOWorkspace::activateApplication(std::string const& identifier, Done done) {

@@ -14,6 +14,10 @@ public:
 
     void open(Foundation::URL const& link, Done done) override;
 
+    /// By the desktop's associations of media types with applications (mimeapps.list).
+    [[nodiscard]] bool hasProgram(std::string const& contentType) const override;
+    void startProgram(std::string const& contentType, Done done) override;
+
     /// By org.freedesktop.Application; the object's path is made of the identifier, as that standard says.
     void activateApplication(std::string const& identifier, Done done) override;
 

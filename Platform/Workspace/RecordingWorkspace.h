@@ -2,6 +2,8 @@
 
 #include "Platform/Workspace/Workspace.h"
 
+#include <map>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -14,9 +16,18 @@ public:
     void failsWith(std::string reason) { failure = std::move(reason); }
 
     void open(Foundation::URL const& link, Done done) override { take(link.absoluteString, done); }
+    [[nodiscard]] bool hasProgram(std::string const& contentType) const override {
+        return programs.contains(contentType);
+    }
+    void startProgram(std::string const& contentType, Done done) override {
+        take(programs.at(contentType), done);
+    }
     void activateApplication(std::string const& identifier, Done done) override { take(identifier, done); }
 
-    /// Links and applications, in order.
+    /// Programs by the kind of content that they are for; none until a test says so.
+    std::map<std::string, std::string> programs;
+
+    /// Links, programs and applications, in order.
     std::vector<std::string> opened;
 
 private:

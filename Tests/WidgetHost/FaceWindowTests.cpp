@@ -60,12 +60,14 @@ protected:
                                       .medium = "Medium",
                                       .large = "Large",
                                       .reload = "Reload",
+                                      .calendarProgram = "Open calendar program",
                                       .quit = "Quit"},
             Platform::FaceWindowActions{
                 .previousDay = [this] { asked.emplace_back("previous"); },
                 .nextDay = [this] { asked.emplace_back("next"); },
                 .today = [this] { asked.emplace_back("today"); },
                 .reload = [this] { asked.emplace_back("reload"); },
+                .openCalendarProgram = [this] { asked.emplace_back("calendar program"); },
                 .quit = [this] { asked.emplace_back("quit"); },
                 .chooseFamily = [this](WidgetFamily) { asked.emplace_back("family"); },
                 .openRow = [this](std::size_t row) { asked.push_back("row " + std::to_string(row)); },
@@ -201,6 +203,26 @@ TEST_F(FaceWindowTests, theMenuBeginsWithTheNotice) {
     EXPECT_EQ(firstShown(), (std::pair<std::string, bool>("Not all calendars could be read", false)));
     window->setNotice("");
     EXPECT_EQ(firstShown(), (std::pair<std::string, bool>("Today", true)));
+}
+
+TEST_F(FaceWindowTests, menuEntriesHaveTheirNamesAndDoWhatTheySay) {
+    show(twoCards());
+    gboolean isHandled = FALSE;
+    g_signal_emit_by_name(toplevels().front(), "popup-menu", &isHandled);
+    GList* const menus = gtk_menu_get_for_attach_widget(gtk_bin_get_child(GTK_BIN(toplevels().front())));
+    ASSERT_NE(menus, nullptr);
+    auto* const menu = GTK_WIDGET(menus->data);
+    std::vector<std::string> entries;
+    for (auto const& entry : TestDisplay::parts(menu, ATK_ROLE_MENU_ITEM)) {
+        if (hasState(entry, ATK_STATE_SENSITIVE)) {
+            entries.push_back(nameOf(entry));
+            TestDisplay::press(entry);
+        }
+    }
+    gtk_menu_popdown(GTK_MENU(menu));
+    EXPECT_EQ(entries, (std::vector<std::string>{"Today", "Reload", "Open calendar program", "Quit"}));
+    EXPECT_TRUE(LoopDriver::runUntil([this] { return asked.size() >= 4; }));
+    EXPECT_EQ(asked, (std::vector<std::string>{"today", "reload", "calendar program", "quit"}));
 }
 
 TEST_F(FaceWindowTests, rowsKnowTheirParentTheirPlaceAndThatTheyAreSeen) {

@@ -8,6 +8,7 @@
 
 #include <chrono>
 #include <cstdlib>
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <thread>
@@ -35,13 +36,17 @@ Foundation::URL link(char const* text) {
     return {.absoluteString = text};
 }
 
-TEST(GIOWorkspaceTests, aLinkOpensInTheProgramThatThePersonChose) {
+TEST(GIOWorkspaceTests, linksAndKindsOfContentHaveTheProgramsThatThePersonChose) {
     TemporaryFolder home;
     placeStandIn(home, "browser");
     home.place("data/applications/browser.desktop",
                "[Desktop Entry]\nType=Application\nName=Browser\nExec=" + (home.path() / "browser").string() +
                    " %u\nMimeType=x-scheme-handler/https;\n");
-    home.place("config/mimeapps.list", "[Default Applications]\nx-scheme-handler/https=browser.desktop\n");
+    placeStandIn(home, "planner");
+    home.place("data/applications/planner.desktop", "[Desktop Entry]\nType=Application\nName=Planner\nExec=" +
+                                                        (home.path() / "planner").string() + " %U\n");
+    home.place("config/mimeapps.list", "[Default Applications]\nx-scheme-handler/https=browser.desktop\n"
+                                       "text/calendar=planner.desktop\n");
     // The library finds programs by the process's own environment, and looks once.
     ::setenv("XDG_DATA_HOME", (home.path() / "data").c_str(), 1);
     ::setenv("XDG_DATA_DIRS", (home.path() / "none").c_str(), 1);
@@ -59,6 +64,22 @@ TEST(GIOWorkspaceTests, aLinkOpensInTheProgramThatThePersonChose) {
     Outcome refused;
     workspace.open(link("unheard-of:x"), refused.done());
     EXPECT_NE(refused.wait(), "");
+
+    // The program for a kind of content, in the same home.
+    EXPECT_TRUE(workspace.hasProgram("text/calendar"));
+    Outcome started;
+    workspace.startProgram("text/calendar", started.done());
+    EXPECT_EQ(started.wait(), "");
+    auto const isRun = [&] { return std::filesystem::exists(home.path() / "planner.words"); };
+    while (!isRun() && std::chrono::steady_clock::now() < end)
+        std::this_thread::yield();
+    EXPECT_TRUE(isRun());
+    EXPECT_EQ(wordsGivenTo(home, "planner"), "") << "it is given nothing to open";
+
+    EXPECT_FALSE(workspace.hasProgram("text/unheard-of"));
+    Outcome missing;
+    workspace.startProgram("text/unheard-of", missing.done());
+    EXPECT_EQ(missing.wait(), "there is no program for text/unheard-of");
 }
 
 // An application on the bus, whose activations are counted.
