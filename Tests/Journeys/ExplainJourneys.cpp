@@ -173,6 +173,20 @@ TEST_F(ExplainJourneys, whatIsNowhereIsSaidWithWhatCouldNotBeRead) {
     EXPECT_THAT(result.errors, HasSubstr("no meet is called \"Broken\", neither on Wednesday 2026-03-11"));
 }
 
+TEST_F(ExplainJourneys, anEventThatAnotherOfItsUIDHidesIsNamed) {
+    auto const folder = home.calendars() / "work";
+    home.write(folder / "a.ics",
+               calendarFile(event("same", "Hidden", ":20260311T090000Z", ":20260311T093000Z")));
+    home.write(folder / "b.ics",
+               calendarFile(event("same", "Shown", ":20260311T090000Z", ":20260311T093000Z")));
+    home.setUp();
+    auto const lost =
+        (folder / "a.ics").string() + ":4: the event in " + (folder / "b.ics").string() +
+        ":4 has the same UID and SEQUENCE and is shown instead; give one of them a UID of its own";
+    EXPECT_THAT(home.outputOf({"explain", "--at", "2026-03-11T08:00:00"}), HasSubstr(lost));
+    EXPECT_THAT(home.quillora({"day", "--at", "2026-03-11T08:00:00"}).errors, HasSubstr(lost));
+}
+
 TEST_F(ExplainJourneys, whatDoesNotHappenIsFoundOnOtherDaysWithItsRule) {
     add("work", "Off", ":20260312T130000Z", ":20260312T140000Z", "STATUS:CANCELLED\r\n");
     add("work", "Gym", ":20260314T130000Z", ":20260314T140000Z",

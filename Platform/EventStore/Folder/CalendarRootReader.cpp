@@ -28,6 +28,15 @@ StoreProblem::Effect effectOf(ICalendar::Problem const& problem) {
                                                                  : StoreProblem::Effect::adjusted;
 }
 
+// What is not shown is named where it stands; the rest bears on the calendar, which may be of many files.
+StoreProblem problemOf(ICalendar::Problem const& problem, std::filesystem::path const& calendar) {
+    bool const isSkipped = problem.effect == ICalendar::Problem::Effect::skipped;
+    return {.path = isSkipped ? std::filesystem::path(problem.path) : calendar,
+            .line = isSkipped ? problem.line : 0,
+            .effect = effectOf(problem),
+            .reason = problem.reason};
+}
+
 bool isWritable(std::filesystem::path const& path) {
     return ::access(path.c_str(), W_OK) == 0;
 }
@@ -174,9 +183,19 @@ std::vector<StoreProblem> CalendarRootReader::problems(std::int64_t now) {
     // Without an index every file is new.
     CalendarRootReader whole(givenRoot, layout, zones);
     whole.readsForProblems = true;
-    whole.find([](std::string_view) { return true; }, now);
+    for (auto const& calendar : whole.find([](std::string_view) { return true; }, now))
+        whole.bringSharedEventsTogether(calendar, now);
     listingFailure = whole.listingFailure;
     return whole.takeProblems();
+}
+
+// What only several files together show.
+void CalendarRootReader::bringSharedEventsTogether(Found const& calendar, std::int64_t now) {
+    if (calendar.choice.kind == FileChoice::Kind::one) return;
+    Files files;
+    ask(calendar.listed, now,
+        [&](FolderIndex& index) { files = index.filesSharingUIDs(calendar.choice, now); });
+    if (files.size() > 1) seriesOf(calendar, std::move(files));
 }
 
 std::vector<StoreProblem> CalendarRootReader::takeProblems() {
@@ -352,7 +371,7 @@ FolderIndex CalendarRootReader::newIndex(std::filesystem::path const& folder) {
         index.onRead([this, folder](std::shared_ptr<ICalendar::CalendarFile const> const& file) {
             ICalendar::SeriesSet const set({file}, zones);
             for (auto const& problem : set.problems())
-                report({.path = folder, .line = 0, .effect = effectOf(problem), .reason = problem.reason});
+                report(problemOf(problem, folder));
         });
     }
     return index;
@@ -365,9 +384,8 @@ ICalendar::SeriesSet const& CalendarRootReader::seriesOf(Found const& calendar, 
         slot->set.emplace(files, zones);
         slot->files = std::move(files);
     }
-    for (auto const& problem : slot->set->problems()) {
-        report({.path = calendar.folder, .line = 0, .effect = effectOf(problem), .reason = problem.reason});
-    }
+    for (auto const& problem : slot->set->problems())
+        report(problemOf(problem, calendar.folder));
     return *slot->set;
 }
 

@@ -141,6 +141,7 @@ private:
     void forgetAllBut(std::vector<Found> const& found, FolderListing const& listing);
     void ask(std::filesystem::path const& listed, std::int64_t now,
              std::function<void(FolderIndex&)> const& question);
+    void bringSharedEventsTogether(Found const& calendar, std::int64_t now);
     ICalendar::SeriesSet const& seriesOf(Found const& calendar, Files files);
     void report(StoreProblem problem);
 

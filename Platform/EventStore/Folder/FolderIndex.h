@@ -95,6 +95,10 @@ public:
     std::vector<std::shared_ptr<ICalendar::CalendarFile const>>
     filesWithUID(std::string_view uid, FileChoice const& choice, std::int64_t now);
 
+    /// The files that name a UID that another file names, too.
+    std::vector<std::shared_ptr<ICalendar::CalendarFile const>> filesSharingUIDs(FileChoice const& choice,
+                                                                                 std::int64_t now);
+
     /// A file that is a calendar of its own.
     struct OwnCalendar {
         std::string file;

@@ -49,6 +49,21 @@ Files FolderIndex::filesWithUID(std::string_view uid, FileChoice const& choice, 
     return collected([&](WantedFiles& wanted) { wantAllWithUID(wanted, uidHash(uid), choice); }, now);
 }
 
+Files FolderIndex::filesSharingUIDs(FileChoice const& choice, std::int64_t now) {
+    return collected(
+        [&](WantedFiles& wanted) {
+            for (std::uint32_t place = 0; stored && place < stored->header().seriesCount; ++place) {
+                auto const series = stored->seriesAt(place);
+                if (series.isShared != 0 || freshUIDs.contains(series.uid))
+                    wantAllWithUID(wanted, series.uid, choice);
+            }
+            for (auto const& [uid, name] : freshUIDs) {
+                if (freshUIDs.count(uid) > 1) wantAllWithUID(wanted, uid, choice);
+            }
+        },
+        now);
+}
+
 void FolderIndex::wantAllWithUID(WantedFiles& wanted, std::uint64_t uid, FileChoice const& choice) {
     if (stored) {
         for (auto const& entry : stored->withUID(uid))

@@ -10,7 +10,12 @@ SeriesGathering::SeriesGathering(std::vector<std::shared_ptr<CalendarFile const>
         for (auto const& event : file->events) {
             auto const [entry, isNew] = indices.try_emplace(event.uid, series.size());
             if (isNew) series.emplace_back();
-            series[entry->second].add({.component = &event, .clocks = &clock});
+            auto& one = series[entry->second];
+            ClockedEvent const added{.component = &event, .clocks = &clock};
+            auto const former = one.master();
+            one.add(added);
+            if (former && !event.recurrenceId)
+                displaced.push_back(one.master()->component == &event ? *former : added);
         }
     }
     for (auto& one : series)

@@ -18,6 +18,7 @@ struct SeriesGathering {
     std::vector<FileClocks> clocks; ///< One a file; the series point to them.
     std::vector<Series> series;     ///< In the order in which the files first name them.
     std::unordered_map<std::string_view, std::size_t> indices; ///< Of the series, by UID.
+    std::vector<ClockedEvent> displaced; ///< Events of which another version was found that counts more.
 };
 
 } // namespace Platform::ICalendar

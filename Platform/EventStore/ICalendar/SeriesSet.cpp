@@ -1,6 +1,8 @@
 #include "Platform/EventStore/ICalendar/SeriesSet.h"
 
+#include "Foundation/Text.h"
 #include "Platform/EventStore/ICalendar/CivilDays.h"
+#include "Platform/EventStore/ICalendar/EventLikeness.h"
 #include "Platform/EventStore/ICalendar/Series.h"
 #include "Platform/EventStore/ICalendar/SeriesExpansion.h"
 #include "Platform/EventStore/ICalendar/SeriesGathering.h"
@@ -46,6 +48,26 @@ void reportUnknownZones(FileClocks const& clocks, std::vector<Problem>& problems
     }
 }
 
+// A revision says so by a higher SEQUENCE. Where it does not, they may be two events that were given one UID,
+// and nobody would learn of the one that is not shown.
+void reportDisplaced(SeriesGathering const& gathered, std::vector<Problem>& problems) {
+    for (auto const& event : gathered.displaced) {
+        auto const& uid = event.component->uid;
+        auto const& shown = *gathered.series[gathered.indices.at(uid)].master();
+        if (shown.component->sequence != event.component->sequence || sayTheSame(shown, event)) continue;
+        if (problems.size() >= CalendarFile::maximumProblems) return;
+        problems.push_back({.path = event.clocks->file->path,
+                            .line = event.component->line,
+                            .uid = uid,
+                            .effect = Problem::Effect::skipped,
+                            .reason = "the event in " +
+                                      Foundation::Text::sanitizedUTF8(shown.clocks->file->path) + ":" +
+                                      std::to_string(shown.component->line) +
+                                      " has the same UID and SEQUENCE and is shown instead; give one of them "
+                                      "a UID of its own to see both"});
+    }
+}
+
 } // namespace
 
 struct SeriesSet::Contents {
@@ -68,6 +90,7 @@ SeriesSet::SeriesSet(std::vector<std::shared_ptr<CalendarFile const>> files,
     auto made = std::make_unique<Contents>(std::move(files), *zones);
     for (auto const& clocks : made->gathered.clocks)
         reportUnknownZones(clocks, made->problems);
+    reportDisplaced(made->gathered, made->problems);
     contents = std::move(made);
 }
 

@@ -58,7 +58,7 @@ public:
     [[nodiscard]] std::vector<std::string_view> uids() const;
 
     /// The files' problems are not repeated here: only what bringing them together showed, such as a TZID
-    /// that nothing explains.
+    /// that nothing explains, or an event that another one of its UID and SEQUENCE hides.
     [[nodiscard]] std::vector<Problem> const& problems() const;
 
 private:

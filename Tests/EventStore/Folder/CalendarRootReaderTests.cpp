@@ -350,6 +350,53 @@ TEST_F(CalendarRootReaderTests, ofOneEventInTwoFilesTheHigherSequenceWins) {
     EXPECT_EQ(events(subject), (Texts{"r1/work: Newer"}));
 }
 
+TEST_F(CalendarRootReaderTests, ofTwoEventsOfOneUIDAndSequenceTheOneNotShownIsNamed) {
+    root.write("work/a.ics", smallFile({smallEvent("a", "Earlier file"), smallEvent("n", "Neighbour")}));
+    root.write("work/b.ics", smallFile({smallEvent("b", "B"), smallEvent("a", "Later file")}));
+    Texts const lost{"work/a.ics:4: the event in " + (root / "work/b.ics").string() +
+                     ":11 has the same UID and SEQUENCE and is shown instead; give one of them a UID of its "
+                     "own to see both"};
+    auto subject = reader();
+    EXPECT_EQ(events(subject), (Texts{"r1/work: Later file", "r1/work: Neighbour", "r1/work: B"}));
+    auto const met = subject.takeProblems();
+    ASSERT_EQ(met.size(), 1U);
+    EXPECT_EQ(met[0].effect, StoreProblem::Effect::skipped);
+    EXPECT_EQ(met[0].path, root / "work/a.ics");
+    EXPECT_EQ(met[0].line, 4);
+    EXPECT_EQ(problems(subject), lost);
+}
+
+TEST_F(CalendarRootReaderTests, anEventThatIsLostWithinALargeFileIsNamedByItsLineThere) {
+    std::vector<std::string> all{smallEvent("a", "First")};
+    for (int number = 0; number < 800; ++number)
+        all.push_back(smallEvent(std::to_string(number), "Filling", "20250311T090000Z"));
+    all.push_back(smallEvent("a", "Second"));
+    root.write("large.ics", smallFile(all));
+    Texts const lost{"large.ics:4: the event in " + (root / "large.ics").string() +
+                     ":5611 has the same UID and SEQUENCE and is shown instead; give one of them a UID of "
+                     "its own to see both"};
+    auto subject = reader();
+    EXPECT_EQ(events(subject), (Texts{"r1/large.ics: Second"}));
+    auto const met = subject.takeProblems();
+    ASSERT_EQ(met.size(), 1U);
+    EXPECT_EQ(met[0].line, 4);
+    EXPECT_EQ(problems(subject), lost);
+}
+
+TEST_F(CalendarRootReaderTests, aCopyARevisionAndAnotherCalendarsEventLoseNothing) {
+    root.write("work/a.ics", smallFile({smallEvent("a", "A"), smallEvent("r", "Older\r\nSEQUENCE:1")}));
+    root.write("work/b.ics", smallFile({smallEvent("a", "A"), smallEvent("r", "Newer\r\nSEQUENCE:2")}));
+    root.write("home/a.ics", smallFile({smallEvent("a", "At home")}));
+    root.write("one.ics", smallFile({smallEvent("a", "Loose"), smallEvent("b", "B")}));
+    root.write("two.ics", smallFile({smallEvent("a", "Also loose"), smallEvent("b", "B")}));
+    auto subject = reader();
+    EXPECT_EQ(events(subject),
+              (Texts{"r1/home: At home", "r1/one.ics: Loose", "r1/one.ics: B", "r1/two.ics: Also loose",
+                     "r1/two.ics: B", "r1/work: A", "r1/work: Newer"}));
+    EXPECT_TRUE(subject.takeProblems().empty());
+    EXPECT_EQ(problems(subject), Texts{});
+}
+
 TEST_F(CalendarRootReaderTests, theSameEventInTwoCalendarsIsInBoth) {
     root.write("work/a.ics", smallFile({smallEvent("a", "A")}));
     root.write("home/a.ics", smallFile({smallEvent("a", "A")}));
