@@ -28,7 +28,10 @@ ExitCode status(Invocation const& invocation) {
 
 ExitCode request(Invocation const& invocation) {
     auto const services = liveServices(invocation);
-    static_cast<void>(requiredConsent(*services));
+    bool const isToBeAsked =
+        requiredConsent(*services)->status() == Platform::EKAuthorizationStatus::notDetermined;
+    if (isToBeAsked && !invocation.console.canAsk())
+        throw CommandError::wrongUse(Texts::accessHasNobodyToAsk());
     CalendarProviders::EventKitPermissionRepositoryImpl permission(services->eventStore());
     auto const answered =
         Foundation::runTask(permission.requestAccess(CalendarProviders::AccountProviderEnum::eventKit));
@@ -37,8 +40,7 @@ ExitCode request(Invocation const& invocation) {
     bool const isAnswered =
         requiredConsent(*services)->status() != Platform::EKAuthorizationStatus::notDetermined;
     require(answered,
-            whyNoAccess(*services, isAnswered ? Texts::accessNotGranted()
-                                              : Texts::accessNotAnswered(invocation.console.canAsk())));
+            whyNoAccess(*services, isAnswered ? Texts::accessNotGranted() : Texts::accessNotAnswered()));
     sayAccess(invocation, *services);
     return ExitCode::done;
 }

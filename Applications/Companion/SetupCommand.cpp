@@ -35,6 +35,7 @@ public:
     ExitCode run() {
         auto const places = services.calendarPlaces();
         if (!places) throw CommandError::failed(Texts::noHome());
+        requireSomeoneToAsk();
         QuarantineReport const report(services, invocation.console);
         makeOwnCalendar(*places);
         noteDone(Texts::setUpOwnCalendar());
@@ -55,6 +56,14 @@ private:
     void noteDone(std::string part) {
         done.push_back(std::move(part));
         signals.say(Texts::interruptedInTheSetup(done));
+    }
+
+    // Before anything is done: access is not for a script to take without a word.
+    void requireSomeoneToAsk() const {
+        bool const isSettled =
+            takesDefaults || requiredConsent(services)->status() != EKAuthorizationStatus::notDetermined;
+        if (!isSettled && !invocation.console.canAsk())
+            throw CommandError::wrongUse(Texts::setupHasNobodyToAsk());
     }
 
     void makeOwnCalendar(Platform::CalendarStorePlaces const& places) {
@@ -143,7 +152,7 @@ private:
         auto const status = requiredConsent(services)->status();
         say(Texts::accessStatus(status));
         if (status == EKAuthorizationStatus::notDetermined)
-            throw CommandError::failed(Texts::nobodyAnsweredSetup(invocation.console.canAsk()));
+            throw CommandError::failed(Texts::nobodyAnsweredSetup());
         if (failure) throw *failure;
         if (status != EKAuthorizationStatus::fullAccess) {
             say(Texts::notRegisteredWithoutAccess());

@@ -317,8 +317,12 @@ std::string accessNotGranted() {
     return text("access-not-granted");
 }
 
-std::string accessNotAnswered(bool isTerminalThere) {
-    return isTerminalThere ? text("access-not-answered") : text("access-not-asked");
+std::string accessNotAnswered() {
+    return text("access-not-answered");
+}
+
+std::string accessHasNobodyToAsk() {
+    return text("access-not-asked");
 }
 
 std::string accessRecordHoldsNoAnswer(std::string_view path) {
@@ -337,8 +341,12 @@ std::string enabledCalendarsAreUnreadable(std::string_view path, std::string_vie
     return text("enabled-calendars-are-unreadable", path, told(reason));
 }
 
-std::string nobodyAnsweredSetup(bool isTerminalThere) {
-    return isTerminalThere ? text("nobody-answered") : text("nobody-was-asked");
+std::string nobodyAnsweredSetup() {
+    return text("nobody-answered");
+}
+
+std::string setupHasNobodyToAsk() {
+    return text("nobody-was-asked");
 }
 
 std::string ownCalendarMade(std::string_view path) {

@@ -107,14 +107,14 @@ std::string folderIsRefused(std::string_view path, std::string_view wordToOpen);
 std::string folderIsRefusedByOther(std::string_view path, std::string_view closed);
 std::string accessIsMissing();
 std::string accessNotGranted();
-/// Why access is still not asked for: there is no terminal, or nobody answered at it.
-std::string accessNotAnswered(bool isTerminalThere);
+std::string accessNotAnswered();
+std::string accessHasNobodyToAsk();
 std::string accessRecordHoldsNoAnswer(std::string_view path);
 std::string accessRecordIsUnreadable(std::string_view path, std::string_view reason);
 std::string calendarsAreNotSetUp();
 std::string enabledCalendarsAreUnreadable(std::string_view path, std::string_view reason);
-/// The same at the end of the set-up.
-std::string nobodyAnsweredSetup(bool isTerminalThere);
+std::string nobodyAnsweredSetup();
+std::string setupHasNobodyToAsk();
 
 // Set-up.
 std::string ownCalendarMade(std::string_view path);
