@@ -45,9 +45,11 @@ void examineAwaitedRegistry(Composition::LiveServices& services, Findings& findi
 
 Findings examined(Foundation::Environment const& environment) {
     auto const problems = std::make_shared<Doctor::CalendarProblems>();
-    Composition::LiveServices services(environment, {.fixedMoment = std::nullopt,
-                                                     .consentPrompt = nullptr, // Nobody is asked anything.
-                                                     .logSink = problems});
+    Composition::LiveServices services(environment,
+                                       {.fixedMoment = std::nullopt,
+                                        .consentPrompt = nullptr, // Nobody is asked anything.
+                                        .logSink = problems,
+                                        .missingSharedFolder = Composition::SharedFolder::isLeftMissing});
     Findings findings;
     if (auto const places = services.calendarPlaces()) {
         examineHome(places->configurationDirectory, findings);

@@ -218,6 +218,10 @@ std::string noSharedFolder(std::string_view temporary) {
     return text("doctor-no-shared-folder", temporary);
 }
 
+std::string sharedFolderIsMadeLater(std::string_view path) {
+    return text("doctor-shared-folder-is-made-later", path);
+}
+
 std::string sharedFolderIsMissing(std::string_view path) {
     return text("doctor-shared-folder-is-missing", path);
 }

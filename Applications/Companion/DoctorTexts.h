@@ -77,6 +77,7 @@ std::string showProblemsCommand();
 
 // The shared folder.
 std::string sharedFolderWorks(std::string_view path);
+std::string sharedFolderIsMadeLater(std::string_view path);
 std::string noSharedFolder(std::string_view temporary);
 std::string sharedFolderIsMissing(std::string_view path);
 std::string sharedFolderCannotBeUsed(std::string_view path, std::string_view reason);

@@ -133,8 +133,14 @@ std::shared_ptr<Platform::FileManager const> LiveServices::files() {
         auto const tell = [shared = std::weak_ptr(parts)](std::string const& message) {
             if (auto const alive = shared.lock()) LiveServices(alive).logDamage(message);
         };
+        using Platform::PosixFileManager;
+        auto const missing = parts->options.missingSharedFolder == SharedFolder::isMade
+                                 ? PosixFileManager::MissingContainer::isMade
+                                 : PosixFileManager::MissingContainer::isLeft;
         return std::make_shared<Platform::PreferenceGuard>(
-            std::make_shared<Platform::PosixFileManager>(parts->environment), guardedPreferences(), tell);
+            std::make_shared<PosixFileManager>(parts->environment, PosixFileManager::Durability::file,
+                                               missing),
+            guardedPreferences(), tell);
     });
 }
 

@@ -4,6 +4,7 @@
 #include "Foundation/Environment.h"
 #include "Foundation/Task.h"
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -39,6 +40,9 @@ struct ScheduleWidgetServices;
 /// The composition roots' common part: the one place that names the live implementations.
 namespace Composition {
 
+/// What becomes of a folder that the programs share and that is not there yet.
+enum class SharedFolder : std::uint8_t { isMade, isLeftMissing };
+
 /// What a program decides for itself.
 struct LiveServicesOptions {
     /// The moment at which the program's clock stands still; absent for the system's clock.
@@ -52,6 +56,8 @@ struct LiveServicesOptions {
     std::function<void()> calendarsDiffer = nullptr;
     /// For a program that asks once and is in a hurry: see Platform::FolderEventStoreParts::onLookDue.
     std::function<void()> calendarLookDue = nullptr;
+    /// For a program that only looks.
+    SharedFolder missingSharedFolder = SharedFolder::isMade;
 };
 
 /// The log category of the calendar store: what it could not read, and why.

@@ -136,11 +136,24 @@ private:
     bool exists = false;
 };
 
+// Whether `createDirectory` would succeed, as far as that shows without trying.
+bool couldBeMade(path const& folder) {
+    auto existing = folder;
+    std::error_code failure;
+    while (existing.has_relative_path() &&
+           std::filesystem::symlink_status(existing, failure).type() == std::filesystem::file_type::not_found)
+        existing = existing.parent_path();
+    if (!std::filesystem::is_directory(existing, failure)) return false;
+    return existing == folder || ::access(existing.c_str(), W_OK | X_OK) == 0;
+}
+
 } // namespace
 
-PosixFileManager::PosixFileManager(Foundation::Environment environment, Durability durability)
+PosixFileManager::PosixFileManager(Foundation::Environment environment, Durability durability,
+                                   MissingContainer missingContainer)
     : environment(std::move(environment)),
-      durability(durability) {}
+      durability(durability),
+      missingContainer(missingContainer) {}
 
 std::optional<path>
 PosixFileManager::containerURLForSecurityApplicationGroupIdentifier(std::string_view group) const {
@@ -149,7 +162,11 @@ PosixFileManager::containerURLForSecurityApplicationGroupIdentifier(std::string_
     auto const dataHome = applicationSupportDirectory();
     if (!dataHome) return std::nullopt;
     auto container = *dataHome / group;
-    if (createDirectory(container)) return std::nullopt;
+    if (missingContainer == MissingContainer::isLeft) {
+        if (!couldBeMade(container)) return std::nullopt;
+    } else if (createDirectory(container)) {
+        return std::nullopt;
+    }
     return container;
 }
 

@@ -10,7 +10,7 @@ namespace Platform {
 ///
 /// The group container is `QUILLORA_GROUP_CONTAINER`, used as it is and not made; set to nothing or to a
 /// relative path it means that there is none. Unset, it is the group's folder in the data home, made with
-/// mode 0700 by the lookup.
+/// mode 0700 by the lookup unless it is to be left missing.
 class PosixFileManager final : public FileManager {
 public:
     /// What is on the disk for certain when a write has succeeded.
@@ -19,7 +19,14 @@ public:
         fileAndFolder, ///< The name as well: it leads to the new content. For what cannot be made again.
     };
 
-    explicit PosixFileManager(Foundation::Environment environment, Durability durability = Durability::file);
+    /// What a lookup does about a group container in the data home that is not there.
+    enum class MissingContainer : std::uint8_t {
+        isMade,
+        isLeft, ///< Tells where it would be, if it could be made, and leaves everything as it is.
+    };
+
+    explicit PosixFileManager(Foundation::Environment environment, Durability durability = Durability::file,
+                              MissingContainer missingContainer = MissingContainer::isMade);
 
     [[nodiscard]] std::optional<std::filesystem::path>
     containerURLForSecurityApplicationGroupIdentifier(std::string_view group) const override;
@@ -43,6 +50,7 @@ public:
 private:
     Foundation::Environment environment;
     Durability durability;
+    MissingContainer missingContainer;
 };
 
 } // namespace Platform

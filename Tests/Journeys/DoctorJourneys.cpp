@@ -98,6 +98,9 @@ TEST(DoctorInANewHomeJourneys, itNamesTheSetUp) {
     EXPECT_THAT(found.worst("keychain").mend, StartsWith("quillora setup --keychain file"));
     EXPECT_EQ(found.worst("access").text, "Calendar access: not asked yet");
     EXPECT_EQ(found.worst("sources").mend, "quillora setup");
+    EXPECT_EQ(found.worst("folder").health, "works");
+    EXPECT_EQ(found.worst("folder").text,
+              home.container().string() + " is not there yet; the first command that needs it makes it");
     ASSERT_EQ(home.quillora({"setup", "--yes", "--keychain", "file"}).exitCode, 0);
     EXPECT_THAT(DoctorReport::of(home).broken(), IsEmpty());
 }
@@ -402,6 +405,16 @@ TEST_F(DoctorJourneys, aSharedFolderThatIsNotThereIsNamed) {
     EXPECT_EQ(sick.worst("folder").mend, "mkdir -p -m 700 '" + missing.string() + "'");
     home.environment["QUILLORA_GROUP_CONTAINER"] = "relative";
     EXPECT_THAT(report().worst("folder").mend, StartsWith("unset QUILLORA_GROUP_CONTAINER"));
+}
+
+TEST(DoctorInANewHomeJourneys, aSharedFolderThatCannotBeMadeIsNamedAndNotTried) {
+    PrivateHome home;
+    auto const inTheWay = home.folder() / "file";
+    home.write(inTheWay, "no folder");
+    home.environment["XDG_DATA_HOME"] = inTheWay.string();
+    auto const sick = DoctorReport::of(home);
+    EXPECT_THAT(sick.broken(), testing::Contains("folder"));
+    EXPECT_THAT(sick.worst("folder").text, HasSubstr("and none can be made"));
 }
 
 TEST_F(DoctorJourneys, theStoredDayIsLookedAt) {

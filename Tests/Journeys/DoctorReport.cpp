@@ -16,8 +16,6 @@ std::string textIn(JSON::Value const& object, std::string_view name) {
 } // namespace
 
 DoctorReport DoctorReport::of(PrivateHome const& home) {
-    // Every look for the shared folder makes it.
-    std::filesystem::create_directories(home.container());
     auto const before = home.snapshot();
     auto const result = home.quillora({"doctor", "--json"});
     EXPECT_EQ(home.snapshot(), before);

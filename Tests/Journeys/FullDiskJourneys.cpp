@@ -92,6 +92,12 @@ TEST_F(FullDiskJourneys, theDoctorNamesTheFullDisk) {
     EXPECT_EQ(sick.worst("folder").mend, "df -h " + home.container().string() + ", and make room");
 }
 
+TEST_F(FullDiskJourneys, theDoctorNamesAlsoTheFullDiskOfAFolderThatIsToBeMade) {
+    auto const sick = DoctorReport::from(script("fill; quillora doctor --json"));
+    EXPECT_THAT(sick.worst("folder").text, HasSubstr("is full"));
+    EXPECT_EQ(sick.worst("folder").mend, "df -h " + (home.folder() / "data").string() + ", and make room");
+}
+
 TEST_F(FullDiskJourneys, aHomeThatCannotBeWrittenIsReadAllTheSame) {
     auto const result = script(R"(
         quillora setup --yes --keychain file >/dev/null

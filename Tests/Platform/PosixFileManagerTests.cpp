@@ -53,6 +53,27 @@ TEST(PosixFileManagerPlacesTests, aChosenContainerIsTakenAsItIsAndNotMade) {
     EXPECT_FALSE(std::filesystem::exists(chosen));
 }
 
+TEST(PosixFileManagerPlacesTests, aContainerThatIsToBeLeftMissingIsToldAndNotMade) {
+    TemporaryFolder const folder;
+    auto const told = [](path const& dataHome) {
+        return PosixFileManager(Environment({{"XDG_DATA_HOME", dataHome}}),
+                                PosixFileManager::Durability::file,
+                                PosixFileManager::MissingContainer::isLeft)
+            .containerURLForSecurityApplicationGroupIdentifier(group);
+    };
+    auto const dataHome = folder.path() / "a" / "data";
+    EXPECT_EQ(told(dataHome), dataHome / group);
+    EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
+
+    // What is there already, or can never be made, is told as ever.
+    std::filesystem::create_directories(dataHome / group);
+    EXPECT_EQ(told(dataHome), dataHome / group);
+    std::ofstream(folder.path() / "file") << "no folder";
+    EXPECT_EQ(told(folder.path() / "file"), std::nullopt);
+    std::filesystem::create_symlink("nowhere", folder.path() / "link");
+    EXPECT_EQ(told(folder.path() / "link"), std::nullopt);
+}
+
 TEST(PosixFileManagerPlacesTests, anEmptyOrRelativeChoiceMeansNoContainer) {
     TemporaryFolder const folder;
     for (auto const* choice : {"", "relative/folder"}) {

@@ -23,6 +23,14 @@ namespace {
 
 constexpr std::string_view group = "group.quillora";
 
+// Where it would be made, for one that is not there yet.
+path nearestFolder(path folder) {
+    std::error_code error;
+    while (!std::filesystem::is_directory(folder, error) && folder.has_relative_path())
+        folder = folder.parent_path();
+    return folder;
+}
+
 bool isFull(path const& folder) {
     struct statvfs space{};
     return ::statvfs(folder.c_str(), &space) == 0 && space.f_blocks > 0 && space.f_bavail == 0;
@@ -39,17 +47,21 @@ void examineFolder(Composition::LiveServices& services, Findings& findings) {
     auto const shown = shownPath(*container);
     auto const word = shellWord(container->string());
     std::error_code error;
-    if (!std::filesystem::is_directory(*container, error)) {
+    bool const isThere = std::filesystem::is_directory(*container, error);
+    bool const isToBeThere = services.environment().value("QUILLORA_GROUP_CONTAINER").has_value();
+    if (!isThere && isToBeThere) {
         findings.broken("folder", Texts::sharedFolderIsMissing(shown), Texts::makeFolderCommand(word));
-    } else if (::access(container->c_str(), R_OK | W_OK | X_OK) != 0) {
+    } else if (isThere && ::access(container->c_str(), R_OK | W_OK | X_OK) != 0) {
         auto const reason = std::error_code(errno, std::generic_category());
         findings.broken("folder", Texts::sharedFolderCannotBeUsed(shown, reason.message()),
                         reason == std::errc::read_only_file_system ? Texts::readOnlyCommand(word)
                                                                    : Texts::makeWritableCommand(word));
-    } else if (isFull(*container)) {
-        findings.broken("folder", Texts::diskIsFull(shown), Texts::diskSpaceCommand(word));
+    } else if (auto const nearest = nearestFolder(*container); isFull(nearest)) {
+        findings.broken("folder", Texts::diskIsFull(shown),
+                        Texts::diskSpaceCommand(shellWord(nearest.string())));
     } else {
-        findings.works("folder", Texts::sharedFolderWorks(shown));
+        findings.works("folder",
+                       isThere ? Texts::sharedFolderWorks(shown) : Texts::sharedFolderIsMadeLater(shown));
     }
 }
 
