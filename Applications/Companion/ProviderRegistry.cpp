@@ -1,6 +1,7 @@
 #include "Applications/Companion/ProviderRegistry.h"
 
 #include "Applications/Companion/CommandError.h"
+#include "Applications/Companion/ProviderTexts.h"
 #include "Applications/Companion/SetupTexts.h"
 #include "Applications/Companion/Support.h"
 #include "Applications/Companion/Texts.h"

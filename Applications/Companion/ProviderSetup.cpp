@@ -1,6 +1,7 @@
 #include "Applications/Companion/ProviderSetup.h"
 
 #include "Applications/Companion/ProviderRegistry.h"
+#include "Applications/Companion/ProviderTexts.h"
 #include "Applications/Companion/SetupTexts.h"
 #include "Applications/Companion/Texts.h"
 #include "Applications/Companion/WaitingLine.h"

@@ -2,6 +2,7 @@
 #include "Applications/Companion/EndingSignals.h"
 #include "Applications/Companion/PlainJSON.h"
 #include "Applications/Companion/ProviderRegistry.h"
+#include "Applications/Companion/ProviderTexts.h"
 #include "Applications/Companion/SetupTexts.h"
 #include "Applications/Companion/Support.h"
 #include "Applications/Companion/Texts.h"

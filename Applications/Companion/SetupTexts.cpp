@@ -1,8 +1,78 @@
 #include "Applications/Companion/SetupTexts.h"
 
+#include "Applications/Companion/ShellWord.h"
 #include "Applications/Companion/TextLookup.h"
 
 namespace Companion::Texts {
+
+std::string ownCalendarMade(std::string_view path) {
+    return text("own-calendar-made", path);
+}
+
+std::string ownCalendarIsThere(std::string_view path) {
+    return text("own-calendar-is-there", path);
+}
+
+std::string keychainChosen(bool isFile) {
+    return isFile ? text("keychain-is-file", text("key-file-protection")) : text("keychain-is-keyring");
+}
+
+std::string offerKeyFile(std::string_view reason) {
+    return text("offer-key-file", told(reason), text("key-file-protection"));
+}
+
+std::string notSwitchedOn(bool isForWantOfAKeyring) {
+    return isForWantOfAKeyring ? text("not-switched-on-without-keyring")
+                               : text("not-switched-on-without-key");
+}
+
+std::string offerEnabling(std::string_view name) {
+    return text("offer-enabling", quoted(name));
+}
+
+std::string calendarsRefuse() {
+    return text("calendars-refuse");
+}
+
+std::string notRegisteredWithoutAccess() {
+    return text("not-registered-without-access");
+}
+
+std::string setupChangedNothing() {
+    return text("setup-changed-nothing");
+}
+
+std::string thisComputersCalendars() {
+    return text("this-computers-calendars");
+}
+
+std::string offerFolder(std::string_view path) {
+    return text("offer-folder", path);
+}
+
+std::string folderIsAdded(std::string_view path) {
+    return text("folder-is-added", path);
+}
+
+std::string folderLeftOut(std::string_view path) {
+    return text("folder-left-out", path, shellWord(path));
+}
+
+std::string nestedFolderLeftOut(std::string_view path, std::string_view title, std::string_view otherPath) {
+    return text("nested-folder-left-out", path, quoted(title), otherPath, shellWord(path));
+}
+
+std::string setupIsDone() {
+    return text("setup-is-done");
+}
+
+std::string nobodyAnsweredSetup() {
+    return text("nobody-answered");
+}
+
+std::string setupHasNobodyToAsk() {
+    return text("nobody-was-asked");
+}
 
 std::string notSwitchedOnWithoutTheKey() {
     return text("not-switched-on-without-the-key");

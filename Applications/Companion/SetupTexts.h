@@ -1,10 +1,29 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
-/// What the set-up says in its special cases.
+/// What the set-up says.
 namespace Companion::Texts {
+
+std::string ownCalendarMade(std::string_view path);
+std::string ownCalendarIsThere(std::string_view path);
+std::string keychainChosen(bool isFile);
+std::string offerKeyFile(std::string_view reason);
+std::string notSwitchedOn(bool isForWantOfAKeyring);
+std::string offerEnabling(std::string_view name);
+std::string calendarsRefuse();
+std::string notRegisteredWithoutAccess();
+std::string setupChangedNothing();
+std::string thisComputersCalendars();
+std::string offerFolder(std::string_view path);
+std::string folderIsAdded(std::string_view path);
+std::string folderLeftOut(std::string_view path);
+std::string nestedFolderLeftOut(std::string_view path, std::string_view title, std::string_view otherPath);
+std::string setupIsDone();
+std::string nobodyAnsweredSetup();
+std::string setupHasNobodyToAsk();
 
 /// The registrations are there, and their key is in a keyring that cannot be used.
 std::string notSwitchedOnWithoutTheKey();

@@ -1,6 +1,5 @@
 #include "Applications/Companion/Texts.h"
 
-#include "Applications/Companion/ShellWord.h"
 #include "Applications/Companion/TextLookup.h"
 #include "Foundation/Text.h"
 
@@ -341,75 +340,6 @@ std::string enabledCalendarsAreUnreadable(std::string_view path, std::string_vie
     return text("enabled-calendars-are-unreadable", path, told(reason));
 }
 
-std::string nobodyAnsweredSetup() {
-    return text("nobody-answered");
-}
-
-std::string setupHasNobodyToAsk() {
-    return text("nobody-was-asked");
-}
-
-std::string ownCalendarMade(std::string_view path) {
-    return text("own-calendar-made", path);
-}
-
-std::string ownCalendarIsThere(std::string_view path) {
-    return text("own-calendar-is-there", path);
-}
-
-std::string keychainChosen(bool isFile) {
-    return isFile ? text("keychain-is-file", text("key-file-protection")) : text("keychain-is-keyring");
-}
-
-std::string offerKeyFile(std::string_view reason) {
-    return text("offer-key-file", told(reason), text("key-file-protection"));
-}
-
-std::string notSwitchedOn(bool isForWantOfAKeyring) {
-    return isForWantOfAKeyring ? text("not-switched-on-without-keyring")
-                               : text("not-switched-on-without-key");
-}
-
-std::string offerEnabling(std::string_view name) {
-    return text("offer-enabling", quoted(name));
-}
-
-std::string calendarsRefuse() {
-    return text("calendars-refuse");
-}
-
-std::string notRegisteredWithoutAccess() {
-    return text("not-registered-without-access");
-}
-
-std::string setupChangedNothing() {
-    return text("setup-changed-nothing");
-}
-
-std::string thisComputersCalendars() {
-    return text("this-computers-calendars");
-}
-
-std::string offerFolder(std::string_view path) {
-    return text("offer-folder", path);
-}
-
-std::string folderIsAdded(std::string_view path) {
-    return text("folder-is-added", path);
-}
-
-std::string folderLeftOut(std::string_view path) {
-    return text("folder-left-out", path, shellWord(path));
-}
-
-std::string nestedFolderLeftOut(std::string_view path, std::string_view title, std::string_view otherPath) {
-    return text("nested-folder-left-out", path, quoted(title), otherPath, shellWord(path));
-}
-
-std::string setupIsDone() {
-    return text("setup-is-done");
-}
-
 std::string problemOf(std::string_view path, std::string_view problem) {
     return text("problem-of", path, told(problem));
 }
@@ -484,86 +414,6 @@ std::string hiddenCalendarsNotSaved(std::string_view why) {
 
 std::string moreProblems(std::size_t count) {
     return counted("more-problems", static_cast<std::int64_t>(count));
-}
-
-std::string noProviders() {
-    return text("no-providers");
-}
-
-std::string providerState(bool isEnabled) {
-    return isEnabled ? text("provider-is-enabled") : text("provider-is-disabled");
-}
-
-std::string providersNotRead() {
-    return text("providers-not-read");
-}
-
-std::string withoutKeyring(std::string_view whatWasNotDone) {
-    return text("without-keyring", whatWasNotDone);
-}
-
-std::string withoutTheKeyInTheKeyring(std::string_view whatWasNotDone) {
-    return text("without-the-key-in-the-keyring", whatWasNotDone);
-}
-
-std::string withoutKeyFile(std::string_view whatWasNotDone) {
-    return text("without-key-file", whatWasNotDone);
-}
-
-std::string providerNotRegistered(std::string_view id) {
-    return text("provider-not-registered", quoted(id));
-}
-
-std::string providerRegistered(std::string_view name, std::string_view email, std::string_view id) {
-    return text("provider-registered", quoted(name), quoted(email), quoted(id));
-}
-
-std::string providerIsRegistered(std::string_view name, std::string_view email, std::string_view id) {
-    return text("provider-is-registered", quoted(name), quoted(email), quoted(id));
-}
-
-std::string providerStaysDisabled(std::string_view name, std::string_view id) {
-    return text("provider-stays-disabled", quoted(name), shellWord(id));
-}
-
-std::string nothingToEdit() {
-    return text("nothing-to-edit");
-}
-
-std::string providerNotChanged(std::string_view id) {
-    return text("provider-not-changed", quoted(id));
-}
-
-std::string providerChanged(std::string_view name, std::string_view email) {
-    return text("provider-changed", quoted(name), quoted(email));
-}
-
-std::string providerSwitched(std::string_view name, bool isEnabled) {
-    return isEnabled ? text("provider-enabled", quoted(name)) : text("provider-disabled", quoted(name));
-}
-
-std::string providerNotRemoved(std::string_view id) {
-    return text("provider-not-removed", quoted(id));
-}
-
-std::string providerRemoved(std::string_view name) {
-    return text("provider-removed", quoted(name));
-}
-
-std::string providerIsGone(std::string_view id) {
-    return text("provider-is-gone", quoted(id));
-}
-
-std::string mirrorNotSaved(std::string_view why) {
-    return text("mirror-not-saved", why);
-}
-
-std::string mirrorNotSavedBySetup(std::string_view why) {
-    return text("mirror-not-saved-by-setup", why);
-}
-
-std::string databaseSetAside(std::string_view copy) {
-    return text("database-set-aside", copy);
 }
 
 std::string dayShown(std::string_view weekday, std::string_view date, std::int64_t offset,

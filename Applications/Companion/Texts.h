@@ -113,25 +113,6 @@ std::string accessRecordHoldsNoAnswer(std::string_view path);
 std::string accessRecordIsUnreadable(std::string_view path, std::string_view reason);
 std::string calendarsAreNotSetUp();
 std::string enabledCalendarsAreUnreadable(std::string_view path, std::string_view reason);
-std::string nobodyAnsweredSetup();
-std::string setupHasNobodyToAsk();
-
-// Set-up.
-std::string ownCalendarMade(std::string_view path);
-std::string ownCalendarIsThere(std::string_view path);
-std::string keychainChosen(bool isFile);
-std::string offerKeyFile(std::string_view reason);
-std::string notSwitchedOn(bool isForWantOfAKeyring);
-std::string offerEnabling(std::string_view name);
-std::string calendarsRefuse();
-std::string notRegisteredWithoutAccess();
-std::string setupChangedNothing();
-std::string thisComputersCalendars();
-std::string offerFolder(std::string_view path);
-std::string folderIsAdded(std::string_view path);
-std::string folderLeftOut(std::string_view path);
-std::string nestedFolderLeftOut(std::string_view path, std::string_view title, std::string_view otherPath);
-std::string setupIsDone();
 
 // Sources and calendars.
 std::string problemOf(std::string_view path, std::string_view problem);
@@ -153,29 +134,6 @@ std::string calendarHidden(std::string_view title);
 std::string calendarShown(std::string_view title);
 std::string hiddenCalendarsNotSaved(std::string_view why);
 std::string moreProblems(std::size_t count);
-
-// Providers.
-std::string noProviders();
-std::string providerState(bool isEnabled);
-std::string providersNotRead();
-// What was not done, for want of the key of the registrations, and what helps.
-std::string withoutKeyring(std::string_view whatWasNotDone);
-std::string withoutTheKeyInTheKeyring(std::string_view whatWasNotDone);
-std::string withoutKeyFile(std::string_view whatWasNotDone);
-std::string providerNotRegistered(std::string_view id);
-std::string providerRegistered(std::string_view name, std::string_view email, std::string_view id);
-std::string providerIsRegistered(std::string_view name, std::string_view email, std::string_view id);
-std::string providerStaysDisabled(std::string_view name, std::string_view id);
-std::string nothingToEdit();
-std::string providerNotChanged(std::string_view id);
-std::string providerChanged(std::string_view name, std::string_view email);
-std::string providerSwitched(std::string_view name, bool isEnabled);
-std::string providerNotRemoved(std::string_view id);
-std::string providerRemoved(std::string_view name);
-std::string providerIsGone(std::string_view id);
-std::string mirrorNotSaved(std::string_view why);
-std::string mirrorNotSavedBySetup(std::string_view why);
-std::string databaseSetAside(std::string_view copy);
 
 // The day.
 std::string dayShown(std::string_view weekday, std::string_view date, std::int64_t offset,
