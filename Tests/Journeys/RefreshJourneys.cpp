@@ -107,6 +107,22 @@ TEST_F(RefreshJourneys, inTheBackgroundItSaysNothingAndLeavesTheLookToWhoIsAtIt)
         << "it looked beside the other";
 }
 
+TEST_F(RefreshJourneys, inTheBackgroundItGivesWayOnceItIsItsTurn) {
+    auto const witness = home.folder() / "witness";
+    home.environment["LD_PRELOAD"] = QUILLORA_BUILD_DIR "/tests/libquillora_preloaded_witness.so";
+    home.environment["QUILLORA_TESTS_WITNESS"] = witness.string();
+    auto const witnessed = [&](std::vector<std::string> const& words) {
+        std::filesystem::remove(witness);
+        EXPECT_EQ(home.quillora(words).exitCode, 0);
+        return home.contentOf(witness);
+    };
+    EXPECT_EQ(witnessed({"sources", "refresh", "--in-background"}), "turn\npriority\n");
+    // Somebody waits for this one.
+    EXPECT_EQ(witnessed({"sources", "refresh"}), "turn\n");
+    RefreshLock const other(lockFile);
+    EXPECT_EQ(witnessed({"sources", "refresh", "--in-background"}), "turn\n");
+}
+
 TEST_F(RefreshJourneys, withoutAccessNothingIsLookedAt) {
     EXPECT_EQ(home.quillora({"access", "deny"}).exitCode, 0);
     auto const result = home.quillora({"sources", "refresh"});

@@ -127,6 +127,19 @@ TEST_F(CalendarWatchesTests, aFolderAboveTheSourceThatIsMovedAwayIsNoticedToo) {
     EXPECT_TRUE(isTold()) << "a file in it";
 }
 
+TEST_F(CalendarWatchesTests, aFolderAboveTheSourceThatIsRemovedIsFollowedWhenItComesBack) {
+    fs::create_directories(source / "calendar");
+    watch();
+    for (int time = 0; time < 2; ++time) {
+        fs::remove_all(home / "some");
+        EXPECT_TRUE(isTold()) << "gone";
+        fs::create_directories(source / "calendar");
+        EXPECT_TRUE(isTold()) << "back";
+        writeEvent(source / "calendar");
+        EXPECT_TRUE(isTold()) << "a file in it";
+    }
+}
+
 TEST_F(CalendarWatchesTests, theTargetOfALinkIsFollowedAndSoIsTheLink) {
     fs::create_directories(home / "real/one");
     fs::create_directories(home / "real/two");

@@ -63,8 +63,28 @@ INSTANTIATE_TEST_SUITE_P(
                       std::filesystem::rename(root / "work", root / "office");
                       root.write("work/a.ics", "another");
                   }},
-        Happening{"the folder removed",
-                  [](auto const& root) { std::filesystem::remove_all(root / "work"); }}));
+        Happening{"the folder removed", [](auto const& root) { std::filesystem::remove_all(root / "work"); }},
+        Happening{"the folder removed and made again", [](auto const& root) {
+                      std::filesystem::remove_all(root / "work");
+                      root.write("work/a.ics", "A");
+                  }}));
+
+TEST(FolderChangesTest, aFolderThatIsRemovedAndComesBackIsWatchedAnew) {
+    TemporaryFolder const root;
+    root.write("work/a.ics", "A");
+    FolderChanges changes;
+    changes.watch(root / "work");
+    std::filesystem::remove_all(root / "work");
+    ASSERT_EQ(changes.state(root / "work"), State::changed);
+    // While it is away there is nothing to note, and nobody may take that for rest.
+    changes.watch(root / "work");
+    EXPECT_EQ(changes.state(root / "work"), State::unknown);
+    root.write("work/a.ics", "A");
+    changes.watch(root / "work");
+    EXPECT_EQ(changes.state(root / "work"), State::unchanged);
+    root.write("work/a.ics", "B");
+    EXPECT_EQ(changes.state(root / "work"), State::changed);
+}
 
 TEST(FolderChangesTest, aFolderLookedAtAgainIsAtRestAgain) {
     TemporaryFolder const root;

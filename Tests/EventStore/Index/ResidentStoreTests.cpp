@@ -150,6 +150,19 @@ TEST_F(ResidentStoreTests, onceItHasLookedAChangeIsInTheNextAnswer) {
     EXPECT_EQ(calls.soFar(), 0);
 }
 
+TEST_F(ResidentStoreTests, whatIsRemovedAndComesBackIsFollowed) {
+    auto const subject = resident();
+    EXPECT_EQ(finalTitles(*subject), (Texts{"A", "B"}));
+    for (auto const* const back : {"Back", "Back again"}) {
+        std::filesystem::remove_all(home / "Calendars");
+        EXPECT_EQ(finalTitles(*subject), Texts{});
+        write("work/a.ics", back);
+        EXPECT_EQ(finalTitles(*subject), (Texts{back}));
+        write("work/c.ics", "C");
+        EXPECT_EQ(titles(*subject), (Texts{back, "C"})) << "it is not watched any more";
+    }
+}
+
 TEST_F(ResidentStoreTests, looksAfterwardsAtFilesThatOnlyALinkLeadsTo) {
     home.write("Calendars/deeper/inside/target", smallFile({smallEvent("t", "Target")}));
     std::filesystem::create_symlink(home / "Calendars/deeper/inside/target", home / "Calendars/work/z.ics");

@@ -222,6 +222,43 @@ TEST_F(SeenFolderTests, aLinkThatLeadsNowhereYetIsLookedAt) {
     EXPECT_EQ(trusting(), (Texts{"a", "b", "c", "l"}));
 }
 
+TEST_F(SeenFolderTests, aLinkOutOfTheRootNeitherNamesNorColoursACalendar) {
+    root.write("../name", "Elsewhere");
+    root.write("../color", "#FF0000");
+    std::filesystem::create_symlink("../../name", root / "work/displayname");
+    std::filesystem::create_symlink("../../color", root / "work/color");
+    for (int process = 0; process < 3; ++process) {
+        auto const subject = root.trustingReader();
+        EXPECT_EQ(root.titles(*subject, now), abc);
+        auto const calendars = subject->calendars(now);
+        ASSERT_EQ(calendars.size(), 1U);
+        EXPECT_EQ(calendars.front().title, "work") << process;
+        EXPECT_FALSE(calendars.front().cgColor.components.has_value()) << process;
+    }
+}
+
+TEST_F(SeenFolderTests, aLinkWithinTheRootNamesAndColoursACalendarAsItsTargetDoes) {
+    std::filesystem::create_symlink("../looks/title", root / "work/displayname");
+    std::filesystem::create_symlink("../looks/shade", root / "work/color");
+    struct Look {
+        char const* name;
+        char const* color;
+        std::vector<double> components;
+    };
+    for (auto const& look :
+         std::vector<Look>{{"Office", "#FF0000", {1, 0, 0, 1}}, {"Home", "#00FF00", {0, 1, 0, 1}}}) {
+        root.write("looks/title", look.name);
+        root.write("looks/shade", look.color);
+        for (int process = 0; process < 3; ++process) {
+            auto const calendars = root.trustingReader()->calendars(now);
+            ASSERT_EQ(calendars.size(), 1U);
+            EXPECT_EQ(calendars.front().title, look.name) << process;
+            EXPECT_EQ(calendars.front().cgColor.components, look.components) << process;
+        }
+        EXPECT_EQ(trusting(), abc);
+    }
+}
+
 TEST_F(SeenFolderTests, aFileThatCannotBeReadIsToldOfEachTime) {
     std::filesystem::permissions(root / "work/b.ics", std::filesystem::perms::none);
     OrdinaryUser const user(root / "..");
