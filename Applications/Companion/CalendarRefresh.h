@@ -2,7 +2,7 @@
 
 #include "Foundation/Environment.h"
 
-#include <thread>
+#include <atomic>
 #include <utility>
 
 namespace Companion {
@@ -16,15 +16,19 @@ inline constexpr auto refreshInBackground = "--in-background";
 class CalendarRefresh {
 public:
     explicit CalendarRefresh(Foundation::Environment environment) : environment(std::move(environment)) {}
+    CalendarRefresh(CalendarRefresh const&) = delete;
+    CalendarRefresh& operator=(CalendarRefresh const&) = delete;
 
-    /// At the first call; the others do nothing. It is done by a thread of its own: whoever starts a program
-    /// waits until that is loaded, two milliseconds that the answer can use.
-    void start();
+    /// It is started with the end of this object, when the answer is out: until then it would only be in its
+    /// way.
+    ~CalendarRefresh();
+
+    /// There is something to look at. From any thread.
+    void fallDue() { isDue = true; }
 
 private:
     Foundation::Environment environment;
-    bool hasStarted = false;
-    std::jthread starter;
+    std::atomic<bool> isDue = false;
 };
 
 } // namespace Companion

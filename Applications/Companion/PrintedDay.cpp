@@ -84,8 +84,8 @@ std::optional<Platform::ColorScheme> schemeWithoutAsking(Invocation const& invoc
 
 AskedDay askedDay(Invocation const& invocation, DayRequest const& request) {
     auto const refresh = std::make_shared<CalendarRefresh>(invocation.environment);
-    auto live = liveServices(invocation,
-                             {.fixedMoment = request.at, .calendarLookDue = [refresh] { refresh->start(); }});
+    auto live = liveServices(
+        invocation, {.fixedMoment = request.at, .calendarLookDue = [refresh] { refresh->fallDue(); }});
     auto loop = std::make_unique<Foundation::TaskLoop>();
     auto services = live->scheduleWidgetServices(loop->executor());
     services.appearance =

@@ -1,9 +1,9 @@
 #include "Platform/Processes/ChildProgram.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <csignal>
-#include <cstdint>
 #include <utility>
 
 #include <fcntl.h>
@@ -16,29 +16,27 @@
 namespace Platform::ChildProgram {
 namespace {
 
+constexpr auto emptyFile = "/dev/null";
+constexpr int firstOfOtherFiles = STDERR_FILENO + 1;
+// What this program ignores, others need not expect.
+constexpr std::array ignoredSignals = {SIGPIPE, SIGXFSZ};
+
 // How a child starts: with none of our streams and files, and none of our signals' settings.
 class Surroundings {
 public:
-    enum class Session : std::uint8_t { ours, itsOwn };
-
-    explicit Surroundings(Session session) {
+    Surroundings() {
         posix_spawn_file_actions_init(&actions);
         posix_spawnattr_init(&attributes);
         for (int const descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
-            posix_spawn_file_actions_addopen(&actions, descriptor, "/dev/null", O_RDWR, 0);
-        posix_spawn_file_actions_addclosefrom_np(&actions, STDERR_FILENO + 1);
-        // Who outlives this program keeps no file system busy.
-        if (session == Session::itsOwn) posix_spawn_file_actions_addchdir_np(&actions, "/");
-        // What this program ignores or blocks, others need not expect.
+            posix_spawn_file_actions_addopen(&actions, descriptor, emptyFile, O_RDWR, 0);
+        posix_spawn_file_actions_addclosefrom_np(&actions, firstOfOtherFiles);
         sigset_t signals;
         sigemptyset(&signals);
         posix_spawnattr_setsigmask(&attributes, &signals);
-        sigaddset(&signals, SIGPIPE);
-        sigaddset(&signals, SIGXFSZ);
+        for (int const signal : ignoredSignals)
+            sigaddset(&signals, signal);
         posix_spawnattr_setsigdefault(&attributes, &signals);
-        auto const apart = session == Session::itsOwn ? POSIX_SPAWN_SETSID : 0;
-        posix_spawnattr_setflags(&attributes,
-                                 static_cast<short>(POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF | apart));
+        posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
     }
     Surroundings(Surroundings const&) = delete;
     Surroundings& operator=(Surroundings const&) = delete;
@@ -59,18 +57,75 @@ std::vector<char*> pointersTo(std::vector<std::string>& texts) {
     return pointers;
 }
 
-std::optional<pid_t> start(std::filesystem::path const& program, std::vector<std::string> arguments,
-                           Foundation::Environment const& environment, Surroundings::Session session) {
-    arguments.insert(arguments.begin(), program.string());
-    auto variables = environment.assignments();
-    auto const words = pointersTo(arguments);
-    auto const surroundingVariables = pointersTo(variables);
-    Surroundings const surroundings(session);
+// What a program is started with, in the form that the system takes.
+class Words {
+public:
+    Words(std::filesystem::path const& program, std::vector<std::string> arguments,
+          Foundation::Environment const& environment)
+        : path(program.string()),
+          words(std::move(arguments)),
+          assignments(environment.assignments()) {
+        words.insert(words.begin(), path);
+        argumentPointers = pointersTo(words);
+        variablePointers = pointersTo(assignments);
+    }
+    Words(Words const&) = delete;
+    Words& operator=(Words const&) = delete;
+
+    [[nodiscard]] char const* program() const { return path.c_str(); }
+    [[nodiscard]] char* const* arguments() const { return argumentPointers.data(); }
+    [[nodiscard]] char* const* variables() const { return variablePointers.data(); }
+
+private:
+    std::string path;
+    std::vector<std::string> words;
+    std::vector<std::string> assignments;
+    std::vector<char*> argumentPointers;
+    std::vector<char*> variablePointers;
+};
+
+std::optional<pid_t> start(Words const& words) {
+    Surroundings const surroundings;
     pid_t child = -1;
-    if (::posix_spawn(&child, program.c_str(), &surroundings.actions, &surroundings.attributes, words.data(),
-                      surroundingVariables.data()) != 0)
+    if (::posix_spawn(&child, words.program(), &surroundings.actions, &surroundings.attributes,
+                      words.arguments(), words.variables()) != 0)
         return std::nullopt;
     return child;
+}
+
+// A handler of ours must not run in a child, which has no more than this thread.
+class AllSignalsBlocked {
+public:
+    AllSignalsBlocked() {
+        sigset_t all;
+        sigfillset(&all);
+        ::pthread_sigmask(SIG_SETMASK, &all, &former);
+    }
+    AllSignalsBlocked(AllSignalsBlocked const&) = delete;
+    AllSignalsBlocked& operator=(AllSignalsBlocked const&) = delete;
+    ~AllSignalsBlocked() { ::pthread_sigmask(SIG_SETMASK, &former, nullptr); }
+
+private:
+    sigset_t former{};
+};
+
+// Runs in the child of a program that may have other threads: nothing here may take a lock or memory. Our
+// streams go first, since somebody may be waiting for their end.
+[[noreturn]] void becomeApart(Words const& words) {
+    int const null = ::open(emptyFile, O_RDWR);
+    bool isReady = null >= 0;
+    for (int const descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+        isReady = isReady && ::dup2(null, descriptor) == descriptor;
+    ::closefrom(firstOfOtherFiles);
+    // Who outlives this program keeps no file system busy.
+    isReady = isReady && ::setsid() >= 0 && ::chdir("/") == 0;
+    for (int const signal : ignoredSignals)
+        std::signal(signal, SIG_DFL);
+    sigset_t none;
+    sigemptyset(&none);
+    if (isReady && ::pthread_sigmask(SIG_SETMASK, &none, nullptr) == 0)
+        ::execve(words.program(), words.arguments(), words.variables());
+    ::_exit(1);
 }
 
 // Whether the process has ended by then; it is not yet waited for.
@@ -109,7 +164,7 @@ std::optional<std::filesystem::path> find(Foundation::Environment const& environ
 
 std::optional<int> run(std::filesystem::path const& program, std::vector<std::string> const& arguments,
                        Foundation::Environment const& environment, std::chrono::milliseconds patience) {
-    auto const child = start(program, arguments, environment, Surroundings::Session::ours);
+    auto const child = start(Words(program, arguments, environment));
     if (!child) return std::nullopt;
     bool const hasEnded = endsWithin(*child, patience);
     if (!hasEnded) ::kill(*child, SIGKILL);
@@ -123,7 +178,13 @@ std::optional<int> run(std::filesystem::path const& program, std::vector<std::st
 
 bool startApart(std::filesystem::path const& program, std::vector<std::string> const& arguments,
                 Foundation::Environment const& environment) {
-    return start(program, arguments, environment, Surroundings::Session::itsOwn).has_value();
+    // posix_spawn() would hold us up until the program is loaded, and how long that takes is the others'
+    // affair on a busy machine.
+    Words const words(program, arguments, environment);
+    AllSignalsBlocked const blocked;
+    auto const child = ::fork();
+    if (child == 0) becomeApart(words);
+    return child > 0;
 }
 
 } // namespace Platform::ChildProgram

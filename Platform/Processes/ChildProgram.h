@@ -22,7 +22,8 @@ std::optional<int> run(std::filesystem::path const& program, std::vector<std::st
                        Foundation::Environment const& environment, std::chrono::milliseconds patience);
 
 /// Starts it in the same way, in the root folder and in a session of its own that outlives this program, and
-/// does not wait for it. Yields whether it has started.
+/// waits for nothing, not even for the program to be loaded. Yields whether there is a process for it; that
+/// one ends by itself where the program cannot be run.
 bool startApart(std::filesystem::path const& program, std::vector<std::string> const& arguments,
                 Foundation::Environment const& environment);
 

@@ -8,8 +8,10 @@
 
 #include <chrono>
 #include <csignal>
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 #include <string>
 #include <thread>
 
@@ -30,6 +32,16 @@ protected:
         return Foundation::Environment({{"PATH", programs.path().string() + ":relative"}, {"SIGN", "ours"}});
     }
     [[nodiscard]] std::string words(std::string const& name) const { return wordsGivenTo(programs, name); }
+
+    // What a file says once it is there.
+    static std::string textWhenThere(std::filesystem::path const& path) {
+        auto const bound = std::chrono::steady_clock::now() + generous;
+        while (!std::filesystem::exists(path) && std::chrono::steady_clock::now() < bound)
+            std::this_thread::sleep_for(10ms);
+        std::ostringstream text;
+        text << std::ifstream(path).rdbuf();
+        return text.str();
+    }
 
     TemporaryFolder programs;
 };
@@ -81,10 +93,7 @@ TEST_F(ProgramAudioTests, aProgramApartHasAFolderAndASessionOfItsOwn) {
                  "\"$1.part\" \"$1\"");
     ASSERT_TRUE(ChildProgram::startApart(programs.path() / "apart", {report.string()},
                                          environment().setting("PATH", "/usr/bin:/bin")));
-    auto const bound = std::chrono::steady_clock::now() + generous;
-    while (!std::filesystem::exists(report) && std::chrono::steady_clock::now() < bound)
-        std::this_thread::sleep_for(10ms);
-    std::ifstream stream(report);
+    std::istringstream stream(textWhenThere(report));
     std::string folder;
     int process = 0;
     int session = -1;
@@ -92,6 +101,56 @@ TEST_F(ProgramAudioTests, aProgramApartHasAFolderAndASessionOfItsOwn) {
     EXPECT_EQ(folder, "/");
     EXPECT_EQ(session, process);
     ::waitpid(process, nullptr, 0);
+}
+
+TEST_F(ProgramAudioTests, aProgramApartHasNoneOfOurStreamsAndFiles) {
+    auto const report = programs.path() / "report";
+    int const file = ::open("/dev/zero", O_RDONLY); // Without FD_CLOEXEC.
+    ASSERT_GE(file, 0);
+    placeStandIn(
+        programs, "apart",
+        "at=/proc/$$/fd; seen=\"$(readlink $at/0) $(readlink $at/1) $(readlink $at/2)\"; "
+        "[ -e $at/$2 ] || seen=\"$seen closed\"; echo \"$seen\" > \"$1.part\"; mv \"$1.part\" \"$1\"");
+    ASSERT_TRUE(ChildProgram::startApart(programs.path() / "apart", {report.string(), std::to_string(file)},
+                                         environment().setting("PATH", "/usr/bin:/bin")));
+    ::close(file);
+    EXPECT_EQ(textWhenThere(report), "/dev/null /dev/null /dev/null closed\n");
+    ::wait(nullptr);
+}
+
+TEST_F(ProgramAudioTests, signalsReachAProgramApartAsUsual) {
+    auto const report = programs.path() / "report";
+    auto* const former = std::signal(SIGPIPE, SIG_IGN);
+    sigset_t blocked;
+    sigset_t before;
+    sigemptyset(&blocked);
+    sigaddset(&blocked, SIGTERM);
+    ::pthread_sigmask(SIG_BLOCK, &blocked, &before);
+    placeStandIn(
+        programs, "apart",
+        "sed -n 's/^Sig\\(Blk\\|Ign\\):\\t//p' /proc/self/status > \"$1.part\"; mv \"$1.part\" \"$1\"");
+    ASSERT_TRUE(ChildProgram::startApart(programs.path() / "apart", {report.string()},
+                                         environment().setting("PATH", "/usr/bin:/bin")));
+    sigset_t afterwards;
+    ::pthread_sigmask(SIG_SETMASK, &before, &afterwards);
+    std::signal(SIGPIPE, former);
+    EXPECT_TRUE(sigismember(&afterwards, SIGTERM) == 1 && sigismember(&afterwards, SIGINT) == 0)
+        << "this program's own signals are as they were";
+    std::istringstream masks(textWhenThere(report));
+    std::uint64_t blockedThere = ~0ULL;
+    std::uint64_t ignoredThere = ~0ULL;
+    masks >> std::hex >> blockedThere >> ignoredThere;
+    EXPECT_EQ(blockedThere, 0);
+    EXPECT_EQ(ignoredThere & (1ULL << (SIGPIPE - 1)), 0); // Others may have been ignored all along.
+    ::wait(nullptr);
+}
+
+TEST_F(ProgramAudioTests, aProgramApartThatCannotBeRunLeavesAProcessThatEnds) {
+    ASSERT_TRUE(ChildProgram::startApart(programs.path() / "missing", {}, environment()));
+    int status = 0;
+    ASSERT_GT(::wait(&status), 0);
+    EXPECT_TRUE(WIFEXITED(status));
+    EXPECT_NE(WEXITSTATUS(status), 0);
 }
 
 TEST_F(ProgramAudioTests, whatWeIgnoreEndsAProgramAsUsual) {
