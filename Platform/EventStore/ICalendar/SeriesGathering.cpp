@@ -9,13 +9,16 @@ SeriesGathering::SeriesGathering(std::vector<std::shared_ptr<CalendarFile const>
         auto const& clock = clocks.emplace_back(*file, zones);
         for (auto const& event : file->events) {
             auto const [entry, isNew] = indices.try_emplace(event.uid, series.size());
-            if (isNew) series.emplace_back();
-            auto& one = series[entry->second];
             ClockedEvent const added{.component = &event, .clocks = &clock};
-            auto const former = one.master();
-            one.add(added);
+            if (isNew) {
+                series.emplace_back().add(added);
+                continue;
+            }
+            auto& known = series[entry->second];
+            auto const former = known.master();
+            known.add(added);
             if (former && !event.recurrenceId)
-                displaced.push_back(one.master()->component == &event ? *former : added);
+                displaced.push_back(known.master()->component == &event ? *former : added);
         }
     }
     for (auto& one : series)
