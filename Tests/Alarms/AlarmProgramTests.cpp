@@ -1,19 +1,18 @@
 #include "Foundation/JSON.h"
 #include "Tests/Alarms/AlarmHome.h"
 #include "Tests/Platform/PrivateBus.h"
+#include "Tests/Platform/Waiting.h"
 #include "Tests/UserNotifications/StubNotificationServer.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <ctime>
 #include <memory>
 #include <set>
 #include <string>
-#include <thread>
 #include <vector>
 
 // The program itself, in a home of its own, on the real clock.
@@ -41,16 +40,6 @@ protected:
                     "\r\nDTSTAMP:20260101T000000Z\r\nDTSTART:" + utcText(start) +
                     "\r\nDURATION:PT30M\r\nEND:VEVENT\r\n";
         home.placeEvents(text);
-    }
-
-    template <typename Condition>
-    static bool waitUntil(Condition const& condition) {
-        auto const end = std::chrono::steady_clock::now() + std::chrono::minutes(1);
-        while (!condition()) {
-            if (std::chrono::steady_clock::now() > end) return false;
-            std::this_thread::yield();
-        }
-        return true;
     }
 
     AlarmHome home;

@@ -1,6 +1,7 @@
 #include "Foundation/DateFormatting.h"
 #include "Tests/Alarms/AlarmHome.h"
 #include "Tests/Platform/PrivateBus.h"
+#include "Tests/Platform/Waiting.h"
 #include "Tests/UserNotifications/DesktopNotificationServer.h"
 #include "Tests/WidgetHost/MachineClock.h"
 
@@ -10,12 +11,10 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <csignal>
 #include <memory>
 #include <string>
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -37,16 +36,6 @@ std::string meet(std::string const& name, std::string const& time, std::string c
     return "BEGIN:VEVENT\r\nUID:" + name + "\r\nSUMMARY:" + name +
            "\r\nDTSTAMP:20260101T000000Z\r\nDTSTART:" + digits + "Z\r\nDURATION:PT30M\r\n" + more +
            "END:VEVENT\r\n";
-}
-
-template <typename Condition>
-bool waitUntil(Condition const& condition) {
-    auto const end = std::chrono::steady_clock::now() + std::chrono::minutes(1);
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > end) return false;
-        std::this_thread::sleep_for(std::chrono::milliseconds(2));
-    }
-    return true;
 }
 
 class AlarmsOnADesktopTests : public testing::Test {

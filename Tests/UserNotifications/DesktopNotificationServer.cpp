@@ -1,11 +1,11 @@
 #include "Tests/UserNotifications/DesktopNotificationServer.h"
 
+#include "Tests/Platform/Waiting.h"
+
 #include <algorithm>
-#include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <stdexcept>
-#include <thread>
 #include <utility>
 
 namespace {
@@ -14,16 +14,6 @@ constexpr char const* serverName = "org.freedesktop.Notifications";
 constexpr char const* serverPath = "/org/freedesktop/Notifications";
 constexpr char const* standardInterface = "org.freedesktop.Notifications";
 constexpr char const* ownInterface = "org.dunstproject.cmd0";
-
-template <typename Condition>
-bool waitUntil(Condition const& condition) {
-    auto const end = std::chrono::steady_clock::now() + std::chrono::minutes(1);
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > end) return false;
-        std::this_thread::sleep_for(std::chrono::milliseconds(2));
-    }
-    return true;
-}
 
 std::string textOf(GVariant* entry, char const* key) {
     char const* text = nullptr;
