@@ -13,6 +13,7 @@
 #include "Platform/EventStore/Folder/ConsentRecord.h"
 #include "Platform/Logging/Logger.h"
 #include "Platform/SessionBus/SessionBusAddress.h"
+#include "Platform/SessionBus/SessionLock.h"
 #include "Platform/WidgetHost/LocalWidgetCenter.h"
 #include "Platform/WidgetHost/StoppedWallClockTimer.h"
 #include "Platform/WidgetHost/TimerfdWallClockTimer.h"
@@ -104,7 +105,8 @@ void WidgetProgram::show(Entry const& entry, Platform::EntryKind kind) {
         return; // Shown again once there is one.
     }
     auto const view = widget.content(entry, host.family(), looks.colorScheme());
-    auto content = faceContent(view, kind, Composition::liveHTMLReader(), mainExecutor);
+    auto content = faceContent(view, isLocked ? Platform::EntryKind::placeholder : kind,
+                               Composition::liveHTMLReader(), mainExecutor);
     shownMeets = std::move(content.meets);
     window->show(std::move(content.shown));
     if (kind == Platform::EntryKind::loaded) {
@@ -179,11 +181,24 @@ void WidgetProgram::followTheDesktop() {
     auto const bus = Platform::sessionBusAddress(services.environment());
     reloadListener.emplace(bus, [this] { reload(); });
     appearanceWatch.emplace(bus, [this] { looks.askAgain(); });
+    if (!options.fixedMoment) {
+        lockListener.emplace(Platform::systemBusAddress(services.environment()),
+                             [this](bool isLockedNow) { lockChanged(isLockedNow); });
+    }
 }
 
 void WidgetProgram::followSignals() {
     interrupted = Platform::GLibSource::onSignal(SIGINT, [this] { quit(); });
     terminated = Platform::GLibSource::onSignal(SIGTERM, [this] { quit(); });
+}
+
+// Locked, the face shows its header alone: no meets, and not that there are none.
+void WidgetProgram::lockChanged(bool isLockedNow) {
+    isLocked = isLockedNow;
+    if (isLocked) {
+        meetDialog.close();
+    }
+    host.showAgain();
 }
 
 void WidgetProgram::preferencesChanged() {

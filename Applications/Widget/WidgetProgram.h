@@ -20,6 +20,7 @@
 #include "Platform/WidgetHost/FolderWatch.h"
 #include "Platform/WidgetHost/GLibMainLoop.h"
 #include "Platform/WidgetHost/GLibSource.h"
+#include "Platform/WidgetHost/LockListener.h"
 #include "Platform/WidgetHost/MainLoopExecutor.h"
 #include "Platform/WidgetHost/ReloadListener.h"
 #include "Platform/WidgetHost/ResidentHost.h"
@@ -66,6 +67,7 @@ private:
     void followPreferences();
     void followTheDesktop();
     void followSignals();
+    void lockChanged(bool isLockedNow);
     void preferencesChanged();
     void withdrawAnsweredQuestion();
     void pressIsDone(PressOutcome const& outcome);
@@ -99,6 +101,7 @@ private:
     std::unique_ptr<WidgetExtension::ScheduleTimelineProvider> const provider;
     Notices notices;
     bool hasShownTheDay = false;
+    bool isLocked = false;                      // The session; its day is nobody's then.
     std::optional<Platform::FaceWindow> window; // Absent until the display is open, as is the way back.
     std::vector<std::optional<Meetings::MeetEntity>> shownMeets; // One for each row of the face.
     Platform::DetailDialog meetDialog;
@@ -114,6 +117,7 @@ private:
     std::optional<Watching::PreferenceWatches> preferences;
     std::optional<Platform::ReloadListener> reloadListener;
     std::optional<Platform::PortalAppearanceWatch> appearanceWatch;
+    std::optional<Platform::LockListener> lockListener;
     Platform::GLibSource interrupted;
     Platform::GLibSource terminated;
 };

@@ -1,23 +1,12 @@
 #include "Platform/SessionBus/BusSubscription.h"
 
+#include "Platform/SessionBus/BusWait.h"
+
 #include <systemd/sd-bus.h>
 
-#include <cstdint>
 #include <utility>
 
 namespace Platform {
-
-namespace {
-
-using Clock = std::chrono::steady_clock;
-
-// The library counts microseconds of the monotonic clock, which is the standard library's steady one here.
-std::optional<Clock::time_point> momentOf(std::uint64_t microseconds) {
-    if (microseconds == UINT64_MAX) return std::nullopt;
-    return Clock::time_point(std::chrono::microseconds(microseconds));
-}
-
-} // namespace
 
 struct BusSubscription::State {
     State(std::string const& address, BusSignal const& signal, std::function<void()> heard)
@@ -55,14 +44,7 @@ BusSubscription::BusSubscription(std::string const& address, BusSignal const& si
 BusSubscription::~BusSubscription() = default;
 
 std::optional<BusSubscription::Wait> BusSubscription::wait() const {
-    if (state->connection == nullptr) return std::nullopt;
-    int const descriptor = sd_bus_get_fd(state->connection);
-    int const events = sd_bus_get_events(state->connection);
-    std::uint64_t moment = UINT64_MAX;
-    bool const isKnown =
-        descriptor >= 0 && events >= 0 && sd_bus_get_timeout(state->connection, &moment) >= 0;
-    if (!isKnown) return std::nullopt;
-    return Wait{.descriptor = descriptor, .events = static_cast<short>(events), .until = momentOf(moment)};
+    return waitOf(state->connection);
 }
 
 void BusSubscription::serve() {
