@@ -19,7 +19,7 @@ namespace Platform {
 
 class FaceWindow::Widgets {
 public:
-    Widgets(WindowPlacement placement, FaceWindowTexts texts, FaceWindowActions actions)
+    Widgets(WindowPlacement placement, FaceWindowTexts const& texts, FaceWindowActions actions)
         : placement(placement),
           actions(std::move(actions)),
           menu(texts, this->actions),
@@ -351,8 +351,8 @@ private:
     GObjectReference<GtkGesture> drag;
 };
 
-FaceWindow::FaceWindow(WindowPlacement placement, FaceWindowTexts texts, FaceWindowActions actions)
-    : widgets(std::make_unique<Widgets>(placement, std::move(texts), std::move(actions))) {}
+FaceWindow::FaceWindow(WindowPlacement placement, FaceWindowTexts const& texts, FaceWindowActions actions)
+    : widgets(std::make_unique<Widgets>(placement, texts, std::move(actions))) {}
 
 FaceWindow::~FaceWindow() = default;
 

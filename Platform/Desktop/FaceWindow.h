@@ -50,7 +50,7 @@ struct FaceWindowContent {
 /// The window with the face, its two buttons, its rows and its menu. The display has to be open.
 class FaceWindow final {
 public:
-    FaceWindow(WindowPlacement placement, FaceWindowTexts texts, FaceWindowActions actions);
+    FaceWindow(WindowPlacement placement, FaceWindowTexts const& texts, FaceWindowActions actions);
     FaceWindow(FaceWindow const&) = delete;
     FaceWindow& operator=(FaceWindow const&) = delete;
     ~FaceWindow();

@@ -27,6 +27,7 @@ WindowPlace broughtOnScreen(WindowPlace place, int width, int height, std::vecto
         return place;
     }
     std::vector<WindowPlace> candidates;
+    candidates.reserve(areas.size());
     for (auto const& area : areas) {
         candidates.push_back(within(area, place, width, height));
     }
