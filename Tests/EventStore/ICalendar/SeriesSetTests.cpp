@@ -193,7 +193,7 @@ INSTANTIATE_TEST_SUITE_P(
                        false},
         DifferenceCase{"override", "DTSTART:20260311\nRRULE:FREQ=DAILY\n",
                        "DTSTART:20260313\nRECURRENCE-ID;VALUE=DATE:20260312\n", false}),
-    [](auto const& info) { return std::string(info.param.name); });
+    [](auto const& row) { return std::string(row.param.name); });
 
 TEST(SeriesSetTests, zonesAreToldApartByNameWhereFilesNumberThemDifferently) {
     auto const fileOf = [](std::string const& path, std::string const& components) {
