@@ -8,7 +8,8 @@
 
 namespace Platform {
 
-/// Owns what is waited for and served like a BusSubscription, and has GLib's default main context do so.
+/// Owns what is waited for and served like a BusSubscription, and has GLib's default main context do so. What it
+/// calls from there must not destroy it.
 template <typename Served>
 class GLibServed final {
 public:
