@@ -36,9 +36,14 @@ SingleInstance::SingleInstance(Foundation::Environment const& environment) {
 }
 
 SingleInstance::~SingleInstance() {
-    if (application != nullptr) {
-        g_object_unref(application);
+    if (application == nullptr) {
+        return;
     }
+    if (auto* const bus = g_application_get_dbus_connection(application)) {
+        // Who asked this instance to quit waits for the answer, which another thread is about to send.
+        g_dbus_connection_flush_sync(bus, nullptr, nullptr);
+    }
+    g_object_unref(application);
 }
 
 bool SingleInstance::isFirst() const {
