@@ -72,8 +72,27 @@ void started(GObject* source, GAsyncResult* result, gpointer data) noexcept {
     tell(*done, Error(error));
 }
 
-std::unique_ptr<GAppInfo, Release> programFor(std::string const& contentType) {
-    return std::unique_ptr<GAppInfo, Release>(g_app_info_get_default_for_type(contentType.c_str(), FALSE));
+using Program = std::unique_ptr<GAppInfo, Release>;
+
+Program defaultFor(std::string const& contentType) {
+    return Program(g_app_info_get_default_for_type(contentType.c_str(), FALSE));
+}
+
+bool isAnyRecommendedFor(std::string const& contentType) {
+    GList* const recommended = g_app_info_get_recommended_for_type(contentType.c_str());
+    g_list_free_full(recommended, g_object_unref);
+    return recommended != nullptr;
+}
+
+// Every kind of text is plain text, too, and where nothing is there for the kind the library settles for the
+// editor.
+Program programFor(std::string const& contentType) {
+    static constexpr auto plainText = "text/plain";
+    auto program = defaultFor(contentType);
+    if (!program || contentType == plainText || isAnyRecommendedFor(contentType)) return program;
+    auto const editor = defaultFor(plainText);
+    bool const isEditor = editor && g_app_info_equal(program.get(), editor.get()) != FALSE;
+    return isEditor ? nullptr : std::move(program);
 }
 
 } // namespace

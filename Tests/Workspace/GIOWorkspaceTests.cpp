@@ -45,8 +45,12 @@ TEST(GIOWorkspaceTests, linksAndKindsOfContentHaveTheProgramsThatThePersonChose)
     placeStandIn(home, "planner");
     home.place("data/applications/planner.desktop", "[Desktop Entry]\nType=Application\nName=Planner\nExec=" +
                                                         (home.path() / "planner").string() + " %U\n");
+    placeStandIn(home, "editor");
+    home.place("data/applications/editor.desktop",
+               "[Desktop Entry]\nType=Application\nName=Editor\nExec=" + (home.path() / "editor").string() +
+                   " %U\nMimeType=text/plain;\n");
     home.place("config/mimeapps.list", "[Default Applications]\nx-scheme-handler/https=browser.desktop\n"
-                                       "text/calendar=planner.desktop\n");
+                                       "text/calendar=planner.desktop\ntext/plain=editor.desktop\n");
     // The library finds programs by the process's own environment, and looks once.
     ::setenv("XDG_DATA_HOME", (home.path() / "data").c_str(), 1);
     ::setenv("XDG_DATA_DIRS", (home.path() / "none").c_str(), 1);
@@ -76,7 +80,9 @@ TEST(GIOWorkspaceTests, linksAndKindsOfContentHaveTheProgramsThatThePersonChose)
     EXPECT_TRUE(isRun());
     EXPECT_EQ(wordsGivenTo(home, "planner"), "") << "it is given nothing to open";
 
-    EXPECT_FALSE(workspace.hasProgram("text/unheard-of"));
+    EXPECT_TRUE(workspace.hasProgram("text/plain"));
+    EXPECT_FALSE(workspace.hasProgram("text/unheard-of"))
+        << "every text is plain text, but that is not meant";
     Outcome missing;
     workspace.startProgram("text/unheard-of", missing.done());
     EXPECT_EQ(missing.wait(), "there is no program for text/unheard-of");
