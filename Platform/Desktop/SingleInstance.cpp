@@ -2,11 +2,13 @@
 
 #include "Platform/Desktop/GObjectReference.h"
 #include "Platform/Desktop/Signal.h"
+#include "Platform/SessionBus/BusConnection.h"
 #include "Platform/SessionBus/SessionBusAddress.h"
 #include "Platform/WidgetHost/WidgetBus.h"
 
 #include <gio/gio.h>
 
+#include <chrono>
 #include <string>
 #include <utility>
 
@@ -23,7 +25,10 @@ void addAction(GApplication* application, char const* name, std::function<void()
 } // namespace
 
 SingleInstance::SingleInstance(Foundation::Environment const& environment) {
-    if (!sessionBusAddress(environment)) {
+    // The library would wait without a bound for a bus that takes connections and says nothing.
+    constexpr std::chrono::milliseconds patience{1000};
+    auto const address = sessionBusAddress(environment);
+    if (!address || !BusConnection::open(*address, std::chrono::steady_clock::now() + patience)) {
         return;
     }
     application = g_application_new(WidgetBus::applicationIdentifier, G_APPLICATION_DEFAULT_FLAGS);

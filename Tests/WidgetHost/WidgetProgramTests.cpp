@@ -1,5 +1,9 @@
 #include "WidgetProgramFixture.h"
 
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <csignal>
 #include <filesystem>
@@ -344,6 +348,20 @@ TEST_F(WidgetConsentTests, anAnswerGivenElsewhereTakesTheQuestionBack) {
     write(record(), "3");
     EXPECT_TRUE(showsWednesday());
     EXPECT_TRUE(dialogIsGone());
+}
+
+TEST_F(WidgetProgramTests, busThatTakesConnectionsAndSaysNothingKeepsNoWindowBack) {
+    auto const path = home / "run/bus";
+    int const listening = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    ASSERT_LT(path.native().size(), sizeof address.sun_path);
+    path.native().copy(static_cast<char*>(address.sun_path), path.native().size());
+    ASSERT_EQ(bind(listening, reinterpret_cast<sockaddr*>(&address), sizeof address), 0); // NOLINT
+    ASSERT_EQ(listen(listening, 8), 0);
+    open({}); // Without --at, which asks no bus for another instance.
+    EXPECT_TRUE(screen.pictureWhen(title, [](auto const& shown) { return shown.width == 364; }).has_value());
+    close(listening);
 }
 
 class WidgetOnABusTests : public WidgetProgramTests {
