@@ -87,6 +87,7 @@ OccurrenceListing listFile(Platform::FileManager const& files, std::filesystem::
         listing.occurrences.push_back(listed(occurrence, calendar));
     appendProblems(path, file->problems, listing.problems);
     appendProblems(path, series.problems(), listing.problems);
+    appendProblems(path, series.hiddenEvents(), listing.problems);
     appendProblems(path, expansion.problems, listing.problems);
     return listing;
 }

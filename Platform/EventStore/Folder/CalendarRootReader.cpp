@@ -189,13 +189,16 @@ std::vector<StoreProblem> CalendarRootReader::problems(std::int64_t now) {
     return whole.takeProblems();
 }
 
-// What only several files together show.
+// What only several files together show. Who asks for a day is not told of it: every answer would come with
+// it.
 void CalendarRootReader::bringSharedEventsTogether(Found const& calendar, std::int64_t now) {
     if (calendar.choice.kind == FileChoice::Kind::one) return;
     Files files;
     ask(calendar.listed, now,
         [&](FolderIndex& index) { files = index.filesSharingUIDs(calendar.choice, now); });
-    if (files.size() > 1) seriesOf(calendar, std::move(files));
+    if (files.size() < 2) return;
+    for (auto const& problem : seriesOf(calendar, std::move(files)).hiddenEvents())
+        report(problemOf(problem, calendar.folder));
 }
 
 std::vector<StoreProblem> CalendarRootReader::takeProblems() {
@@ -370,8 +373,9 @@ FolderIndex CalendarRootReader::newIndex(std::filesystem::path const& folder) {
     if (readsForProblems) {
         index.onRead([this, folder](std::shared_ptr<ICalendar::CalendarFile const> const& file) {
             ICalendar::SeriesSet const set({file}, zones);
-            for (auto const& problem : set.problems())
-                report(problemOf(problem, folder));
+            for (auto const* const met : {&set.problems(), &set.hiddenEvents()})
+                for (auto const& problem : *met)
+                    report(problemOf(problem, folder));
         });
     }
     return index;

@@ -4,8 +4,8 @@
 
 namespace Platform::ICalendar {
 
-/// Whether two events are one as far as a person could see, whenever and in whichever order they were
-/// written: they happen at the same times, and their texts stand in the same bytes.
-bool sayTheSame(ClockedEvent const& left, ClockedEvent const& right);
+/// Whether two events pass for one: they have the same title and begin at the same moment. Programs that pass
+/// events on write the rest in ways of their own.
+bool areAlike(ClockedEvent const& left, ClockedEvent const& right);
 
 } // namespace Platform::ICalendar

@@ -54,7 +54,7 @@ void reportDisplaced(SeriesGathering const& gathered, std::vector<Problem>& prob
     for (auto const& event : gathered.displaced) {
         auto const& uid = event.component->uid;
         auto const& shown = *gathered.series[gathered.indices.at(uid)].master();
-        if (shown.component->sequence != event.component->sequence || sayTheSame(shown, event)) continue;
+        if (shown.component->sequence != event.component->sequence || areAlike(shown, event)) continue;
         if (problems.size() >= CalendarFile::maximumProblems) return;
         problems.push_back({.path = event.clocks->file->path,
                             .line = event.component->line,
@@ -78,6 +78,7 @@ struct SeriesSet::Contents {
     std::vector<std::shared_ptr<CalendarFile const>> files;
     SeriesGathering gathered;
     std::vector<Problem> problems;
+    std::vector<Problem> hidden;
 
     [[nodiscard]] Series const* find(std::string_view uid) const {
         auto const entry = gathered.indices.find(uid);
@@ -90,7 +91,7 @@ SeriesSet::SeriesSet(std::vector<std::shared_ptr<CalendarFile const>> files,
     auto made = std::make_unique<Contents>(std::move(files), *zones);
     for (auto const& clocks : made->gathered.clocks)
         reportUnknownZones(clocks, made->problems);
-    reportDisplaced(made->gathered, made->problems);
+    reportDisplaced(made->gathered, made->hidden);
     contents = std::move(made);
 }
 
@@ -162,6 +163,10 @@ std::vector<std::string_view> SeriesSet::uids() const {
 
 std::vector<Problem> const& SeriesSet::problems() const {
     return contents->problems;
+}
+
+std::vector<Problem> const& SeriesSet::hiddenEvents() const {
+    return contents->hidden;
 }
 
 } // namespace Platform::ICalendar

@@ -58,8 +58,11 @@ public:
     [[nodiscard]] std::vector<std::string_view> uids() const;
 
     /// The files' problems are not repeated here: only what bringing them together showed, such as a TZID
-    /// that nothing explains, or an event that another one of its UID and SEQUENCE hides.
+    /// that nothing explains.
     [[nodiscard]] std::vector<Problem> const& problems() const;
+
+    /// Those of two different events that were given one UID and SEQUENCE of which the other is shown.
+    [[nodiscard]] std::vector<Problem> const& hiddenEvents() const;
 
 private:
     struct Contents;
