@@ -161,7 +161,7 @@ def rule_rows(session, own, peer):
 def measure(session, programs, benchmarks, peers):
     small = calendars.small_files(os.path.join(session.home, "small-10k"), 10_000)
     hundred_thousand = calendars.small_files(os.path.join(session.home, "small-100k"), 100_000)
-    os.sync()  # The disk would be busy with them for half a minute, and whatever is timed meanwhile with the disk.
+    os.sync()  # Otherwise the kernel writes them back later, beside whatever is timed then.
     program = f"{benchmarks}/quillora_bench_calendar_store"
     yield from own_rows(session, program, hundred_thousand)
     home = Home(session, programs, "home-100k", hundred_thousand)
